@@ -1,0 +1,34 @@
+# What every target of this tree is compiled with; nothing here depends on a preset.
+
+include(CheckCXXCompilerFlag)
+include(CheckIPOSupported)
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+check_cxx_compiler_flag(-fno-gnu-unique QUILLON_HAS_NO_GNU_UNIQUE)
+check_ipo_supported(RESULT QUILLON_HAS_IPO OUTPUT quillon_ipo_output LANGUAGES CXX)
+
+add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion
+    -Wnon-virtual-dtor -Wold-style-cast -Wundef)
+if(QUILLON_WERROR)
+    add_compile_options(-Werror)
+endif()
+if(QUILLON_SANITIZE)
+    add_compile_options(-fsanitize=${QUILLON_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=${QUILLON_SANITIZE})
+endif()
+
+# Flags that the results and the unloading of `target` rest on. Contraction travels to the users of
+# a library (PUBLIC), since arithmetic that stands in headers is compiled by them.
+function(quillon_compile_flags target scope)
+    target_compile_options(${target} ${scope} -ffp-contract=off)
+    if(QUILLON_HAS_NO_GNU_UNIQUE)
+        target_compile_options(${target} PRIVATE -fno-gnu-unique)
+    endif()
+endfunction()

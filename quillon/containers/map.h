@@ -1,0 +1,72 @@
+// The map of pointers that crosses the border between the library and its plug-ins.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <new>
+#include <type_traits>
+
+namespace quillon {
+
+// Files pointers under 32-bit keys that the caller brings (see name_hash), in ascending key order.
+//
+// The first value under a key stays until the map dies; nothing takes an entry out.
+// An owning map destroys its values; a DSPhashMap<void> frees them with the plain deallocator.
+// Not safe for use from two threads at once.
+template <class T>
+class DSPhashMap {
+    using Entries = std::map<std::uint32_t, T*>;
+
+public:
+    using iterator = typename Entries::const_iterator;
+
+    explicit DSPhashMap(bool references_only = false) : referencesOnly(references_only) {}
+    DSPhashMap(const DSPhashMap&) = delete;
+    DSPhashMap& operator=(const DSPhashMap&) = delete;
+
+    virtual ~DSPhashMap() {
+        if (referencesOnly)
+            return;
+        for (cursor = entries.begin(); cursor != entries.end(); ++cursor)
+            destroy(cursor->second);
+    }
+
+    // Files `value` if the key is free, and returns it either way; null is never stored.
+    // A value that was refused stays the caller's.
+    T* add(T* value, std::uint32_t key) {
+        if (value != nullptr)
+            entries.try_emplace(key, value);
+        return value;
+    }
+
+    // The value under `key`, or null.
+    T* find(std::uint32_t key) const {
+        const iterator found = entries.find(key);
+        return found == entries.end() ? nullptr : found->second;
+    }
+
+    // A walk in ascending order of key; it stays valid while entries are added.
+    iterator begin() const { return entries.begin(); }
+    iterator end() const { return entries.end(); }
+
+private:
+    static void destroy(T* value) {
+        if constexpr (std::is_void_v<T>)
+            ::operator delete(value);
+        else
+            delete value;
+    }
+
+    iterator cursor{};
+    Entries entries;
+    bool referencesOnly;
+};
+
+// A DSPhashMap that refers to its values and never destroys one.
+template <class T>
+class DSPrefHashMap : public DSPhashMap<T> {
+public:
+    DSPrefHashMap() : DSPhashMap<T>(true) {}
+};
+
+} // namespace quillon
