@@ -5,3 +5,5 @@
 #include "quillon/containers/map.h"
 #include "quillon/containers/names.h"
 #include "quillon/export.h"
+#include "quillon/messages/message.h"
+#include "quillon/messages/router.h"

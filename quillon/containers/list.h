@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 #include <vector>
 
 namespace quillon {
@@ -26,6 +27,7 @@ template <class T>
 class DSParray {
 public:
     explicit DSParray(bool references_only = false) : referencesOnly(references_only) {}
+
     DSParray(const DSParray&) = delete;
     DSParray& operator=(const DSParray&) = delete;
 
@@ -38,8 +40,9 @@ public:
         return position < count() ? items[position] : nullptr;
     }
 
-    // Puts `element` before the one at `position` (DSP_APPEND or `count` for the end) and returns it.
-    // Null, with nothing stored, for a position beyond the end; the element then stays the caller's.
+    // Puts `element` before the one at `position` (DSP_APPEND or `count` for the end) and returns
+    // it. Null, with nothing stored, for a position beyond the end; the element then stays the
+    // caller's.
     T* add(T* element, const std::uint32_t& position) {
         const std::uint32_t target = position == DSP_APPEND ? count() : position;
         if (target > count())
@@ -62,19 +65,30 @@ public:
         return true;
     }
 
-    // Destroys every element that the list owns, first to last, and empties the list.
-    void clear() {
-        for (cursor = items.begin(); cursor != items.end(); ++cursor)
-            destroy(*cursor);
-        items.clear();
+    // Walks from the first element on and takes out, in one pass, those for which `leaves` is true;
+    // the others keep their order. What the list owns is destroyed after `leaves` has returned.
+    //
+    // `leaves` may add behind the last element and is then asked about that one too; it must not
+    // change the list otherwise, and finds null at some of the positions that were walked over.
+    // An exception of `leaves` ends the walk: the element in question and all behind it stay.
+    template <class Leaves>
+    void remove_if(Leaves leaves) {
+        Gap gap{items};
+        while (gap.end < items.size()) {
+            T* const element = items[gap.end];
+            const bool gone = leaves(element);
+            if (gone || gap.begin != gap.end)
+                items[gap.end] = nullptr;
+            ++gap.end;
+            if (gone)
+                destroy(element);
+            else
+                items[gap.begin++] = element;
+        }
     }
 
-private:
-    void destroy(T* element) {
-        if (!referencesOnly)
-            delete element;
-    }
-
+    // Makes the next `add` one that cannot fail.
+    //
     // Grows by half, whatever the factor of the platform's vector is, so that both sides of the
     // plug-in border see the same capacities.
     void make_room_for_one() {
@@ -84,6 +98,33 @@ private:
         const std::size_t by_half = capacity + capacity / 2;
         items.reserve(by_half > capacity ? by_half : capacity + 1);
     }
+
+    // Destroys every element that the list owns, first to last, and empties the list.
+    void clear() {
+        for (cursor = items.begin(); cursor != items.end(); ++cursor)
+            destroy(*cursor);
+        items.clear();
+    }
+
+private:
+    // A type that hides its destructor can only be referred to.
+    void destroy(T* element) {
+        if constexpr (std::is_destructible_v<T>)
+            if (!referencesOnly)
+                delete element;
+    }
+
+    // The places that a walk has emptied, closed up when the walk ends in whichever way.
+    struct Gap {
+        std::vector<T*>& items;
+        std::size_t begin = 0;
+        std::size_t end = 0;
+
+        ~Gap() {
+            items.erase(items.begin() + static_cast<std::ptrdiff_t>(begin),
+                        items.begin() + static_cast<std::ptrdiff_t>(end));
+        }
+    };
 
     std::vector<T*> items;
     typename std::vector<T*>::iterator cursor{};

@@ -21,6 +21,7 @@ public:
     using iterator = typename Entries::const_iterator;
 
     explicit DSPhashMap(bool references_only = false) : referencesOnly(references_only) {}
+
     DSPhashMap(const DSPhashMap&) = delete;
     DSPhashMap& operator=(const DSPhashMap&) = delete;
 
@@ -47,6 +48,7 @@ public:
 
     // A walk in ascending order of key; it stays valid while entries are added.
     iterator begin() const { return entries.begin(); }
+
     iterator end() const { return entries.end(); }
 
 private:

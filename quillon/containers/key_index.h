@@ -1,0 +1,67 @@
+// A quick way to pointers that are filed in a DSPhashMap.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+namespace quillon {
+
+// Finds pointers by 32-bit key in constant time, without an order; it refers to them and owns none.
+//
+// Open addressing with linear probing and multiplicative hashing; at most half of the slots are
+// taken. No entry leaves, and null is never stored.
+template <class T>
+class KeyIndex {
+public:
+    // The value under `key`, or null.
+    T* find(std::uint32_t key) const {
+        return slots.empty() ? nullptr : slots[position_of(key)].value;
+    }
+
+    // Makes the next `add` one that cannot fail.
+    void make_room_for_one() {
+        if (used * 2 < slots.size())
+            return;
+        KeyIndex larger(slots.empty() ? first_bits : bits + 1);
+        for (const Slot& slot : slots)
+            if (slot.value != nullptr)
+                larger.add(slot.value, slot.key);
+        *this = std::move(larger);
+    }
+
+    // Files `value` under a key that is not taken. Call make_room_for_one before.
+    void add(T* value, std::uint32_t key) {
+        slots[position_of(key)] = {value, key};
+        ++used;
+    }
+
+    KeyIndex() = default;
+
+private:
+    struct Slot {
+        T* value = nullptr;
+        std::uint32_t key = 0;
+    };
+
+    static constexpr std::uint32_t first_bits = 4;
+
+    explicit KeyIndex(std::uint32_t size_bits)
+        : slots(std::size_t{1} << size_bits), bits(size_bits) {}
+
+    // Where `key` stands, or the free slot where it would.
+    std::size_t position_of(std::uint32_t key) const {
+        constexpr std::uint32_t golden_ratio = 0x9E3779B9;
+        std::size_t position = (key * golden_ratio) >> (32 - bits);
+        while (slots[position].value != nullptr && slots[position].key != key)
+            position = (position + 1) & (slots.size() - 1);
+        return position;
+    }
+
+    std::vector<Slot> slots;
+    std::size_t used = 0;
+    std::uint32_t bits = 0;
+};
+
+} // namespace quillon

@@ -1,0 +1,134 @@
+// Brings messages to those who asked for their type, at once or after a delay.
+#pragma once
+
+#include "quillon/containers/key_index.h"
+#include "quillon/containers/list.h"
+#include "quillon/containers/map.h"
+#include "quillon/export.h"
+#include "quillon/messages/message.h"
+
+#include <cstdint>
+
+namespace quillon {
+
+// Sorts observers into one mailbox per message type, and one more for those who want everything.
+//
+// For one thread at a time. Observers and messages are referred to and never owned; a holder that
+// was posted is owned until its last delivery. Holders still waiting when the router dies are left
+// alone, undelivered and undestroyed.
+// What an observer may do from inside receive_message: register, unregister and post, delayed or
+// not. A null observer, message or holder is ignored, with the result false or 0. The fields are
+// for looking at; change them through the operations alone.
+class cMessageRouter {
+public:
+    // A delayed message, and the delay that it has left.
+    using Entry = tuple2<cMessageStable*, float>;
+
+    struct Mailbox {
+        DSParray<Entry> queue;                   // in order of posting
+        DSPrefArray<cMessageObserver> observers; // in order of registration, none twice
+        // The observer that the due message in work reaches next. Between two updates it is above 0
+        // only after an exception cut the delivery of the queue's first entry short.
+        std::uint32_t next = 0;
+    };
+
+    bool register_for_message(cMessageObserver* observer, std::uint32_t message_type);
+    bool register_for_anything(cMessageObserver* observer);
+    bool unregister_for_message(cMessageObserver* observer, std::uint32_t message_type);
+    std::int16_t unregister_all(cMessageObserver* observer);
+    std::int16_t post_message(cMessage* message);
+    std::int16_t post_message_delayed(cMessageStable* holder, const float& delay);
+    void update(const float& passed);
+
+    DSPhashMap<Mailbox> mailboxes; // by message type; made on demand, never removed
+    Mailbox anything;
+
+    KeyIndex<Mailbox> index;         // the same mailboxes, at hand faster than through the map
+    const Mailbox* inWork = nullptr; // the mailbox that an update is working through
+};
+
+} // namespace quillon
+
+extern "C" {
+
+// Registers `observer` for the messages of one type.
+// False if it was registered for that type already.
+QUILLON_API bool __messageRouter_register_for_message(quillon::cMessageRouter* router,
+                                                      quillon::cMessageObserver* observer,
+                                                      std::uint32_t message_type);
+
+// Registers `observer` for the messages of every type, for the rest of the router's life.
+// False if it was registered for everything already.
+QUILLON_API bool __messageRouter_register_for_anything(quillon::cMessageRouter* router,
+                                                       quillon::cMessageObserver* observer);
+
+// Ends a registration for one type.
+// False if there was none.
+QUILLON_API bool __messageRouter_unregister_for_message(quillon::cMessageRouter* router,
+                                                        quillon::cMessageObserver* observer,
+                                                        std::uint32_t message_type);
+
+// Ends every registration for a single type, and gives their number.
+// A registration for anything stays.
+QUILLON_API std::int16_t __messageRouter_unregister_all(quillon::cMessageRouter* router,
+                                                        quillon::cMessageObserver* observer);
+
+// Hands `message` to the observers of its type, then to those of anything, before it returns.
+// Gives the number of observers of the type after the delivery, cut to 16 bits.
+// `message` stays the caller's. Makes no copy, no mailbox and no allocation.
+// An exception of an observer ends the delivery and leaves to the caller.
+QUILLON_API std::int16_t __messageRouter_post_message(quillon::cMessageRouter* router,
+                                                      quillon::cMessage* message);
+
+// Queues the message of `holder` until updates have counted `delay` down, and takes the holder
+// over. Gives the number of observers of its type at present, cut to 16 bits; nobody is called. If
+// memory runs out, nothing is queued and the holder stays the caller's.
+QUILLON_API std::int16_t __messageRouter_post_message_delayed(quillon::cMessageRouter* router,
+                                                              quillon::cMessageStable* holder,
+                                                              const float& delay);
+
+// Counts every delay down by `passed` and delivers what falls due, each queue in order of posting:
+// first to the observers of anything, then type by type in ascending order.
+// A message is due if its delay is not above `passed`; one that is queued during the update, in a
+// queue that is still in work or to come, is counted down by this update too.
+// Called from inside an update it does nothing.
+// An exception of an observer ends the update and leaves to the caller: the next update hands that
+// message to the observers behind, before any other of its queue. Delays that the update did not
+// come to are not counted down by it.
+QUILLON_API void __messageRouter_update(quillon::cMessageRouter* router, const float& passed);
+}
+
+namespace quillon {
+
+inline bool cMessageRouter::register_for_message(cMessageObserver* observer,
+                                                 std::uint32_t message_type) {
+    return __messageRouter_register_for_message(this, observer, message_type);
+}
+
+inline bool cMessageRouter::register_for_anything(cMessageObserver* observer) {
+    return __messageRouter_register_for_anything(this, observer);
+}
+
+inline bool cMessageRouter::unregister_for_message(cMessageObserver* observer,
+                                                   std::uint32_t message_type) {
+    return __messageRouter_unregister_for_message(this, observer, message_type);
+}
+
+inline std::int16_t cMessageRouter::unregister_all(cMessageObserver* observer) {
+    return __messageRouter_unregister_all(this, observer);
+}
+
+inline std::int16_t cMessageRouter::post_message(cMessage* message) {
+    return __messageRouter_post_message(this, message);
+}
+
+inline std::int16_t cMessageRouter::post_message_delayed(cMessageStable* holder,
+                                                         const float& delay) {
+    return __messageRouter_post_message_delayed(this, holder, delay);
+}
+
+inline void cMessageRouter::update(const float& passed) {
+    __messageRouter_update(this, passed);
+}
+
+} // namespace quillon
