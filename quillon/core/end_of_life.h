@@ -1,0 +1,56 @@
+// The library's end-of-life list: what is built registers here, and the list runs backwards.
+//
+// It runs on unload of the library or on an ordinary exit of the process, whichever comes first.
+// At exit it has to run ahead of the static objects of every plug-in, and exit handlers run latest
+// first: so it is registered again whenever plug-in code may have made static objects.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <new>
+
+namespace quillon {
+
+struct EndOfLifeEntry {
+    void (*destroy)(EndOfLifeEntry&);
+    EndOfLifeEntry* earlier;
+};
+
+// Adds an entry, which must not be on the list, as the latest.
+void register_for_end_of_life(EndOfLifeEntry& entry);
+
+// Destroys what is on the list, latest first. Does nothing more when it is called again.
+void run_end_of_life();
+
+// Makes the list run ahead of every exit handler that exists now.
+void run_end_of_life_before_exit_handlers();
+
+// An object in static storage, built on first use and destroyed by the end-of-life list. A use
+// after that builds it anew, so that every export still answers.
+template <class T>
+class Lasting : private EndOfLifeEntry {
+public:
+    constexpr Lasting() : EndOfLifeEntry{&Lasting::destroy_object, nullptr} {}
+
+    T& get() {
+        if (!alive) {
+            ::new (storage) T();
+            alive = true;
+            register_for_end_of_life(*this);
+        }
+        return *std::launder(reinterpret_cast<T*>(storage));
+    }
+
+private:
+    // Plug-in code that runs below the destructor still sees the object.
+    static void destroy_object(EndOfLifeEntry& entry) {
+        auto& self = static_cast<Lasting&>(entry);
+        std::destroy_at(&self.get());
+        self.alive = false;
+    }
+
+    alignas(T) std::byte storage[sizeof(T)]{};
+    bool alive = false;
+};
+
+} // namespace quillon

@@ -1,0 +1,27 @@
+// The listing of one folder.
+#pragma once
+
+#include "quillon/export.h"
+
+namespace quillon {
+
+// One name of a listing. The caller frees each `name` with `delete[]` and each entry with `delete`.
+struct cFileListEntry {
+    char* name;
+    cFileListEntry* next;
+};
+
+} // namespace quillon
+
+extern "C" {
+
+// The names in `folder` that `filter` selects, sorted bytewise; null if there are none.
+//
+// A filter is a list of name endings separated by ";", compared without regard to letter case and
+// not trimmed: ".dll;.so" gives the files that end in one of them. ".*" gives every file.
+// A filter without endings ("", ";;") gives the subfolders instead, "." and ".." included.
+// Subfolders are not searched, and a folder that cannot be read counts as empty.
+// A path of 260 or more characters, with its "/*" and after "\" and "//" became "/", gives null.
+QUILLON_API quillon::cFileListEntry* __mFileOps_collect_files(const char* folder,
+                                                              const char* filter);
+}

@@ -1,0 +1,71 @@
+// The five tables of functions through which plug-ins serve the library's modules.
+//
+// A table is a block of pointer-wide entries at fixed positions, handed out cleared. The named
+// entries are those that the library calls; the meaning of the others is agreed between plug-ins
+// and hosts. Entries run on the caller's thread and take no context: a plug-in keeps its own state.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace quillon {
+
+struct GraphicsTable {
+    void* entries_0_to_14[15];
+    // Reads an image file; the plug-in says what the three values are. `name` dies with the call.
+    void (*load_bitmap)(const char* name, void* width, void* height, void* pixels);
+    // Writes 8-bit RGBA pixels to an image file and tells whether it did.
+    bool (*save_bitmap)(const char* name, std::uint16_t width, std::uint16_t height,
+                        std::uint8_t* pixels);
+    void* entries_17_to_96[80];
+};
+
+// All take an absolute input code. A binding may ask twice for one code, so an answer must not
+// depend on whether it was asked before.
+struct InputTable {
+    void* entries_0_to_10[11];
+    bool (*key_down)(std::uint16_t code);
+    bool (*key_press)(std::uint16_t code);
+    bool (*key_hold_press)(std::uint16_t code);
+    bool (*key_release)(std::uint16_t code);
+    bool (*key_double_click)(std::uint16_t code);
+    float (*axis_value)(std::uint16_t code);
+    float (*axis_delta)(std::uint16_t code);
+    void* entries_18_to_34[17];
+};
+
+struct SystemTable {
+    void* entries_0_to_10[11];
+    // Must return: a worker looks at its stop flag only between pauses.
+    void (*pause)(const double& seconds);
+    void* entries_12_to_24[13];
+};
+
+struct NetworkTable {
+    void* entries_0_to_25[26];
+};
+
+struct AudioTable {
+    void* entries_0_to_13[14];
+};
+
+template <class Table>
+inline constexpr std::size_t ENTRY_COUNT = sizeof(Table) / sizeof(void*);
+
+static_assert(sizeof(GraphicsTable) == 97 * sizeof(void*));
+static_assert(sizeof(InputTable) == 35 * sizeof(void*));
+static_assert(sizeof(SystemTable) == 25 * sizeof(void*));
+static_assert(sizeof(NetworkTable) == 26 * sizeof(void*));
+static_assert(sizeof(AudioTable) == 14 * sizeof(void*));
+static_assert(offsetof(GraphicsTable, load_bitmap) == 15 * sizeof(void*));
+static_assert(offsetof(GraphicsTable, save_bitmap) == 16 * sizeof(void*));
+static_assert(offsetof(InputTable, key_down) == 11 * sizeof(void*));
+static_assert(offsetof(InputTable, key_press) == 12 * sizeof(void*));
+static_assert(offsetof(InputTable, key_hold_press) == 13 * sizeof(void*));
+static_assert(offsetof(InputTable, key_release) == 14 * sizeof(void*));
+static_assert(offsetof(InputTable, key_double_click) == 15 * sizeof(void*));
+static_assert(offsetof(InputTable, axis_value) == 16 * sizeof(void*));
+static_assert(offsetof(InputTable, axis_delta) == 17 * sizeof(void*));
+static_assert(offsetof(SystemTable, pause) == 11 * sizeof(void*));
+
+} // namespace quillon

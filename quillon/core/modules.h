@@ -1,0 +1,181 @@
+// The eight modules. Five are facades over a table that a plug-in fills; the others hold nothing.
+#pragma once
+
+#include "quillon/containers/list.h"
+#include "quillon/core/interfaces.h"
+#include "quillon/export.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <type_traits>
+
+namespace quillon {
+
+// For host-side code that reaches a module's table through a member of the module. A view is valid
+// before any plug-in connects and sees the table once one has; the library never reads one.
+struct cInterfaceView {
+    void*** interface;
+};
+
+struct cPairedInterfaceView {
+    std::uintptr_t* first;
+    std::uintptr_t* second;
+    void*** interface;
+};
+
+// Calls an entry of a module's table; false, 0 or nothing if the module or the entry is not there.
+template <class Table, class Result, class... Arguments>
+Result call_entry(void** interface, Result (*Table::*entry)(Arguments...),
+                  std::type_identity_t<Arguments>... arguments) {
+    auto* const function =
+        interface == nullptr ? nullptr : reinterpret_cast<Table*>(interface)->*entry;
+    return function == nullptr ? Result() : function(arguments...);
+}
+
+// In each facade, `interface` is null until a plug-in connects, and the module owns the table. An
+// operation calls the table's entry of its name with the same arguments; on an unconnected module,
+// or where the plug-in left the entry unfilled, it gives false, 0 or nothing.
+
+class modGraphics {
+public:
+    modGraphics();
+    modGraphics(const modGraphics&) = delete;
+    modGraphics& operator=(const modGraphics&) = delete;
+    virtual ~modGraphics();
+
+    void load_bitmap(const std::string& name, void* width, void* height, void* pixels) const {
+        call_entry(interface, &GraphicsTable::load_bitmap, name.c_str(), width, height, pixels);
+    }
+
+    bool save_bitmap(const std::string& name, std::uint16_t width, std::uint16_t height,
+                     std::uint8_t* pixels) const {
+        return call_entry(interface, &GraphicsTable::save_bitmap, name.c_str(), width, height,
+                          pixels);
+    }
+
+    void** interface = nullptr;
+
+    // For host-side code, which reaches them through the paired views.
+    std::uintptr_t firstWord;
+    std::uintptr_t secondWord;
+
+    std::unique_ptr<cInterfaceView> view0;
+    std::unique_ptr<cPairedInterfaceView> view1;
+    std::unique_ptr<cInterfaceView> view2;
+    std::unique_ptr<cPairedInterfaceView> view3;
+    std::unique_ptr<cInterfaceView> view4;
+    std::unique_ptr<cInterfaceView> view5;
+    std::unique_ptr<cInterfaceView> view6;
+};
+
+class modInput {
+public:
+    modInput() = default;
+    modInput(const modInput&) = delete;
+    modInput& operator=(const modInput&) = delete;
+    virtual ~modInput();
+
+    bool key_down(std::uint16_t code) const {
+        return call_entry(interface, &InputTable::key_down, code);
+    }
+
+    bool key_press(std::uint16_t code) const {
+        return call_entry(interface, &InputTable::key_press, code);
+    }
+
+    bool key_hold_press(std::uint16_t code) const {
+        return call_entry(interface, &InputTable::key_hold_press, code);
+    }
+
+    bool key_release(std::uint16_t code) const {
+        return call_entry(interface, &InputTable::key_release, code);
+    }
+
+    bool key_double_click(std::uint16_t code) const {
+        return call_entry(interface, &InputTable::key_double_click, code);
+    }
+
+    float axis_value(std::uint16_t code) const {
+        return call_entry(interface, &InputTable::axis_value, code);
+    }
+
+    float axis_delta(std::uint16_t code) const {
+        return call_entry(interface, &InputTable::axis_delta, code);
+    }
+
+    void** interface = nullptr;
+};
+
+class modSystem {
+public:
+    modSystem() = default;
+    modSystem(const modSystem&) = delete;
+    modSystem& operator=(const modSystem&) = delete;
+    virtual ~modSystem();
+
+    void pause(const double& seconds) const { call_entry(interface, &SystemTable::pause, seconds); }
+
+    void** interface = nullptr;
+};
+
+class modNetwork {
+public:
+    modNetwork();
+    modNetwork(const modNetwork&) = delete;
+    modNetwork& operator=(const modNetwork&) = delete;
+    virtual ~modNetwork();
+
+    bool statusFlag = false; // for host-side code, like the word behind it
+    std::uintptr_t spareWord;
+    void** interface = nullptr;
+    std::unique_ptr<cInterfaceView> view0;
+    std::unique_ptr<cInterfaceView> view1;
+};
+
+class modAudio {
+public:
+    modAudio();
+    modAudio(const modAudio&) = delete;
+    modAudio& operator=(const modAudio&) = delete;
+    virtual ~modAudio();
+
+    void** interface = nullptr;
+    std::unique_ptr<cInterfaceView> view0;
+    std::unique_ptr<cInterfaceView> view1;
+};
+
+class modCore {
+public:
+    virtual ~modCore() = default;
+};
+
+class modPhysics {
+public:
+    virtual ~modPhysics() = default;
+};
+
+class modFileOperations {
+public:
+    virtual ~modFileOperations() = default;
+
+    // Appends the names that __mFileOps_collect_files gives to `names`, as strings made with `new`.
+    void collect_files(const std::string& folder, DSParray<std::string>& names,
+                       const std::string& filter) const;
+};
+
+} // namespace quillon
+
+extern "C" {
+
+// The one module of each kind, built on the first call and alive until the library ends; a call
+// after that gives a fresh, unconnected one. The first call must be over before a second thread's.
+QUILLON_API quillon::modCore* __mCore_instance();
+QUILLON_API quillon::modGraphics* __mGraphics_instance();
+QUILLON_API quillon::modInput* __mInput_instance();
+QUILLON_API quillon::modSystem* __mSystem_instance();
+QUILLON_API quillon::modNetwork* __mNetwork_instance();
+QUILLON_API quillon::modAudio* __mAudio_instance();
+QUILLON_API quillon::modPhysics* __mPhysics_instance();
+QUILLON_API quillon::modFileOperations* __mFileOps_instance();
+}

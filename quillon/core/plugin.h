@@ -1,0 +1,89 @@
+// All that a plug-in needs: its entry points, the tables that it fills, the containers that it
+// meets.
+//
+// A plug-in is a shared library in the folder "plugin" of a host. It defines the six entry points
+// below, and a connect entry point for each module that it serves. It needs no library to link: one
+// that does link this library, to call its exports, keeps it loaded until the process exits.
+//
+// `shutdown` runs once for each plug-in whose `initialize` returned true, on unload of the library
+// or on an ordinary exit of the process. Static objects that exist when `initialize` and the
+// connect entry points have returned are then still alive; tables are not, and function-local
+// statics that are first reached later may be gone.
+//
+// The names below are global, and `shutdown` is also a call of the sockets interface: keep that
+// one's header out of the unit that defines the entry points.
+#pragma once
+
+#include "quillon/containers/list.h"
+#include "quillon/containers/map.h"
+#include "quillon/containers/names.h"
+#include "quillon/core/interfaces.h"
+#include "quillon/core/plugins.h"
+
+#include <algorithm>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+
+#if defined(_WIN32)
+    #define QUILLON_PLUGIN_EXPORT extern "C" __declspec(dllexport)
+#else
+    #define QUILLON_PLUGIN_EXPORT extern "C" __attribute__((visibility("default")))
+#endif
+
+// The six that every plug-in defines. The last four are called before `initialize`, many times.
+
+// Gets ready, or says no; `parameters` holds what the host filed by name_hash of a name.
+QUILLON_PLUGIN_EXPORT bool initialize(quillon::DSPrefHashMap<void>* parameters);
+QUILLON_PLUGIN_EXPORT void shutdown();
+// Texts that stay valid as long as the plug-in is loaded. Only the purpose "Module" is connected.
+QUILLON_PLUGIN_EXPORT const char* get_plugin_name();
+QUILLON_PLUGIN_EXPORT const char* get_plugin_purpose();
+// True for the keywords "GRAPHICS", "INPUT", "SYSTEM", "NET", "AUDIO" of the modules that it
+// serves.
+QUILLON_PLUGIN_EXPORT bool get_plugin_compatibility(const char* word);
+// Appends to the empty list the names, made with `new`, of plug-ins that must be initialised first.
+QUILLON_PLUGIN_EXPORT void get_plugin_prereqs(quillon::DSParray<std::string>& names);
+
+// One for each module served: writes the plug-in's functions into the cleared table.
+QUILLON_PLUGIN_EXPORT void connect_graphics_interface(void** table);
+QUILLON_PLUGIN_EXPORT void connect_input_interface(void** table);
+QUILLON_PLUGIN_EXPORT void connect_system_interface(void** table);
+QUILLON_PLUGIN_EXPORT void connect_network_interface(void** table);
+QUILLON_PLUGIN_EXPORT void connect_sound_interface(void** table);
+
+namespace quillon {
+
+// The block that a connect entry point received, as the table of the module:
+// `as_table<GraphicsTable>(table).load_bitmap = load`.
+template <class Table>
+Table& as_table(void** table) {
+    return *reinterpret_cast<Table*>(table);
+}
+
+} // namespace quillon
+
+// Defines get_plugin_name, get_plugin_purpose and get_plugin_compatibility of a plug-in of purpose
+// "Module": its name, then the keyword of each module that it serves.
+#define QUILLON_PLUGIN_SERVES(name, ...)                                                           \
+    const char* get_plugin_name() {                                                                \
+        return name;                                                                               \
+    }                                                                                              \
+    const char* get_plugin_purpose() {                                                             \
+        return "Module";                                                                           \
+    }                                                                                              \
+    bool get_plugin_compatibility(const char* word) {                                              \
+        const std::initializer_list<std::string_view> keywords = {__VA_ARGS__};                    \
+        return std::find(keywords.begin(), keywords.end(), word) != keywords.end();                \
+    }
+
+// Defines get_plugin_prereqs with the names of the plug-ins that must be initialised first.
+#define QUILLON_PLUGIN_NEEDS(...)                                                                  \
+    void get_plugin_prereqs(quillon::DSParray<std::string>& names) {                               \
+        for (const char* name : std::initializer_list<const char*>{__VA_ARGS__})                   \
+            names.add(new std::string(name), quillon::DSP_APPEND);                                 \
+    }
+
+// Defines get_plugin_prereqs of a plug-in that needs no other.
+#define QUILLON_PLUGIN_NEEDS_NOTHING()                                                             \
+    void get_plugin_prereqs(quillon::DSParray<std::string>&) {}

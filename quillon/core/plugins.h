@@ -1,0 +1,105 @@
+// Finding, loading and asking plug-ins, as a host sees it; plug-ins include plugin.h.
+#pragma once
+
+#include "quillon/containers/list.h"
+#include "quillon/containers/map.h"
+#include "quillon/export.h"
+
+#include <cstdint>
+#include <string>
+
+namespace quillon {
+
+struct Service;
+
+// A loaded plug-in file. The list of them is what a plug-in's `initialize` finds under the key of
+// "Modules"; a plug-in may read the fields and call the entry points, the operations are the
+// library's own.
+class cPlugin {
+public:
+    // Takes the library over. `entry_points` holds the six, in the order of the fields.
+    cPlugin(void* loaded_library, void* const (&entry_points)[6]);
+    cPlugin(const cPlugin&) = delete;
+    cPlugin& operator=(const cPlugin&) = delete;
+    virtual ~cPlugin();
+
+    // Offers the plug-in every free module, and tells whether it took one.
+    bool connect();
+
+    // The plug-in's own export of that name, which initialises the plug-in first if need be.
+    // Null if there is no such export, or if `initialize` says no; the next call asks it again.
+    void* get_function(const char* name);
+
+    void* library;
+    bool initialised = false;
+    bool (*initialize)(DSPrefHashMap<void>* parameters);
+    void (*shutdown)();
+    const char* (*get_plugin_name)();
+    const char* (*get_plugin_purpose)();
+    bool (*get_plugin_compatibility)(const char* word);
+    void (*get_plugin_prereqs)(DSParray<std::string>& names);
+
+private:
+    bool prerequisites_are_met() const;
+    bool serve(const Service& service);
+};
+
+} // namespace quillon
+
+extern "C" {
+
+// Loads the plug-ins of the folder "plugin" below the current directory and connects them.
+//
+// Plug-ins are offered the modules GRAPHICS, INPUT, SYSTEM, NET and AUDIO, in passes, until a whole
+// pass connects nothing; one whose prerequisites are not initialised waits for the next pass.
+// Always true: a module that nobody serves keeps a null `interface`.
+// Call it once: a second call loads the folder's plug-ins a second time.
+QUILLON_API bool __mCore_open();
+
+// Does nothing: plug-ins are shut down when the library is unloaded or the process exits.
+QUILLON_API void __mCore_close();
+
+// Loads every file of `folder` with the platform's library extension and the six entry points.
+//
+// Prints a line on standard output for each plug-in and for each file that is refused.
+// Plug-ins that are added after __mCore_open are connected by nobody.
+QUILLON_API void __mCore_parse_folder_for_plugins(const char* folder);
+
+// Files `value` under `name` in the map that every plug-in's `initialize` receives; returns
+// `value`.
+//
+// The first value under a name stays, and null stores nothing.
+// The map does not own the value.
+QUILLON_API void* __mCore_add_plugin_init_parameter(const char* name, void* value);
+
+QUILLON_API std::uint32_t __mCore_get_plugin_count();
+
+// The first plug-in of exactly that purpose that says yes to the word; -1 if there is none.
+// An empty word matches every plug-in, unasked.
+QUILLON_API std::int16_t __mCore_get_first_valid_plugin(const char* purpose,
+                                                        const char* compatibility);
+
+// The plug-in's own text; "INVALID" for an invalid index.
+QUILLON_API const char* __mCore_get_plugin_name(std::int16_t index);
+QUILLON_API const char* __mCore_get_plugin_purpose(std::int16_t index);
+
+// The plug-in's answer to a word; false for an invalid index.
+QUILLON_API bool __mCore_check_plugin_compatibility(std::int16_t index, const char* word);
+
+// A function that the plug-in itself exports, initialising the plug-in first if need be.
+// Null for an invalid index, for an unknown name, and if `initialize` says no.
+QUILLON_API void* __mCore_get_plugin_function(std::int16_t index, const char* name);
+
+// Calls that function, if there is one, with `argument`; its result is not passed on.
+QUILLON_API void __mCore_call_plugin_function(std::int16_t index, const char* name, void* argument);
+
+// Shares `value` under `key` with every module of the process; returns `value`.
+//
+// The first value under a key stays, and is freed with the plain deallocator when the library ends:
+// it must come from `operator new`, and no destructor runs.
+// Null is not stored; a value that was refused stays the caller's.
+QUILLON_API void* __mCore_store_unique_pointer(void* value, std::uint32_t key);
+
+// The value under `key`, or null.
+QUILLON_API void* __mCore_get_unique_pointer(std::uint32_t key);
+}

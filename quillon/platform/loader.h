@@ -1,0 +1,31 @@
+// Loading of shared libraries.
+#pragma once
+
+#include <string>
+
+namespace quillon::platform {
+
+// What a loadable library's file name ends with.
+#if defined(_WIN32)
+inline constexpr const char* LIBRARY_EXTENSION = ".dll";
+#elif defined(__APPLE__)
+inline constexpr const char* LIBRARY_EXTENSION = ".dylib";
+#else
+inline constexpr const char* LIBRARY_EXTENSION = ".so";
+#endif
+
+// A handle of the loaded library, to be given back with release_library; null if it does not load.
+//
+// A path of more than PATH_LIMIT characters, and one that is no regular file, does not load.
+void* load_library(const std::string& path);
+
+// The function that the library itself exports under `name`; null if there is none.
+//
+// A function of that name in a library that it depends on does not count.
+// Null for a null handle.
+void* find_function(void* library, const char* name);
+
+// Null is allowed.
+void release_library(void* library);
+
+} // namespace quillon::platform

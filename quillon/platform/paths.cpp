@@ -1,0 +1,21 @@
+#include "quillon/platform/paths.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace quillon::platform {
+
+std::string normalise_path(std::string path) {
+    std::ranges::replace(path, '\\', '/');
+    for (std::size_t i = 0; i + 1 < path.size(); ++i)
+        if (path[i] == '/' && path[i + 1] == '/')
+            path.erase(i + 1, 1);
+    return path;
+}
+
+std::size_t wide_length(const std::string& text) {
+    const std::size_t length = std::mbstowcs(nullptr, text.c_str(), 0);
+    return length == static_cast<std::size_t>(-1) ? text.size() : length;
+}
+
+} // namespace quillon::platform
