@@ -4,6 +4,7 @@
 #include "quillon/containers/list.h"
 #include "quillon/core/interfaces.h"
 #include "quillon/export.h"
+#include "quillon/messages/router.h"
 
 #include <cstdint>
 #include <memory>
@@ -55,6 +56,7 @@ public:
     }
 
     void** interface = nullptr;
+    cMessageRouter router; // the library's only one
 
     // For host-side code, which reaches them through the paired views.
     std::uintptr_t firstWord;
