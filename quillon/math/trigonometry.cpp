@@ -1,0 +1,210 @@
+#include "quillon/math/trigonometry.h"
+
+#include "quillon/math/trig_tables.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <numbers>
+
+namespace quillon::trig {
+
+constinit Direction circle[circle_entries] = {};
+
+namespace {
+
+constexpr std::int32_t arc_entries = 20001;
+constexpr std::int32_t arctangent_entries = 2000001;
+constexpr std::int32_t arctangent_middle = 1000000;
+
+constinit double tangents[tangent_entries] = {};
+constinit float arccosines[arc_entries] = {};
+constinit float arcsines[arc_entries] = {};
+constinit float* arctangents = nullptr;
+
+constexpr double wide_pi = PI;
+
+void fill_forward_tables() {
+    for (std::int32_t i = 0; i < circle_entries; ++i) {
+        const double angle = i * wide_pi / 36000.0;
+        circle[i] = {std::cos(angle), std::sin(angle)};
+    }
+    for (std::int32_t i = 0; i < tangent_entries; ++i)
+        tangents[i] = std::tan(i * wide_pi / 1800.0);
+}
+
+// One arc sine serves four entries: the arguments lie even about 0, the arc sine is odd, and the
+// arc cosine is what it lacks to a right angle. In 64 bits that errs by far less than an entry
+// holds.
+void fill_arc_tables() {
+    constexpr double right_angle = std::numbers::pi / 2.0;
+    constexpr std::int32_t middle = arc_entries / 2;
+    for (std::int32_t i = 0; i <= middle; ++i) {
+        const double x = static_cast<float>(i / 10000.0 - 1.0);
+        const double angle = std::asin(x);
+        const std::int32_t mirrored = arc_entries - 1 - i;
+        // The mirrored entry first, so that the middle one ends as a positive zero.
+        arcsines[mirrored] = static_cast<float>(-angle);
+        arcsines[i] = static_cast<float>(angle);
+        arccosines[mirrored] = static_cast<float>(right_angle + angle);
+        arccosines[i] = static_cast<float>(right_angle - angle);
+    }
+}
+
+double arctangent_argument(std::int32_t steps_from_zero) {
+    return static_cast<float>(steps_from_zero / 50000.0);
+}
+
+// The entries of `first` to `last` steps from zero, and those as far below zero.
+//
+// By the addition theorem atan(x) = atan(a) + atan(t) with t = (x - a) / (1 + a x); within a block
+// t stays below 0.0052, where three terms of the series leave out less than 2e-17.
+void fill_arctangent_block(float* middle, std::int32_t first, std::int32_t last) {
+    const double start = arctangent_argument(first);
+    const double start_angle = std::atan(start);
+    for (std::int32_t i = first; i <= last; ++i) {
+        const double x = arctangent_argument(i);
+        const double t = (x - start) / (1.0 + start * x);
+        const double square = t * t;
+        const double angle = start_angle + t * (1.0 - square * (1.0 / 3.0 - square * (1.0 / 5.0)));
+        middle[-i] = static_cast<float>(-angle);
+        middle[i] = static_cast<float>(angle);
+    }
+}
+
+void fill_arctangents() {
+    constexpr std::int32_t block = 256;
+    auto* table = new float[arctangent_entries];
+    for (std::int32_t first = 0; first <= arctangent_middle; first += block)
+        fill_arctangent_block(table + arctangent_middle, first,
+                              std::min(first + block - 1, arctangent_middle));
+    arctangents = table;
+}
+
+// `position` truncated toward zero and held in 0 to `last`; 0 for a value that is not a number.
+std::int32_t clamped_index(double position, std::int32_t last) {
+    if (!(position > 0.0))
+        return 0;
+    return position < last ? static_cast<std::int32_t>(position) : last;
+}
+
+double tangent_at_degrees(double degrees) {
+    return tangents[wrapped_index<tangent_entries>(degrees * 10.0 + 0.5)];
+}
+
+} // namespace
+} // namespace quillon::trig
+
+namespace {
+
+using quillon::TWO_PI;
+
+// TWO_PI is an odd multiple of 2^-21. An angle below this is a multiple of a finer or equal unit,
+// so subtracting TWO_PI from it is exact, and so is any number of such steps.
+template <class Float>
+constexpr auto exact_below = static_cast<Float>(std::uint64_t{1}
+                                                << (std::numeric_limits<Float>::digits - 21));
+
+// At least one of the steps `angle -= TWO_PI`, and as many as one go can do.
+//
+// Between two powers of two all angles share one unit, so every step there is rounded alike: to the
+// same multiple of that unit, once a first step has settled a tie. That multiple times a number of
+// steps, and what remains, are multiples of the unit too, hence exact. The last step before the
+// lower power of two is left for the next call, since the division may have rounded upward.
+template <class Float>
+Float stepped_down(Float angle) {
+    int exponent = 0;
+    std::frexp(angle, &exponent);
+    const Float floor = std::ldexp(Float{1}, exponent - 1);
+    const Float next = angle - TWO_PI;
+    if (next < floor)
+        return next;
+    const Float step = next - (next - TWO_PI);
+    const Float steps = std::trunc((next - floor) / step) - Float{1};
+    return steps > Float{0} ? next - steps * step : next;
+}
+
+// What is left of a positive angle after subtracting TWO_PI while it is greater than TWO_PI.
+template <class Float>
+Float remainder_of_steps(Float angle) {
+    while (angle >= exact_below<Float> && angle - TWO_PI != angle)
+        angle = stepped_down(angle);
+    if (angle <= TWO_PI)
+        return angle;
+    const Float remainder = std::fmod(angle, static_cast<Float>(TWO_PI));
+    return remainder == Float{0} ? TWO_PI : remainder;
+}
+
+// From below zero the steps are the mirror image of those from above, but for the last, which leads
+// across zero.
+template <class Float>
+Float bound(Float angle) {
+    return angle < Float{0} ? TWO_PI - remainder_of_steps(-angle) : remainder_of_steps(angle);
+}
+
+} // namespace
+
+void __init_trig_tables() {
+    using namespace quillon::trig;
+    if (arctangents != nullptr)
+        return;
+    fill_forward_tables();
+    fill_arc_tables();
+    fill_arctangents();
+}
+
+void __clear_trig_tables() {
+    delete[] quillon::trig::arctangents;
+    quillon::trig::arctangents = nullptr;
+}
+
+double cosTD(const double& degrees) {
+    return quillon::trig::direction_at_degrees(degrees).cosine;
+}
+
+double sinTD(const double& degrees) {
+    return quillon::trig::direction_at_degrees(degrees).sine;
+}
+
+double tanTD(const double& degrees) {
+    return quillon::trig::tangent_at_degrees(degrees);
+}
+
+double cosTR(const double& radians) {
+    return quillon::trig::direction_at(radians).cosine;
+}
+
+double sinTR(const double& radians) {
+    return quillon::trig::direction_at(radians).sine;
+}
+
+double tanTR(const double& radians) {
+    return quillon::trig::tangent_at_degrees(quillon::trig::to_degrees(radians));
+}
+
+float acosT(const double& x) {
+    using namespace quillon::trig;
+    return arccosines[clamped_index((x + 1.0) * 10000.0, arc_entries - 1)];
+}
+
+float asinT(const double& x) {
+    using namespace quillon::trig;
+    return arcsines[clamped_index((x + 1.0) * 10000.0, arc_entries - 1)];
+}
+
+float atanT(const double& x) {
+    using namespace quillon::trig;
+    if (arctangents == nullptr)
+        return 0.0F;
+    // Truncated before the middle is added, so toward zero and not downward.
+    const double steps = std::trunc(x * 50000.0);
+    return arctangents[clamped_index(steps + arctangent_middle, arctangent_entries - 1)];
+}
+
+void trig_bind(double& radians) {
+    radians = bound(radians);
+}
+
+void trig_bind_32(float& radians) {
+    radians = bound(radians);
+}

@@ -1,0 +1,270 @@
+// Vectors of two and three components.
+#pragma once
+
+#include "quillon/export.h"
+#include "quillon/math/constants.h"
+#include "quillon/math/serializable.h"
+
+#include <cmath>
+#include <cstdint>
+
+namespace quillon {
+
+class cVector3D;
+class cMatrix3D;
+class cQuaternion;
+
+} // namespace quillon
+
+extern "C" {
+
+// The angle between `a` and `b` in radians, 0 to pi, by the runtime's acos.
+//
+// 0 if either is the zero vector; PI / 2.0 if the dot product is exactly 0.
+// Not a number where rounding lifts the ratio beyond 1.
+QUILLON_API double __cVector3d_get_angle_between(const quillon::cVector3D& a,
+                                                 const quillon::cVector3D& b);
+
+// The factor that scales `b` to the projection of `a` onto it; 0 if either is the zero vector.
+QUILLON_API double __cVector3d_get_scalar_for_projection_onto(const quillon::cVector3D& a,
+                                                              const quillon::cVector3D& b);
+
+// Reads the text form "x#y#z#" into `v`.
+//
+// A component for which no closed field arrives keeps its value, and fields beyond the third are
+// skipped. A field that is no number gives 0; its characters beyond the 23rd are dropped.
+QUILLON_API void __cVector3d_vector_from_string(quillon::cVector3D& v, const char* text);
+
+// Sets `out` to a direction drawn from the runtime's rand, which the host seeds: a point of a cube
+// pushed onto the unit sphere, so not uniform. Draws z, then y, then x.
+QUILLON_API void __nsVector3d_on_unit_sphere(quillon::cVector3D& out);
+
+// Turn `v` by a rotation, or back by its transpose: the matrix times the column vector `v`.
+QUILLON_API void __cVector3d_rotate_by_matrix(quillon::cVector3D& v, const quillon::cMatrix3D& m);
+QUILLON_API void __cVector3d_rotate_backwards_by_matrix(quillon::cVector3D& v,
+                                                        const quillon::cMatrix3D& m);
+
+// The same by the matrix of a quaternion.
+QUILLON_API void __cVector3d_rotate_by_quaternion(quillon::cVector3D& v,
+                                                  const quillon::cQuaternion& q);
+QUILLON_API void __cVector3d_rotate_backwards_by_quaternion(quillon::cVector3D& v,
+                                                            const quillon::cQuaternion& q);
+}
+
+namespace quillon {
+
+// A point or direction in space, 64-bit; a new one is (0, 0, 0).
+//
+// Flat form: x, y, z as 32-bit floats, 12 bytes.
+// An index outside 0 to 2 refers to a scratch zero, which is shared and belongs to no vector.
+class cVector3D : public cSerializable {
+public:
+    double x = 0.0;
+    double y = 0.0;
+    double z = 0.0;
+
+    constexpr cVector3D() = default;
+
+    constexpr cVector3D(double x_value, double y_value, double z_value)
+        : x(x_value), y(y_value), z(z_value) {}
+
+    constexpr cVector3D(const cVector3D&) = default;
+    constexpr cVector3D& operator=(const cVector3D&) = default;
+
+    std::uint32_t serialize(std::uint8_t* buffer) const override {
+        detail::write_components<float>(buffer, *this, 3);
+        return serialized_size();
+    }
+
+    std::uint32_t deserialize(const std::uint8_t* buffer) override {
+        detail::read_components<float>(buffer, *this, 3);
+        return serialized_size();
+    }
+
+    std::uint32_t serialized_size() const override { return 3 * sizeof(float); }
+
+    // Spelled out, since gcc 12 takes no constant whose virtual destructor is defaulted.
+    constexpr virtual ~cVector3D() {} // NOLINT(modernize-use-equals-default)
+
+    constexpr cVector3D& set(double x_value, double y_value, double z_value) {
+        x = x_value;
+        y = y_value;
+        z = z_value;
+        return *this;
+    }
+
+    constexpr double& operator[](int index) {
+        switch (index) {
+        case 0:
+            return x;
+        case 1:
+            return y;
+        case 2:
+            return z;
+        default:
+            return detail::zeroed(detail::writable_scratch<cVector3D, double>);
+        }
+    }
+
+    constexpr const double& operator[](int index) const {
+        switch (index) {
+        case 0:
+            return x;
+        case 1:
+            return y;
+        case 2:
+            return z;
+        default:
+            return detail::constant_zero<double>;
+        }
+    }
+
+    double length() const { return std::sqrt(squared_length()); }
+
+    constexpr double squared_length() const { return x * x + y * y + z * z; }
+
+    // Scales the vector to unit length; a zero vector stays, and so does one whose squared length
+    // is exactly 1.
+    void normalize() {
+        const double squared = squared_length();
+        if (squared == 1.0)
+            return;
+        const double divisor = std::sqrt(squared);
+        if (divisor == 0.0)
+            return;
+        *this /= divisor;
+    }
+
+    cVector3D normalized() const {
+        cVector3D unit = *this;
+        unit.normalize();
+        return unit;
+    }
+
+    constexpr double dot(const cVector3D& b) const { return x * b.x + y * b.y + z * b.z; }
+
+    constexpr cVector3D cross(const cVector3D& b) const {
+        return {y * b.z - z * b.y, z * b.x - x * b.z, x * b.y - y * b.x};
+    }
+
+    constexpr cVector3D operator-(const cVector3D& b) const { return {x - b.x, y - b.y, z - b.z}; }
+
+    constexpr cVector3D operator+(const cVector3D& b) const { return {x + b.x, y + b.y, z + b.z}; }
+
+    constexpr cVector3D operator*(double scalar) const {
+        return {x * scalar, y * scalar, z * scalar};
+    }
+
+    // Divides each component; a zero divisor gives what the float division gives.
+    constexpr cVector3D operator/(double scalar) const {
+        return {x / scalar, y / scalar, z / scalar};
+    }
+
+    constexpr cVector3D& operator-=(const cVector3D& b) { return set(x - b.x, y - b.y, z - b.z); }
+
+    constexpr cVector3D& operator+=(const cVector3D& b) { return set(x + b.x, y + b.y, z + b.z); }
+
+    constexpr cVector3D& operator*=(double scalar) {
+        return set(x * scalar, y * scalar, z * scalar);
+    }
+
+    constexpr cVector3D& operator/=(double scalar) {
+        return set(x / scalar, y / scalar, z / scalar);
+    }
+
+    // Turns the vector by the matrix of `q`.
+    cVector3D& operator*=(const cQuaternion& q) {
+        __cVector3d_rotate_by_quaternion(*this, q);
+        return *this;
+    }
+};
+
+namespace detail {
+
+template <class T>
+struct component_of {
+    using type = T;
+};
+
+// 32 bits on every platform, whatever the width of `long`.
+template <>
+struct component_of<long> {
+    using type = std::int32_t;
+};
+
+} // namespace detail
+
+// A pair of components: 64-bit floats for cVector2D<double>, signed 32-bit integers for
+// cVector2D<long>; a new one is (0, 0).
+//
+// Flat form: x, y as they are, 16 or 8 bytes.
+// An index outside 0 and 1 refers to a scratch zero, which is shared and belongs to no vector.
+template <class T>
+class cVector2D : public cSerializable {
+public:
+    using Component = typename detail::component_of<T>::type;
+
+    Component x{};
+    Component y{};
+
+    constexpr cVector2D() = default;
+
+    constexpr cVector2D(Component x_value, Component y_value) : x(x_value), y(y_value) {}
+
+    constexpr cVector2D(const cVector2D&) = default;
+    constexpr cVector2D& operator=(const cVector2D&) = default;
+
+    std::uint32_t serialize(std::uint8_t* buffer) const override {
+        detail::write_components<Component>(buffer, *this, 2);
+        return serialized_size();
+    }
+
+    std::uint32_t deserialize(const std::uint8_t* buffer) override {
+        detail::read_components<Component>(buffer, *this, 2);
+        return serialized_size();
+    }
+
+    std::uint32_t serialized_size() const override { return 2 * sizeof(Component); }
+
+    constexpr virtual ~cVector2D() {} // NOLINT(modernize-use-equals-default)
+
+    constexpr Component& operator[](int index) {
+        switch (index) {
+        case 0:
+            return x;
+        case 1:
+            return y;
+        default:
+            return detail::zeroed(detail::writable_scratch<cVector2D, Component>);
+        }
+    }
+
+    constexpr const Component& operator[](int index) const {
+        switch (index) {
+        case 0:
+            return x;
+        case 1:
+            return y;
+        default:
+            return detail::zeroed(detail::readable_scratch<cVector2D, Component>);
+        }
+    }
+};
+
+constexpr cVector2D<double> VECTOR2D_ZERO(0.0, 0.0);
+constexpr cVector2D<double> VECTOR2D_UNIT_X(1.0, 0.0);
+constexpr cVector2D<double> VECTOR2D_UNIT_Y(0.0, 1.0);
+constexpr cVector2D<double> VECTOR2D_ONE(1.0, 1.0);
+
+constexpr cVector2D<long> VECTOR2L_ZERO(0, 0);
+constexpr cVector2D<long> VECTOR2L_UNIT_X(1, 0);
+constexpr cVector2D<long> VECTOR2L_UNIT_Y(0, 1);
+constexpr cVector2D<long> VECTOR2L_ONE(1, 1);
+
+constexpr cVector3D VECTOR3D_ZERO(0.0, 0.0, 0.0);
+constexpr cVector3D VECTOR3D_UNIT_X(1.0, 0.0, 0.0);
+constexpr cVector3D VECTOR3D_UNIT_Y(0.0, 1.0, 0.0);
+constexpr cVector3D VECTOR3D_UNIT_Z(0.0, 0.0, 1.0);
+constexpr cVector3D VECTOR3D_ONE(1.0, 1.0, 1.0);
+
+} // namespace quillon

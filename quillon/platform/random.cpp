@@ -1,0 +1,23 @@
+#include "quillon/platform/random.h"
+
+#include <cstdlib>
+#include <exception>
+#include <random>
+
+namespace quillon::platform {
+
+int runtime_rand() {
+    return std::rand() / (RAND_MAX / 32768 + 1);
+}
+
+std::uint32_t random_seed() {
+    try {
+        return std::random_device{}();
+    } catch (const std::exception&) {
+        // No device: the address of the stack, which the system draws anew for each process.
+        const int on_stack = 0;
+        return static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(&on_stack) >> 4);
+    }
+}
+
+} // namespace quillon::platform
