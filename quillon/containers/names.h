@@ -3,25 +3,33 @@
 
 #include "quillon/export.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
 namespace quillon {
+
+// The 32-bit key of the name whose letters `letter_at(position)` gives, for a name that is folded
+// on the way and stored nowhere.
+template <class LetterAt>
+constexpr std::uint32_t name_hash(std::size_t size, LetterAt letter_at) {
+    const auto length = static_cast<std::uint32_t>(size);
+    std::uint32_t shifted = length * 5;
+    std::uint32_t squares = 0;
+    for (std::size_t i = 0; i < size; ++i) {
+        const auto value = static_cast<std::uint32_t>(static_cast<signed char>(letter_at(i)));
+        shifted = (value << 16) + shifted * 2;
+        squares += value * value;
+    }
+    return (length * 500 + length * length * 4000) ^ (shifted ^ squares);
+}
 
 // The 32-bit key of a name; case-sensitive, and the empty name gives 0.
 //
 // Usable in constant expressions, and by plug-ins without linking the library.
 // Equal keys do not prove equal names: the tables keep nothing but the key.
 constexpr std::uint32_t name_hash(std::string_view name) {
-    const auto length = static_cast<std::uint32_t>(name.size());
-    std::uint32_t shifted = length * 5;
-    std::uint32_t squares = 0;
-    for (const char letter : name) {
-        const auto value = static_cast<std::uint32_t>(static_cast<signed char>(letter));
-        shifted = (value << 16) + shifted * 2;
-        squares += value * value;
-    }
-    return (length * 500 + length * length * 4000) ^ (shifted ^ squares);
+    return name_hash(name.size(), [&](std::size_t i) { return name[i]; });
 }
 
 // True if the names are equal once "A" to "Z" are folded to "a" to "z"; no other byte is folded.

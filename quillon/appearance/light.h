@@ -1,0 +1,97 @@
+// The parameters of a light, stored for whoever shades with them.
+#pragma once
+
+#include "quillon/appearance/color_names.h"
+#include "quillon/math/vector.h"
+
+#include <array>
+#include <cstdint>
+
+namespace quillon {
+
+// A light: three colours, a place, a direction, a spot and an attenuation.
+//
+// The library gives the values no meaning of its own.
+// Flat form: 61 bytes, the fields in their order.
+class cLight final : cSerializable {
+public:
+    cColor diffuse = WHITE;
+    cColor specular = WHITE;
+    cColor ambient = BLACK;
+    cVector3D position;
+    cVector3D direction;
+    float spot_cutoff = 180.0F;
+    float spot_exponent = 0.0F;
+    float constant_attenuation = 1.0F;
+    float linear_attenuation = 0.0F;
+    float quadratic_attenuation = 0.0F;
+    float intensity = 1.0F;
+    std::uint8_t light_flag = 1;
+
+    // Takes the colours in another order than that of the fields.
+    void set_colors(const cColor& new_ambient, const cColor& new_diffuse,
+                    const cColor& new_specular, const float& new_intensity) {
+        ambient = new_ambient;
+        diffuse = new_diffuse;
+        specular = new_specular;
+        intensity = new_intensity;
+    }
+
+    void set_position(const cVector3D& new_position) { position = new_position; }
+
+    // Stores the normalised direction; a zero vector stays zero.
+    void set_direction(const cVector3D& new_direction) { direction = new_direction.normalized(); }
+
+    void set_spot_and_attenuation(const float& cutoff, const float& exponent, const float& constant,
+                                  const float& linear, const float& quadratic, std::uint8_t flag) {
+        spot_cutoff = cutoff;
+        spot_exponent = exponent;
+        constant_attenuation = constant;
+        linear_attenuation = linear;
+        quadratic_attenuation = quadratic;
+        light_flag = flag;
+    }
+
+    std::uint32_t serialize(std::uint8_t* buffer) const override {
+        std::uint32_t offset = 0;
+        for (const cColor* color : {&diffuse, &specular, &ambient})
+            offset += color->serialize(buffer + offset);
+        for (const cVector3D* vector : {&position, &direction})
+            offset += vector->serialize(buffer + offset);
+        for (const auto scalar : SCALARS) {
+            detail::write_scalar<float>(buffer + offset, this->*scalar);
+            offset += sizeof(float);
+        }
+        buffer[offset] = light_flag;
+        return serialized_size();
+    }
+
+    // Takes the direction as it stands in the buffer.
+    std::uint32_t deserialize(const std::uint8_t* buffer) override {
+        std::uint32_t offset = 0;
+        for (cColor* color : {&diffuse, &specular, &ambient})
+            offset += color->deserialize(buffer + offset);
+        for (cVector3D* vector : {&position, &direction})
+            offset += vector->deserialize(buffer + offset);
+        for (const auto scalar : SCALARS) {
+            this->*scalar = detail::read_scalar<float>(buffer + offset);
+            offset += sizeof(float);
+        }
+        light_flag = buffer[offset];
+        return serialized_size();
+    }
+
+    std::uint32_t serialized_size() const override {
+        return 3 * ambient.serialized_size() + 2 * position.serialized_size() +
+               sizeof(float) * SCALARS.size() + sizeof(light_flag);
+    }
+
+private:
+    static constexpr std::array<float cLight::*, 6> SCALARS{
+        &cLight::spot_cutoff,        &cLight::spot_exponent,         &cLight::constant_attenuation,
+        &cLight::linear_attenuation, &cLight::quadratic_attenuation, &cLight::intensity};
+};
+
+constexpr cLight LIGHT_DEFAULT;
+
+} // namespace quillon

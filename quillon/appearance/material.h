@@ -1,0 +1,89 @@
+// The parameters of a surface, stored for whoever shades with them.
+#pragma once
+
+#include "quillon/appearance/color_names.h"
+#include "quillon/export.h"
+
+#include <cstdint>
+#include <string>
+
+namespace quillon {
+
+// A material: how a surface reflects ambient, diffuse and specular light, what it emits, and the
+// specular exponent.
+//
+// The library gives the values no meaning of its own.
+// Flat form: 20 bytes, the fields in their order.
+class cMaterial final : cSerializable {
+public:
+    cColor ambient;
+    cColor diffuse;
+    cColor specular;
+    cColor emission;
+    float shininess;
+
+    constexpr cMaterial(const cColor& ambient_color, const cColor& diffuse_color,
+                        const cColor& specular_color, const cColor& emission_color,
+                        float specular_exponent)
+        : ambient(ambient_color),
+          diffuse(diffuse_color),
+          specular(specular_color),
+          emission(emission_color),
+          shininess(specular_exponent) {}
+
+    void set_ambient(const cColor& color) { ambient = color; }
+
+    void set_diffuse(const cColor& color) { diffuse = color; }
+
+    void set_specular(const cColor& color) { specular = color; }
+
+    void set_emission(const cColor& color) { emission = color; }
+
+    const cColor& get_ambient() const { return ambient; }
+
+    const cColor& get_diffuse() const { return diffuse; }
+
+    const cColor& get_specular() const { return specular; }
+
+    const cColor& get_emission() const { return emission; }
+
+    std::uint32_t serialize(std::uint8_t* buffer) const override {
+        std::uint32_t offset = 0;
+        for (const cColor* color : {&ambient, &diffuse, &specular, &emission})
+            offset += color->serialize(buffer + offset);
+        detail::write_scalar<float>(buffer + offset, shininess);
+        return serialized_size();
+    }
+
+    std::uint32_t deserialize(const std::uint8_t* buffer) override {
+        std::uint32_t offset = 0;
+        for (cColor* color : {&ambient, &diffuse, &specular, &emission})
+            offset += color->deserialize(buffer + offset);
+        shininess = detail::read_scalar<float>(buffer + offset);
+        return serialized_size();
+    }
+
+    std::uint32_t serialized_size() const override {
+        return 4 * ambient.serialized_size() + sizeof(shininess);
+    }
+};
+
+// The named material "WHITE".
+constexpr cMaterial MATERIAL_DEFAULT(WHITE, WHITE, BLACK, BLACK, 0.0F);
+
+} // namespace quillon
+
+extern "C" {
+
+// The named material, or null for a name that none of the 27 bears; letter case does not matter.
+//
+// Nothing is trimmed. The name is compared by its name_hash.
+// The material is the library's, lives as long as it, and is shared by all who look it up.
+QUILLON_API const quillon::cMaterial* __nsMaterial_material_table(const std::string& name);
+
+// Folds the alpha of each of the four colours into its red, green and blue, and makes it opaque.
+//
+// colour = (red * alpha, green * alpha, blue * alpha, 1); the shininess stays.
+// For a copy of a named material, never for the shared one.
+QUILLON_API void __mMaterial_opaquify(quillon::cMaterial& material);
+}
