@@ -2,6 +2,12 @@
 // of here because it declares the global names that a plug-in defines.
 #pragma once
 
+#include "quillon/appearance/color.h"
+#include "quillon/appearance/color_names.h"
+#include "quillon/appearance/gradient.h"
+#include "quillon/appearance/light.h"
+#include "quillon/appearance/material.h"
+#include "quillon/appearance/material_names.h"
 #include "quillon/containers/list.h"
 #include "quillon/containers/map.h"
 #include "quillon/containers/names.h"

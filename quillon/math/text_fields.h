@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdlib>
+#include <type_traits>
 
 namespace quillon {
 
@@ -50,7 +51,8 @@ void read_component_fields(Object& object, int count, const char* text) {
         const char* field = fields.next();
         if (field == nullptr)
             return;
-        object[i] = field_to_double(field);
+        using Component = std::remove_reference_t<decltype(object[i])>;
+        object[i] = static_cast<Component>(field_to_double(field));
     }
 }
 

@@ -1,0 +1,162 @@
+#include "quillon/appearance/color_names.h"
+#include "tests/appearance/expect_color.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+#include <string>
+
+using quillon::cColor;
+
+namespace {
+
+constexpr float INFINITE = std::numeric_limits<float>::infinity();
+constexpr float NO_NUMBER = std::numeric_limits<float>::quiet_NaN();
+
+std::string lower_case(std::string_view name) {
+    std::string lower(name);
+    std::transform(lower.begin(), lower.end(), lower.begin(), quillon::to_lower);
+    return lower;
+}
+
+} // namespace
+
+TEST(Color, FlatFormClampsAndTruncates) {
+    std::array<std::uint8_t, 4> bytes{};
+    EXPECT_EQ(4U, cColor(1.5F, -0.25F, 0.5F, 1).serialize(bytes.data()));
+    EXPECT_EQ((std::array<std::uint8_t, 4>{255, 0, 127, 255}), bytes);
+
+    cColor back = quillon::INVISIBLE;
+    EXPECT_EQ(4U, back.deserialize(bytes.data()));
+    expect_color(back, 1, 0, 127.0F / 255.0F, 1);
+}
+
+TEST(Color, BytesComeBackThroughBothConversions) {
+    for (int i = 0; i < 256; ++i) {
+        const auto byte = static_cast<std::uint8_t>(i);
+        const float component = quillon::component_from_byte(byte);
+        EXPECT_EQ(byte, quillon::clamped_byte_from_component(component));
+        EXPECT_EQ(byte, quillon::wrapped_byte_from_component(component));
+    }
+}
+
+TEST(Color, ComponentsOutsideOfAByteAreDefined) {
+    const struct {
+        const char* name;
+        float component;
+        int clamped;
+        int wrapped;
+    } cases[] = {
+        {"just below 1", std::nextafter(1.0F, 0.0F), 254, 254},
+        {"one and a half", 1.5F, 255, 126},
+        {"minus a half", -0.5F, 0, 129},
+        {"largest 32-bit product", 8421504.0F, 255, 128},
+        {"product beyond 32 bits", 8421505.0F, 255, 0},
+        {"infinity", INFINITE, 255, 0},
+        {"minus infinity", -INFINITE, 0, 0},
+        {"not a number", NO_NUMBER, 0, 0},
+    };
+
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.name);
+        EXPECT_EQ(row.clamped, quillon::clamped_byte_from_component(row.component));
+        EXPECT_EQ(row.wrapped, quillon::wrapped_byte_from_component(row.component));
+    }
+}
+
+TEST(Color, BadIndexGivesAScratchZero) {
+    cColor color(1, 2, 3, 4);
+    for (const int index : {-1, 4}) {
+        color[index] = 9;
+        EXPECT_EQ(0, color[index]);
+        EXPECT_EQ(0, std::as_const(color)[index]);
+    }
+    expect_color(color, 1, 2, 3, 4);
+    EXPECT_EQ(4, std::as_const(color)[3]);
+}
+
+TEST(ColorTable, EveryNameFindsItsColorInAnyCase) {
+    for (const auto& [name, color] : quillon::NAMED_COLORS) {
+        SCOPED_TRACE(name);
+        const cColor* found = __nsColor_color_table(lower_case(name));
+        ASSERT_NE(nullptr, found);
+        expect_color(*found, color.r, color.g, color.b, color.a);
+        EXPECT_EQ(found, __nsColor_color_table(std::string(name)));
+    }
+}
+
+TEST(ColorTable, NeighboursAreNotMixedUp) {
+    expect_color(*__nsColor_color_table("Invisible"), 1, 1, 1, 0);
+    expect_color(*__nsColor_color_table("GREEN"), 0, 0.5F, 0, 1);
+    expect_color(*__nsColor_color_table("lime"), 0, 1, 0, 1);
+    expect_color(*__nsColor_color_table("gOLDEN"), 1, 0.8F, 0, 1);
+    expect_color(*__nsColor_color_table("gold"), 212 / 255.0F, 175 / 255.0F, 55 / 255.0F, 1);
+}
+
+TEST(ColorTable, OtherNamesFindNothing) {
+    for (const char* name : {"", "STEEL BLUE", " RED", "RED ",
+                             "R\xC5"
+                             "D",
+                             "GOLD_POLISHED"})
+        EXPECT_EQ(nullptr, __nsColor_color_table(name)) << name;
+    EXPECT_EQ(nullptr, __nsColor_color_table(std::string(100000, 'x')));
+}
+
+TEST(ColorText, IsReadFieldByField) {
+    const struct {
+        const char* name;
+        const char* text;
+        float r, g, b, a;
+    } cases[] = {
+        {"all four", "0.5#1#0#0.1#", 0.5F, 1, 0, 0.1F},
+        {"open last field", "1#0#0#1", 1, 0, 0, 40},
+        {"empty field", "#0.25##", 0, 0.25F, 0, 40},
+        {"surplus fields", "1#2#3#4#5#6#", 1, 2, 3, 4},
+        {"not a number", "red#-2e1#", 0, -20, 30, 40},
+        {"field beyond the buffer", "0.500000000000000000000000000000009#1#", 0.5F, 1, 30, 40},
+        {"empty text", "", 10, 20, 30, 40},
+    };
+
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.name);
+        cColor color(10, 20, 30, 40);
+        __nsColor_color_from_string(color, row.text);
+        expect_color(color, row.r, row.g, row.b, row.a);
+    }
+}
+
+TEST(ColorHue, FollowsTheCircle) {
+    const struct {
+        const char* name;
+        float hue, saturation, value;
+        float r, g, b;
+    } cases[] = {
+        {"red", 0, 1, 1, 1, 0, 0},
+        {"half way to green", 0.25F, 0.5F, 0.5F, 0.375F, 0.5F, 0.25F},
+        {"last of the third sixth", 0.5F, 1, 1, 0, 1, 0.99999994F},
+        {"whole circle", 1, 1, 1, 1, 0, 0.00000012F},
+        {"no saturation", 0.7F, 0, 0.25F, 0.25F, 0.25F, 0.25F},
+    };
+
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.name);
+        cColor color = quillon::INVISIBLE;
+        __nsColor_hue_function(color, row.hue, row.saturation, row.value);
+        EXPECT_EQ(row.r, color.r);
+        EXPECT_EQ(row.g, color.g);
+        EXPECT_FLOAT_EQ(row.b, color.b);
+        EXPECT_EQ(1, color.a);
+    }
+}
+
+TEST(ColorHue, IsContinuedOutsideOfTheCircle) {
+    cColor color = quillon::BLACK;
+    __nsColor_hue_function(color, 1.5F, 1, 1);
+    EXPECT_NEAR(-3, color.b, 0.00001);
+    __nsColor_hue_function(color, -0.1F, 1, 1);
+    EXPECT_NEAR(-0.6, color.g, 0.00001);
+    __nsColor_hue_function(color, NO_NUMBER, 0, 2);
+    EXPECT_EQ(2, color.r);
+    EXPECT_TRUE(std::isnan(color.b));
+}
