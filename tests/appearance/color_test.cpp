@@ -135,7 +135,7 @@ TEST(ColorHue, FollowsTheCircle) {
         {"red", 0, 1, 1, 1, 0, 0},
         {"half way to green", 0.25F, 0.5F, 0.5F, 0.375F, 0.5F, 0.25F},
         {"last of the third sixth", 0.5F, 1, 1, 0, 1, 0.99999994F},
-        {"whole circle", 1, 1, 1, 1, 0, 0.00000012F},
+        {"whole circle", 1, 1, 1, 1, 0, 0x1p-23F},
         {"no saturation", 0.7F, 0, 0.25F, 0.25F, 0.25F, 0.25F},
     };
 
@@ -145,7 +145,7 @@ TEST(ColorHue, FollowsTheCircle) {
         __nsColor_hue_function(color, row.hue, row.saturation, row.value);
         EXPECT_EQ(row.r, color.r);
         EXPECT_EQ(row.g, color.g);
-        EXPECT_FLOAT_EQ(row.b, color.b);
+        EXPECT_EQ(row.b, color.b);
         EXPECT_EQ(1, color.a);
     }
 }
