@@ -1,0 +1,113 @@
+#include "loaded_library.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using testing::ElementsAreArray;
+
+namespace {
+
+struct Connection {
+    const char* name;
+    std::vector<std::string> plugins;
+    std::vector<std::string> events; // what happens during the open, questions left out
+    std::string connected;           // initials of the modules with a table
+};
+
+const Connection CONNECTIONS[] = {
+    {"NoPlugins", {}, {}, ""},
+    {"OnePlugin", {"graphics"}, {"Graphics: initialize", "Graphics: connect graphics"}, "G"},
+    {"FirstOfTwoWins",
+     {"other_graphics", "graphics"},
+     {"Other: initialize", "Other: connect graphics"},
+     "G"},
+    {"TwoModulesInTheLibrarysOrder",
+     {"input_and_system"},
+     {"Both: initialize", "Both: connect input", "Both: connect system"},
+     "IS"},
+    {"AllFive",
+     {"all_five"},
+     {"All: initialize", "All: connect graphics", "All: connect input", "All: connect system",
+      "All: connect network", "All: connect sound"},
+     "GISNA"},
+    {"TheRestOfWhatIsFree",
+     {"graphics", "all_five"},
+     {"Graphics: initialize", "Graphics: connect graphics", "All: initialize", "All: connect input",
+      "All: connect system", "All: connect network", "All: connect sound"},
+     "GISNA"},
+    {"PrerequisiteBefore",
+     {"graphics", "input_and_system", "needs_graphics"},
+     {"Graphics: initialize", "Graphics: connect graphics", "Both: initialize",
+      "Both: connect input", "Both: connect system", "Sound: initialize", "Sound: connect sound"},
+     "GISA"},
+    {"PrerequisiteBehindWaitsForTheNextPass",
+     {"needs_graphics", "graphics", "input_and_system"},
+     {"Graphics: initialize", "Graphics: connect graphics", "Both: initialize",
+      "Both: connect input", "Both: connect system", "Sound: initialize", "Sound: connect sound"},
+     "GISA"},
+    {"PrerequisiteInOtherCase",
+     {"graphics", "needs_other_case"},
+     {"Graphics: initialize", "Graphics: connect graphics"},
+     "G"},
+    {"PrerequisiteIsItself", {"needs_itself"}, {}, ""},
+    {"PrerequisiteServesNothing", {"serves_nothing", "needs_idle"}, {}, ""},
+    {"PrerequisiteIsNoModule", {"tool", "needs_tool"}, {}, ""},
+    {"NamesakeThatIsNotInitialisedIsPassedOver",
+     {"refuses", "graphics", "needs_graphics"},
+     {"Refuses: initialize", "Graphics: initialize", "Graphics: connect graphics",
+      "Sound: initialize", "Sound: connect sound"},
+     "GA"},
+    {"OtherPurposes", {"tool", "module_in_lower_case"}, {}, ""},
+    {"InitializeSaysNo", {"refuses"}, {"Refuses: initialize"}, ""},
+    {"InitializeIsAskedAgain",
+     {"hesitates"},
+     {"Hesitates: initialize", "Hesitates: initialize", "Hesitates: connect input",
+      "Hesitates: connect graphics"},
+     "GI"},
+    {"NoConnectEntryPoint",
+     {"no_connect", "graphics"},
+     {"Graphics: initialize", "Graphics: connect graphics"},
+     "G"},
+};
+
+class Connecting : public testing::TestWithParam<Connection> {};
+
+std::string connected_modules(const LoadedLibrary& library) {
+    std::string initials;
+    const auto note = [&initials](char initial, void** interface) {
+        if (interface != nullptr)
+            initials += initial;
+    };
+    note('G', EXPORT_OF(library, __mGraphics_instance)()->interface);
+    note('I', EXPORT_OF(library, __mInput_instance)()->interface);
+    note('S', EXPORT_OF(library, __mSystem_instance)()->interface);
+    note('N', EXPORT_OF(library, __mNetwork_instance)()->interface);
+    note('A', EXPORT_OF(library, __mAudio_instance)()->interface);
+    return initials;
+}
+
+} // namespace
+
+TEST_P(Connecting, HappensInThisOrder) {
+    const ScratchFolder folder;
+    folder.add_plugins(GetParam().plugins);
+    LoadedLibrary library;
+    EXPECT_TRUE(EXPORT_OF(library, __mCore_open)());
+    EXPECT_THAT(folder.events(), ElementsAreArray(GetParam().events));
+    EXPECT_EQ(connected_modules(library), GetParam().connected);
+    EXPECT_EQ(EXPORT_OF(library, __mCore_get_plugin_count)(), GetParam().plugins.size());
+}
+
+INSTANTIATE_TEST_SUITE_P(Core, Connecting, testing::ValuesIn(CONNECTIONS),
+                         [](const auto& row) { return row.param.name; });
+
+TEST(Connection, ATakenModuleIsOfferedToNobodyElse) {
+    const ScratchFolder folder;
+    folder.add_plugins({"graphics", "other_graphics"});
+    const LoadedLibrary library;
+    EXPORT_OF(library, __mCore_open)();
+    const std::vector<std::string> events = folder.events("");
+    EXPECT_EQ(std::count(events.begin(), events.end(), "Graphics: asked GRAPHICS"), 1);
+    EXPECT_EQ(std::count(events.begin(), events.end(), "Other: asked GRAPHICS"), 0);
+    EXPECT_EQ(std::count(events.begin(), events.end(), "Other: asked AUDIO"), 2);
+}

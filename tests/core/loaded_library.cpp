@@ -1,0 +1,65 @@
+#include "loaded_library.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <stdexcept>
+
+#include <dlfcn.h>
+
+namespace fs = std::filesystem;
+
+ScratchFolder::ScratchFolder() : before(fs::current_path()) {
+    std::string name = (fs::temp_directory_path() / "quillon-XXXXXX").string();
+    if (mkdtemp(name.data()) == nullptr)
+        throw std::runtime_error("no scratch folder " + name);
+    folder = name;
+    fs::current_path(folder);
+}
+
+ScratchFolder::~ScratchFolder() {
+    fs::current_path(before);
+    fs::remove_all(folder);
+}
+
+void ScratchFolder::add_plugins(const std::vector<std::string>& fixtures) const {
+    fs::create_directories(folder / "plugin");
+    int number = 0;
+    for (const std::string& name : fixtures)
+        fs::copy(fs::path(FIXTURE_FOLDER) / (name + ".so"),
+                 folder / "plugin" / (std::to_string(number++) + "_" + name + ".so"));
+}
+
+std::vector<std::string> ScratchFolder::events(const std::string& unwanted) {
+    std::vector<std::string> lines;
+    std::ifstream file("events");
+    for (std::string line; std::getline(file, line);)
+        if (unwanted.empty() || line.find(": " + unwanted) == std::string::npos)
+            lines.push_back(line);
+    return lines;
+}
+
+LoadedLibrary::LoadedLibrary() : handle(dlopen(LIBRARY_FILE, RTLD_NOW | RTLD_LOCAL)) {
+    if (handle == nullptr)
+        throw std::runtime_error(dlerror());
+}
+
+void LoadedLibrary::unload() {
+    if (handle != nullptr)
+        dlclose(handle);
+    handle = nullptr;
+}
+
+void* LoadedLibrary::address(const char* name) const {
+    void* const found = dlsym(handle, name);
+    if (found == nullptr)
+        throw std::runtime_error(dlerror());
+    return found;
+}
+
+bool is_mapped(const std::string& text) {
+    std::ifstream maps("/proc/self/maps");
+    for (std::string line; std::getline(maps, line);)
+        if (line.find(text) != std::string::npos)
+            return true;
+    return false;
+}

@@ -1,0 +1,111 @@
+#include "loaded_library.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using testing::ElementsAre;
+
+namespace {
+
+// A worker that has work in every second pass and stops in the given one.
+class Worker final : public quillon::cThread {
+public:
+    explicit Worker(std::uint32_t last_pass) : last(last_pass) { threadState = 9; }
+
+    std::uint32_t run() override {
+        ++passes;
+        stopRequested = passes >= last;
+        return passes % 2 == 0 ? passes : 0;
+    }
+
+    void work() override { ++works; }
+
+    std::uint32_t last;
+    std::uint32_t passes = 0;
+    std::uint32_t works = 0;
+};
+
+} // namespace
+
+TEST(Modules, AccessorsGiveOneObjectEach) {
+    const LoadedLibrary library;
+    for (const char* name : {"__mCore_instance", "__mGraphics_instance", "__mInput_instance",
+                             "__mSystem_instance", "__mNetwork_instance", "__mAudio_instance",
+                             "__mPhysics_instance", "__mFileOps_instance"}) {
+        auto* instance = library.function<void*()>(name);
+        EXPECT_NE(instance(), nullptr) << name;
+        EXPECT_EQ(instance(), instance()) << name;
+    }
+}
+
+TEST(Modules, ViewsSeeTheTableOfTheirModule) {
+    const LoadedLibrary library;
+    const auto* graphics = EXPORT_OF(library, __mGraphics_instance)();
+    const auto* network = EXPORT_OF(library, __mNetwork_instance)();
+    const auto* audio = EXPORT_OF(library, __mAudio_instance)();
+    for (const auto* view :
+         {&graphics->view0, &graphics->view2, &graphics->view4, &graphics->view5, &graphics->view6})
+        EXPECT_EQ((*view)->interface, &graphics->interface);
+    for (const auto* view : {&graphics->view1, &graphics->view3}) {
+        EXPECT_EQ((*view)->interface, &graphics->interface);
+        EXPECT_EQ((*view)->first + 1, (*view)->second) << "adjacent words";
+    }
+    EXPECT_EQ(network->view1->interface, &network->interface);
+    EXPECT_FALSE(network->statusFlag);
+    EXPECT_EQ(audio->view1->interface, &audio->interface);
+}
+
+TEST(Modules, UnconnectedModulesAnswerFalseZeroOrNothing) {
+    const LoadedLibrary library;
+    EXPORT_OF(library, __mGraphics_instance)()->load_bitmap("x", nullptr, nullptr, nullptr);
+    EXPECT_FALSE(EXPORT_OF(library, __mGraphics_instance)()->save_bitmap("x", 1, 1, nullptr));
+    EXPECT_FALSE(EXPORT_OF(library, __mInput_instance)()->key_down(1));
+    EXPECT_EQ(EXPORT_OF(library, __mInput_instance)()->axis_value(1), 0.0F);
+    EXPORT_OF(library, __mSystem_instance)()->pause(1e9);
+}
+
+TEST(Modules, ConnectedModulesCallTheirEntriesAndUnfilledOnesAnswerNothing) {
+    const ScratchFolder folder;
+    folder.add_plugins({"all_five"});
+    const LoadedLibrary library;
+    EXPORT_OF(library, __mCore_open)();
+    std::filesystem::remove("events");
+    std::uint8_t pixel = 200;
+    EXPECT_TRUE(EXPORT_OF(library, __mGraphics_instance)()->save_bitmap("a.png", 65535, 2, &pixel));
+    EXPORT_OF(library, __mSystem_instance)()->pause(0.5);
+    EXPECT_THAT(folder.events(),
+                ElementsAre("All: save_bitmap a.png 65535 2 200", "All: pause 0.500000"));
+    EXPECT_EQ(EXPORT_OF(library, __mInput_instance)()->axis_value(65535), 32767.5F);
+    EXPECT_EQ(EXPORT_OF(library, __mInput_instance)()->axis_delta(65535), 0.0F);
+    EXPECT_FALSE(EXPORT_OF(library, __mInput_instance)()->key_press(3));
+    EXPORT_OF(library, __mGraphics_instance)()->load_bitmap("x", nullptr, nullptr, nullptr);
+}
+
+TEST(Worker, RunsUntilItIsToldToStop) {
+    const LoadedLibrary library;
+    Worker worker(5);
+    EXPECT_EQ(EXPORT_OF(library, __mGeneric_worker_loop)(&worker), 0u);
+    EXPECT_EQ(worker.passes, 5u);
+    EXPECT_EQ(worker.works, 2u);
+    EXPECT_EQ(EXPORT_OF(library, __mGeneric_worker_loop)(&worker), 0u);
+    EXPECT_EQ(worker.passes, 5u) << "stopped on entry";
+}
+
+TEST(Worker, PausesThroughTheSystemPlugin) {
+    const ScratchFolder folder;
+    folder.add_plugins({"input_and_system"});
+    const LoadedLibrary library;
+    EXPORT_OF(library, __mCore_open)();
+    std::filesystem::remove("events");
+    Worker worker(3);
+    EXPORT_OF(library, __mGeneric_worker_loop)(&worker);
+    EXPECT_THAT(folder.events(), testing::Contains("Both: pause 0.002000").Times(3));
+}
+
+TEST(Thread, GivesTheResultOfItsRunAndMarksItsEnd) {
+    const LoadedLibrary library;
+    Worker worker(1);
+    worker.passes = 41;
+    EXPECT_EQ(EXPORT_OF(library, __mGeneric_thread_func)(&worker), 42u);
+    EXPECT_EQ(worker.threadState, 0u);
+}

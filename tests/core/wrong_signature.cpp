@@ -1,0 +1,5 @@
+#include "quillon/core/plugin.h"
+
+int initialize(quillon::DSPrefHashMap<void>*) {
+    return 1;
+}
