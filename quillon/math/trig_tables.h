@@ -7,22 +7,17 @@
 
 namespace quillon::trig {
 
-// The point of the unit circle at an angle.
-struct Direction {
-    double cosine;
-    double sine;
-};
-
 inline constexpr std::int32_t circle_entries = 72000;
 inline constexpr std::int32_t tangent_entries = 3600;
 
-// Entry i holds the direction of i * PI / 36000.
-extern Direction circle[circle_entries];
+// Entry i holds the cosine or sine of i * PI / 36000.
+extern double cosines[circle_entries];
+extern double sines[circle_entries];
 
 // `position` truncated toward zero and wrapped into 0 to `entries - 1`; 0 where it fits no integer.
 template <std::int32_t entries>
 std::int32_t wrapped_index(double position) {
-    if (position > -1.0 && position < entries)
+    if (position > -1.0 && position < entries) [[likely]]
         return static_cast<std::int32_t>(position);
     constexpr double beyond = 9223372036854775808.0;
     if (!(position > -beyond && position < beyond))
@@ -31,17 +26,24 @@ std::int32_t wrapped_index(double position) {
     return rest < 0 ? rest + entries : rest;
 }
 
+inline std::int32_t circle_index(double degrees) {
+    return wrapped_index<circle_entries>(degrees * 200.0 + 0.5);
+}
+
 inline double to_degrees(double radians) {
     return radians * 180.0 * INV_PI;
 }
 
-inline const Direction& direction_at_degrees(double degrees) {
-    return circle[wrapped_index<circle_entries>(degrees * 200.0 + 0.5)];
-}
+// The point of the unit circle at an angle.
+struct Direction {
+    double cosine;
+    double sine;
+};
 
 // cosTR and sinTR of one angle in one look-up.
-inline const Direction& direction_at(double radians) {
-    return direction_at_degrees(to_degrees(radians));
+inline Direction direction_at(double radians) {
+    const std::int32_t index = circle_index(to_degrees(radians));
+    return {cosines[index], sines[index]};
 }
 
 } // namespace quillon::trig

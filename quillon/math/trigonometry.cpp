@@ -9,7 +9,8 @@
 
 namespace quillon::trig {
 
-constinit Direction circle[circle_entries] = {};
+constinit double cosines[circle_entries] = {};
+constinit double sines[circle_entries] = {};
 
 namespace {
 
@@ -27,7 +28,8 @@ constexpr double wide_pi = PI;
 void fill_forward_tables() {
     for (std::int32_t i = 0; i < circle_entries; ++i) {
         const double angle = i * wide_pi / 36000.0;
-        circle[i] = {std::cos(angle), std::sin(angle)};
+        cosines[i] = std::cos(angle);
+        sines[i] = std::sin(angle);
     }
     for (std::int32_t i = 0; i < tangent_entries; ++i)
         tangents[i] = std::tan(i * wide_pi / 1800.0);
@@ -159,11 +161,11 @@ void __clear_trig_tables() {
 }
 
 double cosTD(const double& degrees) {
-    return quillon::trig::direction_at_degrees(degrees).cosine;
+    return quillon::trig::cosines[quillon::trig::circle_index(degrees)];
 }
 
 double sinTD(const double& degrees) {
-    return quillon::trig::direction_at_degrees(degrees).sine;
+    return quillon::trig::sines[quillon::trig::circle_index(degrees)];
 }
 
 double tanTD(const double& degrees) {
@@ -171,11 +173,13 @@ double tanTD(const double& degrees) {
 }
 
 double cosTR(const double& radians) {
-    return quillon::trig::direction_at(radians).cosine;
+    using namespace quillon::trig;
+    return cosines[circle_index(to_degrees(radians))];
 }
 
 double sinTR(const double& radians) {
-    return quillon::trig::direction_at(radians).sine;
+    using namespace quillon::trig;
+    return sines[circle_index(to_degrees(radians))];
 }
 
 double tanTR(const double& radians) {

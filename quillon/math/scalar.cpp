@@ -1,0 +1,70 @@
+#include "quillon/math/scalar.h"
+
+#include "quillon/math/constants.h"
+#include "quillon/math/trigonometry.h"
+#include "quillon/platform/random.h"
+
+#include <random>
+
+namespace {
+
+using Generator = std::mt19937;
+
+// 0 up to but excluding 1, in 2^32 steps.
+double draw_unit(Generator& generator) {
+    return static_cast<double>(generator()) / 4294967296.0;
+}
+
+} // namespace
+
+std::int32_t random_int(std::int32_t low, std::int32_t high) {
+    static Generator generator(quillon::platform::random_seed());
+    const double lowest = low;
+    const double highest = high;
+    const double value = draw_unit(generator) * (highest - lowest + 1.0) + lowest;
+    return value < highest ? static_cast<std::int32_t>(value) : high;
+}
+
+float random_float(float low, float high) {
+    static Generator generator(quillon::platform::random_seed());
+    const double unit = static_cast<float>(draw_unit(generator));
+    const double lowest = low;
+    return static_cast<float>(unit * (high - lowest) + lowest);
+}
+
+double random_double(double low, double high) {
+    static Generator generator(quillon::platform::random_seed());
+    return draw_unit(generator) * (high - low) + low;
+}
+
+std::uint32_t next_largest_power_of_2(std::uint32_t value) {
+    std::uint32_t filled = value - 1;
+    for (const int shift : {1, 2, 4, 8, 16})
+        filled |= filled >> shift;
+    return filled + 1;
+}
+
+std::int32_t construct_bitmask(std::int16_t a, std::int16_t b, std::int16_t c, std::int16_t d,
+                               std::int16_t e, std::int16_t f, std::int16_t g, std::int16_t h) {
+    std::uint32_t mask = 0;
+    for (const std::int16_t bit : {a, b, c, d, e, f, g, h})
+        if (bit >= 0 && bit < 32)
+            mask |= std::uint32_t{1} << bit;
+    return static_cast<std::int32_t>(mask);
+}
+
+double gauss_near_zero_taylor7(float a, float deviation) {
+    const double t = -a / (deviation * 2.0 * deviation);
+    const double t2 = t * t;
+    const double t4 = t2 * t2;
+    return 1.0 + t + t2 / 2.0 + t2 * t / 6.0 + t4 / 24.0 + t4 * t / 120.0 + t4 * t2 / 720.0 +
+           t4 * t2 * t / 5040.0;
+}
+
+float __tarn_extract_angle(float x, float y) {
+    if (x > 0.0F)
+        return atanT(static_cast<double>(y) / x);
+    if (x < 0.0F)
+        return quillon::PI - atanT(static_cast<double>(y) / -x);
+    return y > 0.0F ? quillon::HALF_PI : quillon::THREE_HALF_PI;
+}
