@@ -1,0 +1,188 @@
+// The display names of every input, made by rule at compile time.
+//
+// The rows are constant data of whatever includes them: a row's text stays valid while the library
+// or program that holds it is loaded. A table is an array, and indexing it is not checked; name_at
+// is, and so are the display operations of the bindings.
+#pragma once
+
+#include "quillon/input/codes.h"
+
+#include <array>
+#include <cstddef>
+#include <initializer_list>
+#include <string_view>
+
+namespace quillon {
+
+// One name, used like the terminated string that it holds.
+struct InputName {
+    char text[20];
+
+    constexpr operator const char*() const { return text; }
+};
+
+// Shown for a binding without an input, and for one whose code stands in no table.
+inline constexpr char NO_INPUT_NAME[] = "[NONE]";
+inline constexpr char INVALID_INPUT_NAME[] = "INVALID";
+
+namespace input_names {
+
+// A number from 0 to 99 as text.
+class Number {
+public:
+    constexpr explicit Number(int value)
+        : digits{static_cast<char>('0' + value / 10), static_cast<char>('0' + value % 10)} {}
+
+    constexpr operator std::string_view() const {
+        return digits[0] == '0' ? std::string_view(digits + 1, 1) : std::string_view(digits, 2);
+    }
+
+private:
+    char digits[2];
+};
+
+// Appends rows to a table. A row too long or too many fails to compile, and so does one missing.
+template <std::size_t Count>
+class Writer {
+public:
+    constexpr void row(std::initializer_list<std::string_view> parts) {
+        char* cursor = rows[used++].text;
+        for (const std::string_view part : parts)
+            for (const char letter : part)
+                *cursor++ = letter;
+    }
+
+    constexpr void each(std::initializer_list<std::string_view> names) {
+        for (const std::string_view name : names)
+            row({name});
+    }
+
+    // One row for each character of `letters`.
+    constexpr void letters(std::string_view all) {
+        for (std::size_t i = 0; i < all.size(); ++i)
+            row({all.substr(i, 1)});
+    }
+
+    constexpr void numbered(std::string_view device, std::string_view what, int first, int last) {
+        for (int number = first; number <= last; ++number)
+            row({device, what, Number(number)});
+    }
+
+    // The rows of one pad, called "Pad " or "Pad 1 ".
+    constexpr void pad(std::string_view device) {
+        row({device, "Any"});
+        numbered(device, "Btn ", 1, PAD_BUTTONS);
+        for (int axis = 1; axis <= PAD_AXES; ++axis)
+            for (const std::string_view zone : {" Center", " -", " --", " +", " ++"})
+                row({device, "Axis ", Number(axis), zone});
+        for (int hat = 1; hat <= PAD_HATS; ++hat)
+            for (const std::string_view direction : {" Left", " Right", " Up", " Down"})
+                row({device, "Hat ", Number(hat), direction});
+    }
+
+    constexpr std::array<InputName, Count> finish() const {
+        return used == Count ? rows : throw "a table has too few rows";
+    }
+
+private:
+    std::array<InputName, Count> rows{};
+    std::size_t used = 0;
+};
+
+// "Pad 1 " to "Pad 4 ".
+struct PadPrefix {
+    char text[6];
+
+    constexpr explicit PadPrefix(int pad)
+        : text{'P', 'a', 'd', ' ', static_cast<char>('1' + pad), ' '} {}
+
+    constexpr operator std::string_view() const { return {text, sizeof text}; }
+};
+
+constexpr auto make_digital() {
+    Writer<DIGITAL_CODES> table;
+    table.each({"Any Key", "Escape", "Tab", "Backspace", "Enter", "Space"});
+    table.each({"Insert", "Delete", "Home", "End", "Page Up", "Page Down"});
+    table.each({"Up", "Down", "Left", "Right"});
+    table.letters("ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789");
+    table.numbered("F", "", 1, 12);
+    table.numbered("Keypad ", "", 0, 9);
+    table.each({"Keypad .", "Keypad /", "Keypad *", "Keypad -", "Keypad +", "Keypad Enter"});
+    table.each({"Num Lock", "Caps Lock", "Scroll Lock", "Left Shift", "Right Shift"});
+    table.each({"Left Control", "Right Control", "Left Alt", "Right Alt"});
+    table.letters("~-+[]\\:\"<>?");
+    table.each({"Print Screen", "Pause", "Any Mouse", "Left Mouse", "Right Mouse"});
+    table.each({"Middle Mouse", "Mouse Wheel Up", "Mouse Wheel Down"});
+    for (int pad = 0; pad < PAD_COUNT; ++pad)
+        table.pad(PadPrefix(pad));
+    return table.finish();
+}
+
+constexpr auto make_analog() {
+    Writer<ANALOG_CODES> table;
+    table.each({"Mouse X", "Mouse Y"});
+    for (int pad = 0; pad < PAD_COUNT; ++pad)
+        table.numbered(PadPrefix(pad), "Axis ", 1, PAD_AXES);
+    return table.finish();
+}
+
+constexpr auto make_pad() {
+    Writer<PAD_CODES> table;
+    table.pad("Pad ");
+    return table.finish();
+}
+
+constexpr auto make_pad_axes() {
+    Writer<PAD_AXES> table;
+    table.numbered("Pad ", "Axis ", 1, PAD_AXES);
+    return table.finish();
+}
+
+constexpr auto make_logic() {
+    Writer<3> table;
+    table.each({"Or", "And", "Not"});
+    return table.finish();
+}
+
+template <std::size_t Count>
+constexpr std::int16_t find(const std::array<InputName, Count>& table, std::string_view name) {
+    for (std::size_t row = 0; row < Count; ++row)
+        if (name == table[row].text)
+            return static_cast<std::int16_t>(row);
+    return NO_INPUT;
+}
+
+} // namespace input_names
+
+// The text of a row, or INVALID_INPUT_NAME for one that the table does not have.
+template <std::size_t Count>
+constexpr const char* name_at(const std::array<InputName, Count>& table, int row) {
+    const bool inside = row >= 0 && row < static_cast<int>(Count);
+    return inside ? table[static_cast<std::size_t>(row)].text : INVALID_INPUT_NAME;
+}
+
+// Indexed by absolute digital code.
+inline constexpr auto digital_input_names = input_names::make_digital();
+
+// Indexed by absolute analog code.
+inline constexpr auto analog_input_names = input_names::make_analog();
+
+// Indexed by pad-relative digital code.
+inline constexpr auto pad_input_names = input_names::make_pad();
+
+// Indexed by pad-relative axis.
+inline constexpr auto pad_axis_names = input_names::make_pad_axes();
+
+// Indexed by InputLogic.
+inline constexpr auto input_logic_names = input_names::make_logic();
+
+// The absolute code that is displayed as `name`, or NO_INPUT; case-sensitive.
+constexpr std::int16_t digital_code(std::string_view name) {
+    return input_names::find(digital_input_names, name);
+}
+
+constexpr std::int16_t analog_code(std::string_view name) {
+    return input_names::find(analog_input_names, name);
+}
+
+} // namespace quillon
