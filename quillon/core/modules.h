@@ -106,6 +106,16 @@ public:
         return call_entry(interface, &InputTable::axis_delta, code);
     }
 
+    // The absolute codes of what pad 0 to 3 numbers from 0: of its digital inputs, and of its axes.
+    // Pure arithmetic, cut to 16 bits; see quillon/input/codes.h for the ranges.
+    static constexpr std::int16_t digital_pad_code(std::int16_t code, std::int16_t pad) {
+        return static_cast<std::int16_t>(pad * 45 + code + 108);
+    }
+
+    static constexpr std::int16_t analog_pad_code(std::int16_t axis, std::int16_t pad) {
+        return static_cast<std::int16_t>(pad * 4 + axis + 2);
+    }
+
     void** interface = nullptr;
 };
 

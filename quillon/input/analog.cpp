@@ -11,6 +11,10 @@ namespace {
 using quillon::cInputAnalog;
 using quillon::modInput;
 
+static_assert(modInput::analog_pad_code(0, 0) == quillon::FIRST_PAD_AXIS &&
+              modInput::analog_pad_code(quillon::PAD_AXES - 1, quillon::PAD_COUNT - 1) ==
+                  quillon::ANALOG_CODES - 1);
+
 constexpr float MOUSE_SCALE = 0.1F;
 
 // The bound axis as the plug-in sees it now; an unbound one rests at 0.
@@ -18,7 +22,7 @@ class Axis {
 public:
     explicit Axis(const cInputAnalog& binding) : module(*__mInput_instance()) {
         const std::int16_t absolute =
-            binding.pad == -1 ? binding.code : quillon::analog_pad_code(binding.code, binding.pad);
+            binding.pad == -1 ? binding.code : modInput::analog_pad_code(binding.code, binding.pad);
         code = static_cast<std::uint16_t>(absolute);
     }
 

@@ -52,14 +52,4 @@ inline constexpr std::int16_t ANALOG_CODES = FIRST_PAD_AXIS + PAD_COUNT * PAD_AX
 
 static_assert(PAD_CODES == 45 && DIGITAL_CODES == 288 && ANALOG_CODES == 18);
 
-// The absolute digital code of pad-relative `code` of `pad`, 0 to 3; cut to 16 bits.
-constexpr std::int16_t digital_pad_code(std::int16_t code, std::int16_t pad) {
-    return static_cast<std::int16_t>(pad * PAD_CODES + code + FIRST_PAD_CODE);
-}
-
-// The absolute analog code of `axis`, 0 to 3, of `pad`, 0 to 3; cut to 16 bits.
-constexpr std::int16_t analog_pad_code(std::int16_t axis, std::int16_t pad) {
-    return static_cast<std::int16_t>(pad * PAD_AXES + axis + FIRST_PAD_AXIS);
-}
-
 } // namespace quillon

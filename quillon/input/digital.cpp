@@ -9,28 +9,27 @@ using quillon::cInputDigital;
 using quillon::InputLogic;
 using quillon::modInput;
 
+static_assert(modInput::digital_pad_code(0, 0) == quillon::FIRST_PAD_CODE &&
+              modInput::digital_pad_code(quillon::PAD_CODES - 1, quillon::PAD_COUNT - 1) ==
+                  quillon::DIGITAL_CODES - 1);
+
 // One of the five questions that the input plug-in answers about a code.
 using Question = bool (modInput::*)(std::uint16_t) const;
 
 // One of a binding's two inputs.
-class Input {
-public:
-    Input(const modInput& input, std::int16_t code, std::int16_t pad)
-        : module(input), code(code), pad(pad) {}
+struct Input {
+    const modInput& module;
+    std::int16_t code;
+    std::int16_t pad;
 
     bool answers(Question question) const {
         if (code == quillon::NO_INPUT)
             return false;
-        const std::int16_t absolute = pad == -1 ? code : quillon::digital_pad_code(code, pad);
+        const std::int16_t absolute = pad == -1 ? code : modInput::digital_pad_code(code, pad);
         return (module.*question)(static_cast<std::uint16_t>(absolute));
     }
 
     bool down() const { return answers(&modInput::key_down); }
-
-private:
-    const modInput& module;
-    std::int16_t code;
-    std::int16_t pad;
 };
 
 // When two inputs that are joined by And answer together.
@@ -50,8 +49,8 @@ bool last_one_left(const Input& first, const Input& second, Question edge) {
 
 bool query(const cInputDigital& binding, Question question, Chord chord) {
     const modInput& module = *__mInput_instance();
-    const Input first(module, binding.code1, binding.pad1);
-    const Input second(module, binding.code2, binding.pad2);
+    const Input first{module, binding.code1, binding.pad1};
+    const Input second{module, binding.code2, binding.pad2};
     switch (binding.logic) {
     case InputLogic::Or:
         return first.answers(question) || second.answers(question);

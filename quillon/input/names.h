@@ -1,8 +1,8 @@
 // The display names of every input, made by rule at compile time.
 //
 // The rows are constant data of whatever includes them: a row's text stays valid while the library
-// or program that holds it is loaded. A table is an array, and indexing it is not checked; name_at
-// is, and so are the display operations of the bindings.
+// or program that holds it is loaded. Indexing a table is not checked; name_at is, and so are the
+// display operations of the bindings.
 #pragma once
 
 #include "quillon/input/codes.h"
@@ -13,13 +13,6 @@
 #include <string_view>
 
 namespace quillon {
-
-// One name, used like the terminated string that it holds.
-struct InputName {
-    char text[20];
-
-    constexpr operator const char*() const { return text; }
-};
 
 // Shown for a binding without an input, and for one whose code stands in no table.
 inline constexpr char NO_INPUT_NAME[] = "[NONE]";
@@ -41,12 +34,14 @@ private:
     char digits[2];
 };
 
-// Appends rows to a table. A row too long or too many fails to compile, and so does one missing.
+using Text = std::array<char, 20>;
+
+// Appends texts to a table. One too long or too many fails to compile, and so does one missing.
 template <std::size_t Count>
 class Writer {
 public:
     constexpr void row(std::initializer_list<std::string_view> parts) {
-        char* cursor = rows[used++].text;
+        auto cursor = texts[used++].begin();
         for (const std::string_view part : parts)
             for (const char letter : part)
                 *cursor++ = letter;
@@ -80,12 +75,12 @@ public:
                 row({device, "Hat ", Number(hat), direction});
     }
 
-    constexpr std::array<InputName, Count> finish() const {
-        return used == Count ? rows : throw "a table has too few rows";
+    constexpr std::array<Text, Count> finish() const {
+        return used == Count ? texts : throw "a table has too few rows";
     }
 
 private:
-    std::array<InputName, Count> rows{};
+    std::array<Text, Count> texts{};
     std::size_t used = 0;
 };
 
@@ -144,37 +139,52 @@ constexpr auto make_logic() {
     return table.finish();
 }
 
+// The texts of the five tables.
+inline constexpr auto DIGITAL = make_digital();
+inline constexpr auto ANALOG = make_analog();
+inline constexpr auto PAD = make_pad();
+inline constexpr auto PAD_AXIS = make_pad_axes();
+inline constexpr auto LOGIC = make_logic();
+
 template <std::size_t Count>
-constexpr std::int16_t find(const std::array<InputName, Count>& table, std::string_view name) {
+constexpr std::array<const char*, Count> rows_of(const std::array<Text, Count>& texts) {
+    std::array<const char*, Count> rows{};
     for (std::size_t row = 0; row < Count; ++row)
-        if (name == table[row].text)
+        rows[row] = texts[row].data();
+    return rows;
+}
+
+template <std::size_t Count>
+constexpr std::int16_t find(const std::array<const char*, Count>& table, std::string_view name) {
+    for (std::size_t row = 0; row < Count; ++row)
+        if (name == table[row])
             return static_cast<std::int16_t>(row);
     return NO_INPUT;
 }
 
 } // namespace input_names
 
-// The text of a row, or INVALID_INPUT_NAME for one that the table does not have.
-template <std::size_t Count>
-constexpr const char* name_at(const std::array<InputName, Count>& table, int row) {
-    const bool inside = row >= 0 && row < static_cast<int>(Count);
-    return inside ? table[static_cast<std::size_t>(row)].text : INVALID_INPUT_NAME;
-}
-
 // Indexed by absolute digital code.
-inline constexpr auto digital_input_names = input_names::make_digital();
+inline constexpr auto digital_input_names = input_names::rows_of(input_names::DIGITAL);
 
 // Indexed by absolute analog code.
-inline constexpr auto analog_input_names = input_names::make_analog();
+inline constexpr auto analog_input_names = input_names::rows_of(input_names::ANALOG);
 
 // Indexed by pad-relative digital code.
-inline constexpr auto pad_input_names = input_names::make_pad();
+inline constexpr auto pad_input_names = input_names::rows_of(input_names::PAD);
 
 // Indexed by pad-relative axis.
-inline constexpr auto pad_axis_names = input_names::make_pad_axes();
+inline constexpr auto pad_axis_names = input_names::rows_of(input_names::PAD_AXIS);
 
 // Indexed by InputLogic.
-inline constexpr auto input_logic_names = input_names::make_logic();
+inline constexpr auto input_logic_names = input_names::rows_of(input_names::LOGIC);
+
+// The row at `code`, or INVALID_INPUT_NAME for one that the table does not have.
+template <std::size_t Count>
+constexpr const char* name_at(const std::array<const char*, Count>& table, int code) {
+    const bool inside = code >= 0 && code < static_cast<int>(Count);
+    return inside ? table[static_cast<std::size_t>(code)] : INVALID_INPUT_NAME;
+}
 
 // The absolute code that is displayed as `name`, or NO_INPUT; case-sensitive.
 constexpr std::int16_t digital_code(std::string_view name) {
