@@ -22,7 +22,7 @@ public:
 
     // Makes the next `add` one that cannot fail.
     void make_room_for_one() {
-        if (used * 2 < slots.size())
+        if (used * 4 < slots.size())
             return;
         KeyIndex larger(slots.empty() ? first_bits : bits + 1);
         for (const Slot& slot : slots)

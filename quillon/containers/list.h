@@ -73,8 +73,11 @@ public:
     // An exception of `leaves` ends the walk: the element in question and all behind it stay.
     template <class Leaves>
     void remove_if(Leaves leaves) {
+        constexpr std::size_t ahead = 12; // elements lie scattered: let their accesses overlap
         Gap gap{items};
         while (gap.end < items.size()) {
+            if (gap.end + ahead < items.size())
+                __builtin_prefetch(items[gap.end + ahead], 1);
             T* const element = items[gap.end];
             const bool gone = leaves(element);
             if (gone || gap.begin != gap.end)
