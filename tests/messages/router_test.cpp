@@ -1,35 +1,334 @@
 #include "quillon/messages/router.h"
 
+#include "allocations.h"
+
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <functional>
+#include <limits>
+#include <new>
+#include <string>
+#include <vector>
 
 namespace {
 
 using namespace quillon;
+using testing::ElementsAre;
+using testing::IsEmpty;
 
-class Counter final : public cMessageObserver {
-public:
-    void receive_message(cMessage*) override { ++received; }
+constexpr float nan = std::numeric_limits<float>::quiet_NaN();
 
-    int received = 0;
-};
+// A router, and observers who write "name:type" into one record.
+class Router : public testing::Test {
+protected:
+    class Observer final : public cMessageObserver {
+    public:
+        Observer(Router& test, std::string title) : owner(test), name(std::move(title)) {}
 
-TEST(Router, DeliversByType) {
-    cMessageRouter router;
-    Counter counter;
-    EXPECT_TRUE(router.register_for_message(&counter, 7));
-    EXPECT_FALSE(router.register_for_message(&counter, 7));
+        void receive_message(cMessage* message) override {
+            owner.record.push_back(name + ':' + std::to_string(message->messageType));
+            if (react)
+                react();
+        }
 
-    struct Big {
-        std::uint32_t messageType = 7;
-        double d[9]{};
+        std::function<void()> react;
+
+    private:
+        Router& owner;
+        std::string name;
     };
 
-    cMessage message{7};
-    EXPECT_EQ(1, router.post_message(&message));
-    EXPECT_EQ(1, router.post_message_delayed(new cMessageHolder<Big>(Big{}), 0.5F));
-    EXPECT_EQ(1, router.post_message_delayed(new cMessageHolder<cMessage>(message), 0.5F));
-    router.update(0.5F);
-    EXPECT_EQ(3, counter.received);
+    class Holder final : public cMessageStable {
+    public:
+        Holder(Router& test, std::uint32_t type) : cMessageStable(cMessage{type}), owner(test) {}
+
+        ~Holder() override { owner.record.push_back('~' + std::to_string(message.messageType)); }
+
+    private:
+        Router& owner;
+    };
+
+    std::int16_t post(std::uint32_t type) {
+        cMessage message{type};
+        return router.post_message(&message);
+    }
+
+    std::int16_t post_delayed(std::uint32_t type, float delay) {
+        return router.post_message_delayed(new Holder(*this, type), delay);
+    }
+
+    std::vector<std::string> update(float passed) {
+        record.clear();
+        router.update(passed);
+        return record;
+    }
+
+    std::vector<std::string> record;
+    Observer a{*this, "a"}, b{*this, "b"}, c{*this, "c"}, every{*this, "every"};
+    cMessageRouter router;
+};
+
+TEST_F(Router, ObserverStandsOnceInAMailbox) {
+    EXPECT_TRUE(router.register_for_message(&a, 1));
+    EXPECT_FALSE(router.register_for_message(&a, 1));
+    EXPECT_TRUE(router.register_for_anything(&a));
+    EXPECT_FALSE(router.register_for_anything(&a));
+    EXPECT_EQ(1, post(1));
+    EXPECT_THAT(record, ElementsAre("a:1", "a:1"));
+}
+
+TEST_F(Router, TypeComesBeforeAnythingInOrderOfRegistration) {
+    router.register_for_anything(&every);
+    router.register_for_message(&b, 1);
+    router.register_for_message(&a, 1);
+    EXPECT_EQ(2, post(1));
+    EXPECT_EQ(0, post(2));
+    EXPECT_THAT(record, ElementsAre("b:1", "a:1", "every:1", "every:2"));
+}
+
+TEST_F(Router, OnlyRegistrationAndDelayedPostsMakeMailboxes) {
+    EXPECT_EQ(0, post(1));
+    EXPECT_FALSE(router.unregister_for_message(&a, 1));
+    EXPECT_EQ(0, router.unregister_all(&a));
+    EXPECT_EQ(router.mailboxes.begin(), router.mailboxes.end());
+    EXPECT_EQ(0, post_delayed(1, 0));
+    EXPECT_NE(nullptr, router.mailboxes.find(1));
+    router.update(0);
+}
+
+TEST_F(Router, UnregisterAllLeavesAnything) {
+    router.register_for_anything(&a);
+    EXPECT_FALSE(router.unregister_for_message(&a, 1));
+    for (const std::uint32_t type : {3U, 1U, 0xFFFFFFFFU})
+        router.register_for_message(&a, type);
+    EXPECT_EQ(3, router.unregister_all(&a));
+    EXPECT_EQ(0, post(3));
+    EXPECT_THAT(record, ElementsAre("a:3"));
+    const auto* const left = router.mailboxes.find(3);
+    EXPECT_TRUE(router.register_for_message(&b, 3));
+    EXPECT_EQ(left, router.mailboxes.find(3));
+}
+
+TEST_F(Router, ManyTypesKeepTheirMailboxes) {
+    for (std::uint32_t i = 0; i < 5000; ++i)
+        router.register_for_message(i % 2 != 0 ? &a : &b, i * 0x10001U);
+    for (std::uint32_t i = 0; i < 5000; ++i) {
+        ASSERT_EQ(1, post(i * 0x10001U)) << i;
+        ASSERT_EQ(i % 2 != 0 ? 'a' : 'b', record.back().front()) << i;
+    }
+    EXPECT_EQ(2500, router.unregister_all(&a));
+}
+
+TEST_F(Router, ResultIsCutTo16Bits) {
+    router.register_for_message(&a, 1);
+    std::vector<Observer> crowd(40'000, Observer(*this, "x"));
+    for (Observer& observer : crowd)
+        router.mailboxes.find(1)->observers.add(&observer, DSP_APPEND);
+    EXPECT_EQ(static_cast<std::int16_t>(40'001), post(1));
+    EXPECT_EQ(static_cast<std::int16_t>(40'001), post_delayed(1, 0));
+    router.update(0);
+}
+
+TEST_F(Router, NullArgumentsAreIgnored) {
+    EXPECT_FALSE(router.register_for_message(nullptr, 1));
+    EXPECT_FALSE(router.register_for_anything(nullptr));
+    EXPECT_EQ(0, router.post_message(nullptr));
+    EXPECT_EQ(0, router.post_message_delayed(nullptr, 0));
+    EXPECT_EQ(0, post(1));
+}
+
+TEST_F(Router, DelayCountsDownAndAnythingComesFirst) {
+    router.register_for_message(&a, 1);
+    router.register_for_anything(&every);
+    EXPECT_EQ(1, post_delayed(1, 1.0F));
+    EXPECT_THAT(record, IsEmpty());
+    EXPECT_THAT(update(0.4F), IsEmpty());
+    EXPECT_THAT(update(0.4F), IsEmpty());
+    EXPECT_EQ(1.0F - 0.4F - 0.4F, router.anything.queue.get(0)->second);
+    EXPECT_THAT(update(0.4F), ElementsAre("every:1", "a:1", "~1"));
+    EXPECT_THAT(update(9), IsEmpty());
+}
+
+TEST_F(Router, DueIsWhatIsNotAboveTheTimePassed) {
+    struct Case {
+        const char* name;
+        float delay, passed;
+        bool due;
+    };
+
+    const Case cases[] = {
+        {"no delay, no time", 0, 0, true},   {"no delay, time back", 0, -1, false},
+        {"equal", 0.3F, 0.3F, true},         {"just above", 0.30000004F, 0.3F, false},
+        {"unknown time", 5, nan, true},      {"unknown delay", nan, 0, true},
+        {"negative delay", -1, -0.5F, true}, {"negative zero", 0.0F, -0.0F, true},
+        {"endless", INFINITY, 1e30F, false},
+    };
+    for (const Case& row : cases) {
+        cMessageRouter fresh;
+        auto* const holder = new Holder(*this, 1);
+        fresh.post_message_delayed(holder, row.delay);
+        record.clear();
+        fresh.update(row.passed);
+        EXPECT_EQ(row.due, !record.empty()) << row.name;
+        if (!row.due)
+            delete holder;
+    }
+}
+
+TEST_F(Router, QueueIsInOrderOfPostingAndMailboxesInOrderOfType) {
+    for (const std::uint32_t type : {2U, 0x80000000U, 1U})
+        router.register_for_message(&a, type);
+    post_delayed(0x80000000, 1);
+    post_delayed(2, 2);
+    post_delayed(2, 1);
+    post_delayed(1, 1);
+    EXPECT_THAT(update(1), ElementsAre("a:1", "~1", "a:2", "~2", "a:2147483648", "~2147483648"));
+    EXPECT_EQ(1.0F, router.mailboxes.find(2)->queue.get(0)->second);
+    EXPECT_THAT(update(1), ElementsAre("a:2", "~2"));
+}
+
+TEST_F(Router, ObserversAreThoseOfTheDelivery) {
+    router.register_for_message(&a, 1);
+    post_delayed(1, 1);
+    router.register_for_message(&b, 1);
+    router.unregister_for_message(&a, 1);
+    EXPECT_THAT(update(1), ElementsAre("b:1", "~1"));
+}
+
+TEST_F(Router, LeavingDuringAWalkMakesTheNextMissIt) {
+    for (Observer* observer : {&a, &b, &c})
+        router.register_for_message(observer, 1);
+    a.react = [&] { router.unregister_for_message(&a, 1); };
+    EXPECT_EQ(2, post(1));
+    EXPECT_EQ(2, post(1));
+    EXPECT_THAT(record, ElementsAre("a:1", "c:1", "b:1", "c:1"));
+}
+
+TEST_F(Router, JoiningDuringAWalkIsInTime) {
+    router.register_for_message(&a, 1);
+    a.react = [&] { router.register_for_message(&b, 1); };
+    EXPECT_EQ(2, post(1));
+    EXPECT_THAT(record, ElementsAre("a:1", "b:1"));
+}
+
+TEST_F(Router, PostFromInsideIsNestedAndADelayedOneMeetsWhatIsStillToCome) {
+    for (const std::uint32_t type : {4U, 5U, 6U})
+        router.register_for_message(&b, type);
+    router.register_for_message(&a, 5);
+    a.react = [&] {
+        a.react = nullptr;
+        post(4);
+        post_delayed(6, 0.5F); // type 6 is still to come, the queue of anything is not
+        post_delayed(4, 0.5F); // both are past
+    };
+    router.register_for_anything(&every);
+    post_delayed(5, 1);
+    EXPECT_THAT(update(1), ElementsAre("every:5", "b:5", "a:5", "b:4", "every:4", "~5", "b:6"));
+    EXPECT_THAT(update(1), ElementsAre("every:6", "~6", "every:4", "b:4", "~4"));
+}
+
+TEST_F(Router, UpdateInsideAnUpdateDoesNothing) {
+    router.register_for_message(&a, 1);
+    a.react = [&] { router.update(9); };
+    post_delayed(1, 0);
+    post_delayed(1, 5);
+    EXPECT_THAT(update(1), ElementsAre("a:1", "~1"));
+    EXPECT_EQ(4.0F, router.mailboxes.find(1)->queue.get(0)->second);
+    update(4);
+}
+
+TEST_F(Router, ExceptionHoldsUpTheRestAndLosesNothing) {
+    for (Observer* observer : {&a, &b, &c})
+        router.register_for_message(observer, 1);
+    post_delayed(1, 1);
+    post_delayed(1, 3);
+    post_delayed(1, 1);
+    b.react = [&] {
+        b.react = nullptr;
+        throw std::string("cut");
+    };
+    EXPECT_THROW(update(2), std::string);
+    EXPECT_THAT(record, ElementsAre("a:1", "b:1"));
+    router.unregister_for_message(&a, 1); // takes nobody's turn
+    EXPECT_THAT(update(0), ElementsAre("c:1", "~1"));
+    EXPECT_THAT(update(1), ElementsAre("b:1", "c:1", "~1"));
+    EXPECT_THAT(update(2), ElementsAre("b:1", "c:1", "~1"));
+}
+
+TEST_F(Router, WaitingHoldersOutliveTheRouter) {
+    auto* const holder = new Holder(*this, 1);
+    {
+        cMessageRouter dying;
+        dying.post_message_delayed(holder, 1);
+    }
+    EXPECT_THAT(record, IsEmpty());
+    delete holder;
+}
+
+TEST_F(Router, HolderKeepsALargerMessageWhole) {
+    struct Large {
+        std::uint32_t messageType;
+        alignas(16) double numbers[3];
+        std::string text;
+    };
+
+    class Reader final : public cMessageObserver {
+    public:
+        void receive_message(cMessage* message) override {
+            seen = reinterpret_cast<Large*>(message);
+            text = seen->text;
+        }
+
+        Large* seen = nullptr;
+        std::string text;
+    };
+
+    Reader reader;
+    router.register_for_message(&reader, 9);
+    const std::string long_text(100, 'x');
+    auto* const holder = new cMessageHolder<Large>({9, {1, 2, 3}, long_text});
+    EXPECT_EQ(3.0, holder->get().numbers[2]);
+    void* const expected = &holder->message;
+    router.post_message_delayed(holder, 0);
+    router.update(0);
+    EXPECT_EQ(expected, reader.seen);
+    EXPECT_EQ(long_text, reader.text);
+}
+
+TEST_F(Router, ImmediatePostDoesNotAllocate) {
+    class Silent final : public cMessageObserver {
+    public:
+        void receive_message(cMessage*) override {}
+    };
+
+    std::vector<Silent> observers(10);
+    for (Silent& observer : observers)
+        for (std::uint32_t type = 0; type < 100; ++type)
+            router.register_for_message(&observer, type);
+    router.register_for_anything(&observers[0]);
+    const std::size_t before = allocations;
+    for (std::uint32_t type = 0; type < 200; ++type)
+        post(type);
+    EXPECT_EQ(before, allocations);
+}
+
+TEST_F(Router, DelayedPostIsAllOrNothingWhenMemoryRunsOut) {
+    auto* const holder = new Holder(*this, 1);
+    bool posted = false;
+    for (std::size_t allowed = 0; !posted; ++allowed) {
+        cMessageRouter fresh;
+        allocations_left = allowed;
+        try {
+            fresh.post_message_delayed(holder, 0);
+            posted = true;
+        } catch (const std::bad_alloc&) {
+        }
+        allocations_left = SIZE_MAX;
+        fresh.update(0);
+        EXPECT_EQ(posted, !record.empty()) << allowed << " allocations";
+    }
+    EXPECT_THAT(record, ElementsAre("~1"));
 }
 
 } // namespace
