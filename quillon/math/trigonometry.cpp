@@ -3,9 +3,11 @@
 #include "quillon/math/trig_tables.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <limits>
 #include <numbers>
+#include <type_traits>
 
 namespace quillon::trig {
 
@@ -101,11 +103,19 @@ namespace {
 
 using quillon::TWO_PI;
 
-// TWO_PI is an odd multiple of 2^-21. An angle below this is a multiple of a finer or equal unit,
-// so subtracting TWO_PI from it is exact, and so is any number of such steps.
+// TWO_PI is a multiple of 2^-21. An angle below this limit is a multiple of that or of a finer
+// unit, so subtracting TWO_PI from it is exact, and so is any number of such steps.
 template <class Float>
 constexpr auto exact_below = static_cast<Float>(std::uint64_t{1}
                                                 << (std::numeric_limits<Float>::digits - 21));
+
+template <class Float>
+Float power_of_two_below(Float positive) {
+    using Bits =
+        std::conditional_t<sizeof(Float) == sizeof(std::uint32_t), std::uint32_t, std::uint64_t>;
+    constexpr Bits fraction = (Bits{1} << (std::numeric_limits<Float>::digits - 1)) - 1;
+    return std::bit_cast<Float>(std::bit_cast<Bits>(positive) & ~fraction);
+}
 
 // At least one of the steps `angle -= TWO_PI`, and as many as one go can do.
 //
@@ -115,24 +125,24 @@ constexpr auto exact_below = static_cast<Float>(std::uint64_t{1}
 // lower power of two is left for the next call, since the division may have rounded upward.
 template <class Float>
 Float stepped_down(Float angle) {
-    int exponent = 0;
-    std::frexp(angle, &exponent);
-    const Float floor = std::ldexp(Float{1}, exponent - 1);
+    const Float floor = power_of_two_below(angle);
     const Float next = angle - TWO_PI;
     if (next < floor)
         return next;
     const Float step = next - (next - TWO_PI);
-    const Float steps = std::trunc((next - floor) / step) - Float{1};
-    return steps > Float{0} ? next - steps * step : next;
+    const auto steps = static_cast<std::int64_t>((next - floor) / step) - 1;
+    return steps > 0 ? next - static_cast<Float>(steps) * step : next;
 }
 
 // What is left of a positive angle after subtracting TWO_PI while it is greater than TWO_PI.
 template <class Float>
 Float remainder_of_steps(Float angle) {
-    while (angle >= exact_below<Float> && angle - TWO_PI != angle)
-        angle = stepped_down(angle);
     if (angle <= TWO_PI)
         return angle;
+    if (angle <= 2.0F * TWO_PI)
+        return angle - TWO_PI;
+    while (angle >= exact_below<Float> && angle - TWO_PI != angle)
+        angle = stepped_down(angle);
     const Float remainder = std::fmod(angle, static_cast<Float>(TWO_PI));
     return remainder == Float{0} ? TWO_PI : remainder;
 }

@@ -1,43 +1,226 @@
 #include "quillon/math/vector.h"
 
+#include "quillon/math/zone.h"
+#include "quillon/platform/random.h"
+
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
+#include <cmath>
 #include <cstdlib>
+#include <cstring>
 #include <limits>
+#include <string>
+#include <type_traits>
+#include <vector>
 
+using quillon::cSerializable;
 using quillon::cVector2D;
 using quillon::cVector3D;
+using quillon::cZone3D;
 
 namespace {
 
-void expect_components(const cVector3D& v, double x, double y, double z) {
-    EXPECT_EQ(x, v.x);
-    EXPECT_EQ(y, v.y);
-    EXPECT_EQ(z, v.z);
+std::array<double, 3> components(const cVector3D& v) {
+    return {v.x, v.y, v.z};
 }
+
+std::vector<std::uint8_t> bytes_of(std::initializer_list<float> values) {
+    std::vector<std::uint8_t> bytes(values.size() * sizeof(float));
+    std::memcpy(bytes.data(), values.begin(), bytes.size());
+    return bytes;
+}
+
+// Writes `source` at every alignment, reads it back into `target`, and holds the bytes against
+// `expected`; the bytes around it must stay.
+void expect_flat_form(const cSerializable& source, cSerializable& target,
+                      const std::vector<std::uint8_t>& expected) {
+    const std::size_t size = expected.size();
+    ASSERT_EQ(size, source.serialized_size());
+    for (std::size_t offset = 1; offset <= 8; ++offset) {
+        std::vector<std::uint8_t> buffer(size + 16, 0xAA);
+        EXPECT_EQ(size, source.serialize(buffer.data() + offset));
+        std::vector<std::uint8_t> whole(size + 16, 0xAA);
+        std::copy(expected.begin(), expected.end(), whole.begin() + offset);
+        EXPECT_EQ(whole, buffer) << offset;
+        EXPECT_EQ(size, target.deserialize(buffer.data() + offset));
+        std::vector<std::uint8_t> again(size);
+        target.serialize(again.data());
+        EXPECT_EQ(expected, again) << offset;
+    }
+}
+
+class PaddedVector : public cVector3D {
+public:
+    std::uint32_t serialized_size() const override { return 99; }
+};
 
 } // namespace
 
-TEST(Vector3D, TextFormIsReadFieldByField) {
+TEST(Serializable, FlatFormsAtAnyAlignment) {
+    cVector3D vector;
+    expect_flat_form(cVector3D(1.0, -0.1, 1e30), vector, bytes_of({1.0F, -0.1F, 1e30F}));
+    EXPECT_EQ(static_cast<double>(-0.1F), vector.y) << "narrowed to 32 bits";
+
+    cVector2D<double> pair;
+    const double wide[] = {0.1, -1e300};
+    std::vector<std::uint8_t> wide_bytes(sizeof wide);
+    std::memcpy(wide_bytes.data(), wide, sizeof wide);
+    expect_flat_form(cVector2D<double>(0.1, -1e300), pair, wide_bytes);
+    EXPECT_EQ(0.1, pair.x) << "not narrowed";
+
+    cVector2D<long> whole;
+    const std::int32_t integers[] = {-2147483647 - 1, 7};
+    std::vector<std::uint8_t> integer_bytes(sizeof integers);
+    std::memcpy(integer_bytes.data(), integers, sizeof integers);
+    expect_flat_form(cVector2D<long>(-2147483647 - 1, 7), whole, integer_bytes);
+
+    cZone3D zone(0, 0, 0);
+    expect_flat_form(cZone3D(1, 2, 3), zone, bytes_of({-1, -2, -3, 1, 2, 3}));
+}
+
+TEST(Serializable, ReturnsTheSizeThatTheObjectSays) {
+    PaddedVector padded;
+    std::array<std::uint8_t, 12> buffer{};
+    EXPECT_EQ(99U, padded.serialize(buffer.data()));
+    EXPECT_EQ(99U, padded.deserialize(buffer.data()));
+}
+
+template <class Vector>
+class IndexedAccess : public testing::Test {};
+
+using IndexedVectors = testing::Types<cVector3D, cVector2D<double>, cVector2D<long>>;
+TYPED_TEST_SUITE(IndexedAccess, IndexedVectors);
+
+TYPED_TEST(IndexedAccess, BadIndicesReachAScratchZeroAndNoComponent) {
+    constexpr int count = std::is_same_v<TypeParam, cVector3D> ? 3 : 2;
+    TypeParam v;
+    const TypeParam& read_only = v;
+    for (int i = 0; i < count; ++i)
+        v[i] = i + 1;
+    for (const int index : {-1, count, 1000, std::numeric_limits<int>::min()}) {
+        v[index] = 5;
+        EXPECT_EQ(0, v[index]) << "cleared on each access";
+        v[index] = 5;
+        EXPECT_EQ(0, read_only[index]) << index;
+    }
+    for (int i = 0; i < count; ++i)
+        EXPECT_EQ(i + 1, read_only[i]);
+    EXPECT_EQ(1, v.x);
+    EXPECT_EQ(2, v.y);
+}
+
+static_assert(sizeof(cVector2D<long>::x) == 4, "32 bits whatever the width of long");
+static_assert(quillon::VECTOR3D_UNIT_Z.z == 1.0 && quillon::VECTOR2L_ONE.y == 1,
+              "constants stand before any code runs");
+
+TEST(Vector3D, Arithmetic) {
+    const cVector3D a(1.0, 2.0, 3.0);
+    const cVector3D b(4.0, -5.0, 0.5);
+    const double third = 1.0 / 3.0;
+    cVector3D changed = a;
+
     const struct {
         const char* name;
-        const char* text;
-        double x, y, z;
+        cVector3D actual;
+        std::array<double, 3> expected;
     } cases[] = {
-        {"three fields", "1.5#2#3#", 1.5, 2, 3},
-        {"open last field", "1.5#2#3", 1.5, 2, -9},
-        {"empty text", "", -7, -8, -9},
-        {"surplus field", "1#2#3#4#", 1, 2, 3},
-        {"not a number", "a##3#", 0, 0, 3},
-        {"longest field", "1.0000000000000000000005#2#3#", 1.0, 2, 3},
-        {"field cut at 23 characters", "12345678901234567890123456789#2#3#",
-         12345678901234567890123.0, 2, 3},
+        {"new", cVector3D(), {0, 0, 0}},
+        {"set", cVector3D().set(7, 8, 9), {7, 8, 9}},
+        {"sum", a + b, {5, -3, 3.5}},
+        {"difference", a - b, {-3, 7, 2.5}},
+        {"scaled", a * 0.1, {1.0 * 0.1, 2.0 * 0.1, 3.0 * 0.1}},
+        {"divided, not scaled by the reciprocal", a / 49.0, {1 / 49.0, 2 / 49.0, 3 / 49.0}},
+        {"divided by zero", a / 0.0, {INFINITY, INFINITY, INFINITY}},
+        {"cross", a.cross(b), {2 * 0.5 + 15, 12 - 0.5, -5 - 8}},
+        {"in place", ((((changed += b) -= a) *= 3.0) /= 9.0), {12 / 9.0, -15 / 9.0, 1.5 / 9.0}},
+        {"less itself", cVector3D(third, 2, 3) -= cVector3D(third, 2, 3), {0, 0, 0}},
+    };
+
+    for (const auto& row : cases)
+        EXPECT_EQ(row.expected, components(row.actual)) << row.name;
+    EXPECT_EQ(4.0 - 10.0 + 1.5, a.dot(b));
+    EXPECT_EQ(14.0, a.squared_length());
+    EXPECT_EQ(std::sqrt(14.0), a.length());
+}
+
+TEST(Vector3D, Normalize) {
+    const double third = 1.0 / std::sqrt(3.0);
+
+    const struct {
+        const char* name;
+        cVector3D given;
+        std::array<double, 3> expected;
+    } cases[] = {
+        {"zero stays", {0, 0, 0}, {0, 0, 0}},
+        {"unit stays", {0, -1, 0}, {0, -1, 0}},
+        {"along an axis", {3, 0, 0}, {1, 0, 0}},
+        {"diagonal", {1, 1, 1}, {third, third, third}},
+        {"no tolerance for nearly unit", {1.0000001, 0, 0}, {1, 0, 0}},
+        {"too short to have a squared length", {1e-200, 0, 0}, {1e-200, 0, 0}},
     };
 
     for (const auto& row : cases) {
-        SCOPED_TRACE(row.name);
+        EXPECT_EQ(row.expected, components(row.given.normalized())) << row.name;
+        cVector3D in_place = row.given;
+        in_place.normalize();
+        EXPECT_EQ(row.expected, components(in_place)) << row.name;
+    }
+}
+
+TEST(Vector3D, AngleAndProjection) {
+    const cVector3D x(1, 0, 0);
+    EXPECT_EQ(0.0, __cVector3d_get_angle_between({0, 0, 0}, x));
+    EXPECT_EQ(0.0, __cVector3d_get_angle_between(x, {0, 0, 0}));
+    EXPECT_EQ(1.5707963705062866, __cVector3d_get_angle_between(x, {0, 1, 0}));
+    EXPECT_EQ(std::acos(1.0 / std::sqrt(2.0)), __cVector3d_get_angle_between(x, {1, -1, 0}));
+    EXPECT_EQ(std::acos(-1.0), __cVector3d_get_angle_between(x, {-2, 0, 0}));
+
+    EXPECT_EQ(0.5, __cVector3d_get_scalar_for_projection_onto({2, 2, 0}, {4, 0, 0}));
+    EXPECT_EQ(0.0, __cVector3d_get_scalar_for_projection_onto({0, 0, 0}, x));
+    EXPECT_EQ(0.0, __cVector3d_get_scalar_for_projection_onto(x, {0, 0, 0}));
+}
+
+TEST(Vector3D, TextFormIsReadFieldByField) {
+    const std::string endless(100000, '7');
+    const std::string endless_fields = endless + "#" + endless + "#2#" + endless;
+
+    const struct {
+        const char* name;
+        const char* text;
+        std::array<double, 3> expected;
+    } cases[] = {
+        {"three fields", "1.5#2#3#", {1.5, 2, 3}},
+        {"open last field", "1.5#2#3", {1.5, 2, -9}},
+        {"empty text", "", {-7, -8, -9}},
+        {"surplus field", "1#2#3#4#", {1, 2, 3}},
+        {"no number, nothing, blanks", "a## 3e2#", {0, 0, 300}},
+        {"23 characters", "1.000000000000000000005#0#0#", {1.000000000000000000005, 0, 0}},
+        {"cut at 23 characters",
+         "12345678901234567890123999#2#3#",
+         {12345678901234567890123.0, 2, 3}},
+        {"endless fields",
+         endless_fields.c_str(),
+         {77777777777777777777777.0, 77777777777777777777777.0, 2}},
+    };
+
+    for (const auto& row : cases) {
         cVector3D v(-7, -8, -9);
         __cVector3d_vector_from_string(v, row.text);
-        expect_components(v, row.x, row.y, row.z);
+        EXPECT_EQ(row.expected, components(v)) << row.name;
     }
+}
+
+TEST(Vector3D, OnUnitSphereDrawsZThenYThenX) {
+    std::srand(9);
+    cVector3D v;
+    __nsVector3d_on_unit_sphere(v);
+    std::srand(9);
+    const auto draw = [] { return quillon::platform::runtime_rand() / 32767.0 - 0.5; };
+    const double z = draw();
+    const double y = draw();
+    const double x = draw();
+    EXPECT_EQ(components(cVector3D(x, y, z).normalized()), components(v));
+    EXPECT_NEAR(1.0, v.length(), 1e-15);
 }
