@@ -2,8 +2,6 @@
 
 #include "quillon/core/end_of_life.h"
 
-#include <new>
-
 namespace quillon {
 namespace {
 
@@ -36,29 +34,9 @@ modGraphics::modGraphics()
       view5(view_of(interface)),
       view6(view_of(interface)) {}
 
-modGraphics::~modGraphics() {
-    ::operator delete(interface);
-}
-
-modInput::~modInput() {
-    ::operator delete(interface);
-}
-
-modSystem::~modSystem() {
-    ::operator delete(interface);
-}
-
 modNetwork::modNetwork() : view0(view_of(interface)), view1(view_of(interface)) {}
 
-modNetwork::~modNetwork() {
-    ::operator delete(interface);
-}
-
 modAudio::modAudio() : view0(view_of(interface)), view1(view_of(interface)) {}
-
-modAudio::~modAudio() {
-    ::operator delete(interface);
-}
 
 } // namespace quillon
 

@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <new>
 #include <string>
 #include <type_traits>
 
@@ -36,14 +37,17 @@ Result call_entry(void** interface, Result (*Table::*entry)(Arguments...),
 
 // In each facade, `interface` is null until a plug-in connects, and the module owns the table. An
 // operation calls the table's entry of its name with the same arguments; on an unconnected module,
-// or where the plug-in left the entry unfilled, it gives false, 0 or nothing.
+// or where the plug-in left the entry unfilled, it gives false, 0 or nothing. Destructors stand
+// here so that hosts find the classes' type information in their own code: the library exports
+// none.
 
 class modGraphics {
 public:
     modGraphics();
     modGraphics(const modGraphics&) = delete;
     modGraphics& operator=(const modGraphics&) = delete;
-    virtual ~modGraphics();
+
+    virtual ~modGraphics() { ::operator delete(interface); }
 
     void load_bitmap(const std::string& name, void* width, void* height, void* pixels) const {
         call_entry(interface, &GraphicsTable::load_bitmap, name.c_str(), width, height, pixels);
@@ -76,7 +80,8 @@ public:
     modInput() = default;
     modInput(const modInput&) = delete;
     modInput& operator=(const modInput&) = delete;
-    virtual ~modInput();
+
+    virtual ~modInput() { ::operator delete(interface); }
 
     bool key_down(std::uint16_t code) const {
         return call_entry(interface, &InputTable::key_down, code);
@@ -124,7 +129,8 @@ public:
     modSystem() = default;
     modSystem(const modSystem&) = delete;
     modSystem& operator=(const modSystem&) = delete;
-    virtual ~modSystem();
+
+    virtual ~modSystem() { ::operator delete(interface); }
 
     void pause(const double& seconds) const { call_entry(interface, &SystemTable::pause, seconds); }
 
@@ -136,7 +142,8 @@ public:
     modNetwork();
     modNetwork(const modNetwork&) = delete;
     modNetwork& operator=(const modNetwork&) = delete;
-    virtual ~modNetwork();
+
+    virtual ~modNetwork() { ::operator delete(interface); }
 
     bool statusFlag = false; // for host-side code, like the word behind it
     std::uintptr_t spareWord;
@@ -150,7 +157,8 @@ public:
     modAudio();
     modAudio(const modAudio&) = delete;
     modAudio& operator=(const modAudio&) = delete;
-    virtual ~modAudio();
+
+    virtual ~modAudio() { ::operator delete(interface); }
 
     void** interface = nullptr;
     std::unique_ptr<cInterfaceView> view0;

@@ -72,7 +72,7 @@ cPlugin::cPlugin(void* loaded_library, void* const (&entry_points)[6])
     std::printf("loading plugin: %s\n", get_plugin_name());
 }
 
-cPlugin::~cPlugin() {
+void cPlugin::end() {
     if (initialised)
         shutdown();
     platform::release_library(library);

@@ -21,7 +21,8 @@ public:
     cPlugin(void* loaded_library, void* const (&entry_points)[6]);
     cPlugin(const cPlugin&) = delete;
     cPlugin& operator=(const cPlugin&) = delete;
-    virtual ~cPlugin();
+
+    virtual ~cPlugin() { end(); } // in here, as plug-ins need the class's type information
 
     // Offers the plug-in every free module, and tells whether it took one.
     bool connect();
@@ -40,6 +41,7 @@ public:
     void (*get_plugin_prereqs)(DSParray<std::string>& names);
 
 private:
+    void end();
     bool prerequisites_are_met() const;
     bool serve(const Service& service);
 };

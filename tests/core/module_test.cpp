@@ -29,13 +29,18 @@ public:
 
 TEST(Modules, AccessorsGiveOneObjectEach) {
     const LoadedLibrary library;
-    for (const char* name : {"__mCore_instance", "__mGraphics_instance", "__mInput_instance",
-                             "__mSystem_instance", "__mNetwork_instance", "__mAudio_instance",
-                             "__mPhysics_instance", "__mFileOps_instance"}) {
-        auto* instance = library.function<void*()>(name);
-        EXPECT_NE(instance(), nullptr) << name;
-        EXPECT_EQ(instance(), instance()) << name;
-    }
+    const auto expect_one = [](auto* instance) {
+        EXPECT_NE(instance(), nullptr);
+        EXPECT_EQ(instance(), instance());
+    };
+    expect_one(EXPORT_OF(library, __mCore_instance));
+    expect_one(EXPORT_OF(library, __mGraphics_instance));
+    expect_one(EXPORT_OF(library, __mInput_instance));
+    expect_one(EXPORT_OF(library, __mSystem_instance));
+    expect_one(EXPORT_OF(library, __mNetwork_instance));
+    expect_one(EXPORT_OF(library, __mAudio_instance));
+    expect_one(EXPORT_OF(library, __mPhysics_instance));
+    expect_one(EXPORT_OF(library, __mFileOps_instance));
 }
 
 TEST(Modules, ViewsSeeTheTableOfTheirModule) {
