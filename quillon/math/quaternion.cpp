@@ -1,0 +1,143 @@
+#include "quillon/math/quaternion.h"
+
+#include "quillon/math/matrix.h"
+#include "quillon/math/text_fields.h"
+#include "quillon/math/trigonometry.h"
+#include "quillon/platform/random.h"
+
+#include <cmath>
+
+using quillon::cMatrix3D;
+using quillon::cQuaternion;
+using quillon::cVector3D;
+
+namespace {
+
+// How the components follow from a rotation matrix when one of them is the main one.
+struct Reading {
+    int main;
+    int k1, k2, k3;
+    double s0, s1, s2;
+};
+
+enum Component { X, Y, Z, W };
+
+constexpr Reading from_w{W, Z, Y, X, 1.0, 1.0, 1.0};
+constexpr Reading from_x{X, Y, Z, W, 1.0, -1.0, -1.0};
+constexpr Reading from_y{Y, X, W, Z, -1.0, 1.0, -1.0};
+constexpr Reading from_z{Z, W, X, Y, -1.0, -1.0, 1.0};
+
+// The reading whose main component is far enough from 0 to divide by.
+const Reading& reading_of(const cMatrix3D& matrix) {
+    const auto& m = matrix.m;
+    if (m[0][0] + m[1][1] + m[2][2] > 0.0)
+        return from_w;
+    if (m[1][1] < m[0][0] && m[2][2] < m[0][0])
+        return from_x;
+    return m[2][2] < m[1][1] ? from_y : from_z;
+}
+
+// Turns `q` about `axis`, which turns with it.
+void turn(cQuaternion& q, cVector3D axis, double angle) {
+    axis *= q;
+    q *= cQuaternion(axis, angle);
+}
+
+// fa * a + fb * b, component by component.
+void blend(cQuaternion& q, double fa, const cQuaternion& a, double fb, const cQuaternion& b) {
+    q.set(fa * a.x + fb * b.x, fa * a.y + fb * b.y, fa * a.z + fb * b.z, fa * a.w + fb * b.w);
+}
+
+double random_angle() {
+    return quillon::platform::runtime_rand() / 32767.0 * quillon::PI * 2.0;
+}
+
+} // namespace
+
+void __cQuaternion_from_axis_angle(cQuaternion& q, const cVector3D& axis, const double& angle) {
+    const double half = angle / 2.0;
+    const double s = std::sin(half);
+    q.set(s * axis.x, s * axis.y, s * axis.z, std::cos(half));
+}
+
+void __cQuaternion_from_euler(cQuaternion& q, const cVector3D& e) {
+    __cQuaternion_from_euler_components(q, e.x, e.y, e.z);
+}
+
+void __cQuaternion_from_euler_components(cQuaternion& q, const double& pitch, const double& yaw,
+                                         const double& roll) {
+    const cQuaternion qr(0.0, 0.0, std::sin(-roll / 2.0), std::cos(-roll / 2.0));
+    const cQuaternion qp(std::sin(-pitch / 2.0), 0.0, 0.0, std::cos(-pitch / 2.0));
+    const cQuaternion qy(0.0, std::sin(yaw / 2.0), 0.0, std::cos(yaw / 2.0));
+    q = qr * qy * qp;
+}
+
+void __cQuaternion_from_matrix(cQuaternion& q, const cMatrix3D& matrix) {
+    const auto& m = matrix.m;
+    const auto& [main, k1, k2, k3, s0, s1, s2] = reading_of(matrix);
+    const double f = s0 * m[0][0] + s1 * m[1][1] + s2 * m[2][2] + 1.0;
+    const double r = std::sqrt(1.0 / f) * 0.5;
+    q[main] = r * f;
+    q[k1] = (m[0][1] - s2 * m[1][0]) * r;
+    q[k2] = (m[2][0] - s1 * m[0][2]) * r;
+    q[k3] = (m[1][2] - s0 * m[2][1]) * r;
+}
+
+void __cQuaternion_yaw(cQuaternion& q, const double& angle) {
+    turn(q, quillon::VECTOR3D_UNIT_Y, angle);
+}
+
+void __cQuaternion_pitch(cQuaternion& q, const double& angle) {
+    turn(q, quillon::VECTOR3D_UNIT_X, -angle);
+}
+
+void __cQuaternion_roll(cQuaternion& q, const double& angle) {
+    turn(q, quillon::VECTOR3D_UNIT_Z, -angle);
+}
+
+void __cQuaternion_add(cQuaternion& q, const cQuaternion& b) {
+    q.set(q.x + b.x, q.y + b.y, q.z + b.z, q.w + b.w);
+}
+
+void __cQuaternion_subtract(cQuaternion& q, const cQuaternion& b) {
+    q.set(q.x - b.x, q.y - b.y, q.z - b.z, q.w - b.w);
+}
+
+void __cQuaternion_multiply(cQuaternion& q, const cQuaternion& b) {
+    q.set(q.x * b.w + q.y * b.z - q.z * b.y + q.w * b.x,
+          -q.x * b.z + q.y * b.w + q.z * b.x + q.w * b.y,
+          q.x * b.y - q.y * b.x + q.z * b.w + q.w * b.z,
+          -q.x * b.x - q.y * b.y - q.z * b.z + q.w * b.w);
+}
+
+void __cQuaternion_from_string(cQuaternion& q, const char* text) {
+    quillon::read_component_fields<16>(q, 4, text);
+}
+
+void __cQuaternion_slerp(cQuaternion& q, const cQuaternion& a, const cQuaternion& b, double t) {
+    cQuaternion near_b = b;
+    double d = a.w * b.w + a.x * b.x + a.y * b.y + a.z * b.z;
+    if (d < 0.0) {
+        near_b.set(-b.x, -b.y, -b.z, -b.w);
+        d = -d;
+    }
+    // Written so that a dot product that is not a number ends here too.
+    if (!(d < 1.0)) {
+        q = a;
+        return;
+    }
+    const double s = std::sqrt(1.0 - d * d);
+    if (s < 0.001) {
+        blend(q, 0.5, a, 0.5, near_b);
+        return;
+    }
+    const double theta = std::acos(d);
+    blend(q, sinTR((1.0 - t) * theta) / s, a, sinTR(t * theta) / s, near_b);
+}
+
+void __nsQuaternion_random(cQuaternion& q) {
+    const double roll = random_angle();
+    const double yaw = random_angle();
+    const double pitch = random_angle();
+    __cQuaternion_from_euler_components(q, pitch, yaw, roll);
+}

@@ -1,0 +1,159 @@
+// Quaternions: orientations in four numbers.
+//
+// Nothing here divides by the norm: a quaternion has unit length as far as the operations that made
+// it give that. Its matrix (see matrix.h) is the transpose of the usual formula, so pitch and roll
+// enter with a negative half angle, and quaternions and matrices turn the same way.
+// Sines and cosines are the runtime's, save in __cQuaternion_slerp, and angles are radians.
+#pragma once
+
+#include "quillon/export.h"
+#include "quillon/math/serializable.h"
+#include "quillon/math/vector.h"
+
+#include <cstdint>
+
+extern "C" {
+
+// Sets `q` to the rotation by `angle` about `axis`; an axis of another length than 1 gives a
+// quaternion of another norm than 1.
+QUILLON_API void __cQuaternion_from_axis_angle(quillon::cQuaternion& q,
+                                               const quillon::cVector3D& axis, const double& angle);
+
+// Set `q` to pitch, then yaw, then roll: its matrix is pitch times yaw times roll.
+//
+// `e` holds the pitch in x, the yaw in y, the roll in z. __nsMatrix3d_euler has another order.
+QUILLON_API void __cQuaternion_from_euler(quillon::cQuaternion& q, const quillon::cVector3D& e);
+QUILLON_API void __cQuaternion_from_euler_components(quillon::cQuaternion& q, const double& pitch,
+                                                     const double& yaw, const double& roll);
+
+// Sets `q` to the quaternion of the rotation `m`, which gives that matrix back.
+//
+// Another matrix than a rotation gives the float results of the divisions and roots that it meets.
+QUILLON_API void __cQuaternion_from_matrix(quillon::cQuaternion& q, const quillon::cMatrix3D& m);
+
+// Turn `q` about its own axis, as __cMatrix3d_yaw and its sisters turn its matrix.
+QUILLON_API void __cQuaternion_yaw(quillon::cQuaternion& q, const double& angle);
+QUILLON_API void __cQuaternion_pitch(quillon::cQuaternion& q, const double& angle);
+QUILLON_API void __cQuaternion_roll(quillon::cQuaternion& q, const double& angle);
+
+// Add `b` to `q` or take it off, component by component.
+QUILLON_API void __cQuaternion_add(quillon::cQuaternion& q, const quillon::cQuaternion& b);
+QUILLON_API void __cQuaternion_subtract(quillon::cQuaternion& q, const quillon::cQuaternion& b);
+
+// Sets `q` to the Hamilton product `q` times `b`, which may be `q` itself.
+QUILLON_API void __cQuaternion_multiply(quillon::cQuaternion& q, const quillon::cQuaternion& b);
+
+// Reads the text form "x#y#z#w#" into `q`.
+//
+// A component for which no closed field arrives keeps its value, and fields beyond the fourth are
+// skipped. A field that is no number gives 0; its characters beyond the 15th are dropped.
+QUILLON_API void __cQuaternion_from_string(quillon::cQuaternion& q, const char* text);
+
+// Sets `q` to the blend of `a` and `b` along the shorter arc: spherical linear interpolation with
+// weights in table steps of 0.005 degree of arc, not normalised again.
+//
+// `t` goes from 0 (`a`, up to a table step) to 1. Where the arc is under 0.001 the result is the
+// mean whatever `t` is, and where the dot product reaches 1 it is `a`. `q` may be `a` or `b`.
+// Before __init_trig_tables a blend gives zeros.
+QUILLON_API void __cQuaternion_slerp(quillon::cQuaternion& q, const quillon::cQuaternion& a,
+                                     const quillon::cQuaternion& b, double t);
+
+// Sets `q` from three random euler angles of up to one turn, drawn from the runtime's rand, which
+// the host seeds: roll, then yaw, then pitch. Not uniform over rotations.
+QUILLON_API void __nsQuaternion_random(quillon::cQuaternion& q);
+}
+
+namespace quillon {
+
+// Vector part x, y, z and scalar part w, 64-bit; a new one is the identity.
+//
+// Flat form: x, y, z, w as 32-bit floats, 16 bytes.
+// An index outside 0 to 3 refers to a scratch zero, which is shared and belongs to no quaternion.
+class cQuaternion : public cSerializable {
+public:
+    double x = 0.0;
+    double y = 0.0;
+    double z = 0.0;
+    double w = 1.0;
+
+    constexpr cQuaternion() = default;
+
+    constexpr cQuaternion(const double& x_value, const double& y_value, const double& z_value,
+                          const double& w_value)
+        : x(x_value), y(y_value), z(z_value), w(w_value) {}
+
+    constexpr cQuaternion(const cQuaternion&) = default;
+
+    cQuaternion(const cVector3D& axis, const double& angle) {
+        __cQuaternion_from_axis_angle(*this, axis, angle);
+    }
+
+    constexpr cQuaternion& operator=(const cQuaternion&) = default;
+
+    std::uint32_t serialize(std::uint8_t* buffer) const override {
+        detail::write_components<float>(buffer, *this, 4);
+        return serialized_size();
+    }
+
+    std::uint32_t deserialize(const std::uint8_t* buffer) override {
+        detail::read_components<float>(buffer, *this, 4);
+        return serialized_size();
+    }
+
+    std::uint32_t serialized_size() const override { return 4 * sizeof(float); }
+
+    constexpr virtual ~cQuaternion() {} // NOLINT(modernize-use-equals-default)
+
+    constexpr cQuaternion& set(double x_value, double y_value, double z_value, double w_value) {
+        x = x_value;
+        y = y_value;
+        z = z_value;
+        w = w_value;
+        return *this;
+    }
+
+    constexpr double& operator[](int index) {
+        switch (index) {
+        case 0:
+            return x;
+        case 1:
+            return y;
+        case 2:
+            return z;
+        case 3:
+            return w;
+        default:
+            return detail::zeroed(detail::writable_scratch<cQuaternion, double>);
+        }
+    }
+
+    constexpr const double& operator[](int index) const {
+        switch (index) {
+        case 0:
+            return x;
+        case 1:
+            return y;
+        case 2:
+            return z;
+        case 3:
+            return w;
+        default:
+            return detail::zeroed(detail::readable_scratch<cQuaternion, double>);
+        }
+    }
+
+    cQuaternion& operator*=(const cQuaternion& b) {
+        __cQuaternion_multiply(*this, b);
+        return *this;
+    }
+
+    cQuaternion operator*(const cQuaternion& b) const {
+        cQuaternion product = *this;
+        product *= b;
+        return product;
+    }
+};
+
+constexpr cQuaternion QUATERNION_IDENTITY(0.0, 0.0, 0.0, 1.0);
+
+} // namespace quillon

@@ -1,0 +1,268 @@
+#include "quillon/math/spline.h"
+
+#include "quillon/math/text_fields.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <string_view>
+
+using quillon::cSpline3D;
+using quillon::cVector3D;
+
+namespace {
+
+constexpr std::int32_t most_points = std::numeric_limits<std::int32_t>::max();
+
+// Frees the array and owns `fresh`, which was made first so that a failure leaves the spline whole.
+void own(cSpline3D& s, cVector3D* fresh, std::int32_t capacity) {
+    delete[] s.points;
+    s.points = fresh;
+    s.capacity = capacity;
+}
+
+// The first of `capacity` and the powers of two above it that holds `needed` points.
+std::int32_t grown(std::int32_t capacity, std::int32_t needed) {
+    std::int64_t result = capacity;
+    while (result < needed)
+        result = std::int64_t{1} << std::bit_width(static_cast<std::uint64_t>(result));
+    return static_cast<std::int32_t>(std::min<std::int64_t>(result, most_points));
+}
+
+// Where a parameter falls: `fraction` of the way from point `index` to the next.
+struct Place {
+    std::int32_t index;
+    double fraction;
+};
+
+Place place_of(const cSpline3D& s, double t) {
+    constexpr double limit = 1 << 30;
+    t = std::clamp(t, -limit, limit);
+    Place place{std::isnan(t) ? 0 : static_cast<std::int32_t>(t), 0.0};
+    place.fraction = t - place.index;
+    if (place.index == s.count - 1 && place.fraction == 0.0)
+        place = {place.index - 1, 1.0};
+    return place;
+}
+
+// The point at any index, wrapped or clamped; the spline has at least one.
+const cVector3D& point_at(const cSpline3D& s, std::int32_t index) {
+    if (index >= 0 && index < s.count)
+        return s.points[index];
+    if (!s.closed)
+        return s.points[index < 0 ? 0 : s.count - 1];
+    const std::int32_t rest = index % s.count;
+    return s.points[rest < 0 ? rest + s.count : rest];
+}
+
+// The cubic Bezier segment from one point to the next, its inner control points taken three times.
+class Segment {
+public:
+    Segment(const cSpline3D& s, std::int32_t index)
+        : start(&point_at(s, index)), end(&point_at(s, index + 1)) {
+        const cVector3D chord = *end - *start;
+        const double length = chord.length();
+        cVector3D leaving = unit(chord, length);
+        if (index > 0)
+            leaving = (leaving + (*start - point_at(s, index - 1)).normalized()).normalized();
+        cVector3D arriving = unit(*start - *end, length);
+        if (index < s.count - 2)
+            arriving = (arriving + (*end - point_at(s, index + 2)).normalized()).normalized();
+        start_handle = (*start + leaving * length / 3.0) * 3.0;
+        end_handle = (*end + arriving * length / 3.0) * 3.0;
+    }
+
+    cVector3D at(double u) const {
+        const double v = 1.0 - u;
+        return *start * (v * v * v) + start_handle * (v * v * u) + end_handle * (v * u * u) +
+               *end * (u * u * u);
+    }
+
+private:
+    static cVector3D unit(const cVector3D& v, double length) {
+        return length == 0.0 ? v : v / length;
+    }
+
+    const cVector3D* start;
+    const cVector3D* end;
+    cVector3D start_handle;
+    cVector3D end_handle;
+};
+
+// Reads a smooth path at one parameter after another; neighbours mostly share a segment.
+class SmoothReader {
+public:
+    explicit SmoothReader(const cSpline3D& spline) : s(spline), index(0), segment(spline, 0) {}
+
+    cVector3D at(double t) {
+        const Place place = place_of(s, t);
+        if (place.index != index) {
+            index = place.index;
+            segment = Segment(s, index);
+        }
+        return segment.at(place.fraction);
+    }
+
+private:
+    const cSpline3D& s;
+    std::int32_t index;
+    Segment segment;
+};
+
+// `t` brought into 0 to `turn`, both ends included, by whole turns, and in bounded time.
+//
+// Below 2^53 each subtraction of a whole `turn` would be exact, and so is the remainder.
+double wrapped(double t, double turn) {
+    if (t < 0.0)
+        t = t >= -turn ? t + turn : std::fmod(t, turn) + turn;
+    if (t > turn)
+        t = t <= turn + turn ? t - turn : std::fmod(t, turn);
+    return t;
+}
+
+// The number of points that a text's first field announces and its other fields can account for.
+std::int32_t announced_points(const char* field, std::string_view text) {
+    constexpr std::ptrdiff_t taken_on_trust = 32767;
+    const std::ptrdiff_t fields = std::count(text.begin(), text.end(), '#') - 1;
+    const std::ptrdiff_t limit = std::max(taken_on_trust, (fields + 2) / 3);
+    const long announced = std::clamp(std::strtol(field, nullptr, 10), 0L, long{most_points});
+    return static_cast<std::int32_t>(std::min<std::ptrdiff_t>(announced, limit));
+}
+
+} // namespace
+
+void __cSpline3d_create_empty(cSpline3D& s, std::uint32_t capacity) {
+    if (capacity > static_cast<std::uint32_t>(most_points))
+        throw std::bad_array_new_length();
+    s.points = new cVector3D[capacity];
+    s.capacity = static_cast<std::int32_t>(capacity);
+    s.count = 0;
+}
+
+void __cSpline3d_create_with_control_points(cSpline3D& s, const cVector3D* points,
+                                            std::int32_t count) {
+    __cSpline3d_create_empty(s, static_cast<std::uint32_t>(std::max(count, 0)));
+    s.count = s.capacity;
+    std::copy_n(points, s.count, s.points);
+}
+
+void __cSpline3d_expand_array(cSpline3D& s, std::int32_t needed) {
+    const std::int32_t capacity = grown(s.capacity, needed);
+    auto* fresh = new cVector3D[capacity];
+    std::copy_n(s.points, s.count, fresh);
+    own(s, fresh, capacity);
+}
+
+void __cSpline3d_add_control_point(cSpline3D& s, const cVector3D& point) {
+    const cVector3D kept = point;
+    if (s.count >= s.capacity)
+        __cSpline3d_expand_array(s, s.count + 1);
+    s.points[s.count++] = kept;
+}
+
+void __cSpline3d_get_hard_value(const cSpline3D& s, cVector3D& out, double t) {
+    if (s.count <= 0) {
+        out = quillon::VECTOR3D_ZERO;
+        return;
+    }
+    const Place place = place_of(s, t);
+    const cVector3D& start = point_at(s, place.index);
+    const cVector3D& end = point_at(s, place.index + 1);
+    out = start + (end - start) * place.fraction;
+}
+
+void __cSpline3d_get_smooth_value(const cSpline3D& s, cVector3D& out, double t) {
+    if (s.count <= 0) {
+        out = quillon::VECTOR3D_ZERO;
+        return;
+    }
+    const Place place = place_of(s, t);
+    out = Segment(s, place.index).at(place.fraction);
+}
+
+double __cSpline3d_get_value_closest_to(const cSpline3D& s, const cVector3D& target,
+                                        double tolerance, std::uint32_t iterations) {
+    if (s.count <= 0)
+        return 0.0;
+    std::int32_t nearest = -1;
+    double distance = target.squared_length();
+    for (std::int32_t i = 0; i < s.count; ++i) {
+        const double candidate = (s.points[i] - target).squared_length();
+        if (candidate < distance) {
+            nearest = i;
+            distance = candidate;
+        }
+    }
+    double t = std::max(nearest, 0);
+    if (!(tolerance * tolerance < distance) || iterations == 0)
+        return t;
+
+    SmoothReader path(s);
+    cVector3D value = nearest < 0 ? quillon::VECTOR3D_ZERO : path.at(t);
+    const double step = std::max(tolerance, 0.0001);
+    for (; iterations > 0; --iterations) {
+        const cVector3D chord = path.at(t + step) - value;
+        const double length = chord.length();
+        t += (target - value).dot(chord / length) * (step / length);
+        if (s.closed)
+            t = wrapped(t, s.count);
+        value = path.at(t);
+    }
+    return t;
+}
+
+void __cSpline3d_set_by_spline(cSpline3D& s, const cSpline3D& source) {
+    if (&s == &source)
+        return;
+    auto* fresh = new cVector3D[source.capacity];
+    std::copy_n(source.points, source.count, fresh);
+    own(s, fresh, source.capacity);
+    s.count = source.count;
+    s.closed = source.closed;
+}
+
+bool __cSpline3d_is_equal_to(const cSpline3D& s, const cSpline3D& other) {
+    constexpr double tolerance = 1e-6F;
+    if (s.closed != other.closed || s.count != other.count)
+        return false;
+    for (std::int32_t i = 0; i < s.count; ++i)
+        if ((s.points[i] - other.points[i]).squared_length() > tolerance * tolerance)
+            return false;
+    return true;
+}
+
+void __cSpline3d_spline_to_string(const cSpline3D& s, char* text) {
+    text += std::sprintf(text, "%c%i#", s.closed ? 'C' : 'S', s.count);
+    for (std::int32_t i = 0; i < s.count; ++i) {
+        const cVector3D& p = s.points[i];
+        char piece[48];
+        int length = std::snprintf(piece, sizeof piece, "%.3f#%.3f#%.3f#", p.x, p.y, p.z);
+        if (length >= static_cast<int>(sizeof piece))
+            length = std::snprintf(piece, sizeof piece, "%.6e#%.6e#%.6e#", p.x, p.y, p.z);
+        std::memcpy(text, piece, length + 1);
+        text += length;
+    }
+}
+
+void __cSpline3d_spline_from_string(cSpline3D& s, const char* text) {
+    const bool closed = *text == 'C';
+    if (*text != '\0')
+        ++text;
+    quillon::TextFields<24> fields(text);
+    const char* field = fields.next();
+    const std::int32_t count = field == nullptr ? 0 : announced_points(field, text);
+    own(s, new cVector3D[count], count);
+    s.count = count;
+    s.closed = closed;
+    for (std::int32_t i = 0; i < count; ++i)
+        for (int component = 0; component < 3; ++component) {
+            field = fields.next();
+            if (field == nullptr)
+                return;
+            s.points[i][component] = quillon::field_to_double(field);
+        }
+}

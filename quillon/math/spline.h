@@ -1,0 +1,167 @@
+// Paths through control points, read at a parameter that runs over their indices: 2.5 lies halfway
+// between points 2 and 3.
+#pragma once
+
+#include "quillon/export.h"
+#include "quillon/math/serializable.h"
+#include "quillon/math/vector.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <utility>
+
+namespace quillon {
+
+class cSpline3D;
+
+} // namespace quillon
+
+extern "C" {
+
+// Give a new spline an array of `capacity` points at (0, 0, 0), or of the `count` points at
+// `points`.
+//
+// An array that the spline has is left to the caller, not freed, and `closed` stays.
+// A negative `count` is taken as 0.
+QUILLON_API void __cSpline3d_create_empty(quillon::cSpline3D& s, std::uint32_t capacity);
+QUILLON_API void __cSpline3d_create_with_control_points(quillon::cSpline3D& s,
+                                                        const quillon::cVector3D* points,
+                                                        std::int32_t count);
+
+// Rebuilds the array with the first capacity that holds `needed` points: the present one, or a
+// power of two above it.
+QUILLON_API void __cSpline3d_expand_array(quillon::cSpline3D& s, std::int32_t needed);
+
+// Appends `point`, which may be one of the spline's own.
+QUILLON_API void __cSpline3d_add_control_point(quillon::cSpline3D& s,
+                                               const quillon::cVector3D& point);
+
+// Set `out` to the path at `t`: on the straight line between two points, or on a cubic Bezier
+// segment whose tangent at a point bisects the directions of its two segments.
+//
+// On an open spline the points beyond an end are the end; below 0 the first segment goes on
+// straight or along its cubic. A closed one wraps, with one-sided tangents, hence a corner, where
+// it starts. A spline without points gives (0, 0, 0). `t` is limited to 2^30 either way, and one
+// that is no number gives none.
+QUILLON_API void __cSpline3d_get_hard_value(const quillon::cSpline3D& s, quillon::cVector3D& out,
+                                            double t);
+QUILLON_API void __cSpline3d_get_smooth_value(const quillon::cSpline3D& s, quillon::cVector3D& out,
+                                              double t);
+
+// The parameter of the smooth path near `target`: that of the nearest control point, refined along
+// the path by `iterations` projections onto its chord.
+//
+// Not refined if that point is within `tolerance`, and never clamped on an open spline.
+// 0 if no point is nearer than (0, 0, 0), to begin with, and on a spline without points.
+// The chord is taken over `tolerance` or 0.0001; where it has no length the result means nothing.
+QUILLON_API double __cSpline3d_get_value_closest_to(const quillon::cSpline3D& s,
+                                                    const quillon::cVector3D& target,
+                                                    double tolerance, std::uint32_t iterations);
+
+// Makes `s` a copy of `source`, capacity included; a spline set by itself stays as it is.
+QUILLON_API void __cSpline3d_set_by_spline(quillon::cSpline3D& s, const quillon::cSpline3D& source);
+
+// True if both are open or both closed, with as many points, each within 1e-6 of its counterpart.
+QUILLON_API bool __cSpline3d_is_equal_to(const quillon::cSpline3D& s,
+                                         const quillon::cSpline3D& other);
+
+// Writes the text form to `text`: "C" or "S" for closed or open, the number of points, "#", then
+// three fields of three decimals a point, each closed by "#".
+//
+// At most 12 characters and 47 a point, with a terminating zero behind: a point that takes more has
+// its fields written with an exponent and seven digits.
+QUILLON_API void __cSpline3d_spline_to_string(const quillon::cSpline3D& s, char* text);
+
+// Replaces `s` by the spline of a text form; capacity becomes the number of points.
+//
+// Points without fields are (0, 0, 0), surplus fields are skipped, and characters of a field beyond
+// the 23rd are dropped. A text without a closed first field, or with a negative number in it, gives
+// no points. A number above 32767 holds only so far as the text has fields for its points.
+QUILLON_API void __cSpline3d_spline_from_string(quillon::cSpline3D& s, const char* text);
+}
+
+namespace quillon {
+
+// An array of control points that the spline owns, open or closed.
+//
+// Flat form: count and capacity as 32-bit integers, closed as one byte, then each point's flat
+// form; serialized_size also counts the unused capacity, 9 + 12 * capacity bytes. Every operation
+// takes any number of points that memory holds.
+class cSpline3D : public cSerializable {
+public:
+    cVector3D* points = nullptr; // capacity elements, from new[]
+    std::int32_t count = 0;
+    std::int32_t capacity = 0;
+    bool closed = false;
+
+    // A spline of the points that are not null, in order, with room for eight.
+    explicit cSpline3D(bool closed_path = false, const cVector3D* p0 = nullptr,
+                       const cVector3D* p1 = nullptr, const cVector3D* p2 = nullptr,
+                       const cVector3D* p3 = nullptr, const cVector3D* p4 = nullptr,
+                       const cVector3D* p5 = nullptr, const cVector3D* p6 = nullptr,
+                       const cVector3D* p7 = nullptr) {
+        __cSpline3d_create_empty(*this, 8);
+        for (const cVector3D* point : {p0, p1, p2, p3, p4, p5, p6, p7})
+            if (point != nullptr)
+                __cSpline3d_add_control_point(*this, *point);
+        closed = closed_path;
+    }
+
+    cSpline3D(const cSpline3D& source) : cSerializable() {
+        __cSpline3d_set_by_spline(*this, source);
+    }
+
+    // The source is left open or closed as it was, without points and without an array.
+    cSpline3D(cSpline3D&& source) noexcept
+        : points(std::exchange(source.points, nullptr)),
+          count(std::exchange(source.count, 0)),
+          capacity(std::exchange(source.capacity, 0)),
+          closed(source.closed) {}
+
+    cSpline3D& operator=(const cSpline3D& source) {
+        __cSpline3d_set_by_spline(*this, source);
+        return *this;
+    }
+
+    // Exchanges the two.
+    cSpline3D& operator=(cSpline3D&& source) noexcept {
+        std::swap(points, source.points);
+        std::swap(count, source.count);
+        std::swap(capacity, source.capacity);
+        std::swap(closed, source.closed);
+        return *this;
+    }
+
+    std::uint32_t serialize(std::uint8_t* buffer) const override {
+        detail::write_scalar<std::int32_t>(buffer, count);
+        detail::write_scalar<std::int32_t>(buffer + 4, capacity);
+        buffer[8] = closed ? 1 : 0;
+        std::uint64_t offset = 9;
+        for (std::int32_t i = 0; i < count; ++i)
+            offset += points[i].serialize(buffer + offset);
+        return serialized_size();
+    }
+
+    // A negative capacity is taken as 0, and a count that it does not hold is brought into it.
+    std::uint32_t deserialize(const std::uint8_t* buffer) override {
+        const std::int32_t room = std::max(detail::read_scalar<std::int32_t>(buffer + 4), 0);
+        auto* fresh = new cVector3D[room];
+        delete[] points;
+        points = fresh;
+        capacity = room;
+        count = std::clamp(detail::read_scalar<std::int32_t>(buffer), 0, room);
+        closed = buffer[8] != 0;
+        std::uint64_t offset = 9;
+        for (std::int32_t i = 0; i < count; ++i)
+            offset += points[i].deserialize(buffer + offset);
+        return serialized_size();
+    }
+
+    std::uint32_t serialized_size() const override {
+        return 9 + 12 * static_cast<std::uint32_t>(capacity);
+    }
+
+    virtual ~cSpline3D() { delete[] points; }
+};
+
+} // namespace quillon
