@@ -1,5 +1,5 @@
-// Matrices, quaternions and splines computed in the plainest way: what the library is timed against,
-// and what it has to equal bit for bit.
+// Matrices, quaternions and splines computed in the plainest way: what the library is timed
+// against, and what it has to equal bit for bit.
 #pragma once
 
 #include "quillon/quillon.h"

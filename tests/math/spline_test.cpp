@@ -1,0 +1,298 @@
+#include "quillon/math/spline.h"
+
+#include "bench/math/plain.h"
+#include "random_values.h"
+
+#include <cstring>
+#include <memory>
+#include <string>
+#include <vector>
+
+using quillon::close_to;
+using quillon::cSpline3D;
+using quillon::cVector3D;
+using quillon::Numbers;
+using quillon::same_bits;
+
+namespace {
+
+constexpr cVector3D a(0, 0, 0);
+constexpr cVector3D b(1, 2, 3);
+constexpr cVector3D c(4, -1, 0.5);
+
+using Value = void (*)(const cSpline3D&, cVector3D&, double);
+constexpr Value both_values[] = {__cSpline3d_get_hard_value, __cSpline3d_get_smooth_value};
+
+cVector3D value_at(Value value, const cSpline3D& s, double t) {
+    cVector3D out(9, 9, 9);
+    value(s, out, t);
+    return out;
+}
+
+cSpline3D random_spline(Numbers& numbers, int count, bool closed) {
+    cSpline3D s(closed);
+    while (s.count < count) {
+        // Repeated points, and chords whose length is exactly 0 or 1, take ways of their own.
+        const bool repeat = s.count > 0 && numbers.next() > 1.5;
+        const double step = numbers.next() > 0.0 ? 1.0 : 0.0;
+        const cVector3D fresh = numbers.vector();
+        __cSpline3d_add_control_point(s, repeat ? s.points[s.count - 1] + cVector3D(0, step, 0)
+                                                : fresh);
+    }
+    return s;
+}
+
+std::string text_of(const cSpline3D& s) {
+    std::vector<char> text(12 + 47 * s.count + 1, '?');
+    __cSpline3d_spline_to_string(s, text.data());
+    return text.data();
+}
+
+} // namespace
+
+TEST(Spline3D, ValuesEqualThePlainOnesBitForBit) {
+    Numbers numbers;
+    for (int i = 0; i < 600; ++i) {
+        numbers.awkward = i % 2 == 0;
+        const cSpline3D s = random_spline(numbers, 1 + i % 9, i % 4 < 2);
+        for (double t = -2.0; t <= s.count + 2; t += 0.125) {
+            SCOPED_TRACE(testing::Message() << "spline " << i << ", t " << t);
+            ASSERT_TRUE(
+                same_bits(plain::hard_value(s, t), value_at(__cSpline3d_get_hard_value, s, t), 3));
+            ASSERT_TRUE(same_bits(plain::smooth_value(s, t),
+                                  value_at(__cSpline3d_get_smooth_value, s, t), 3));
+        }
+    }
+}
+
+TEST(Spline3D, ClosestParameterEqualsThePlainOneBitForBit) {
+    Numbers numbers;
+    numbers.awkward = false;
+    for (int i = 0; i < 2000; ++i) {
+        const cSpline3D s = random_spline(numbers, 2 + i % 7, i % 2 == 0);
+        const cVector3D target = numbers.vector();
+        const double tolerance = i % 3 * 0.05;
+        const double expected = plain::value_closest_to(s, target, tolerance, i % 12);
+        // Some searches leave an open spline for good: the plain index ends at 16 bits.
+        if (!(std::abs(expected) < 1000.0))
+            continue;
+        ASSERT_EQ(expected, __cSpline3d_get_value_closest_to(s, target, tolerance, i % 12)) << i;
+    }
+}
+
+TEST(Spline3D, ClosestParameterAtItsEdges) {
+    const cSpline3D s(false, &a, &b, &c);
+    EXPECT_EQ(1.0, __cSpline3d_get_value_closest_to(s, b, 0.1, 100));
+    EXPECT_EQ(2.0, __cSpline3d_get_value_closest_to(s, c + cVector3D(0, 0.05, 0), 0.1, 100));
+    EXPECT_EQ(2.0, __cSpline3d_get_value_closest_to(s, c + cVector3D(0, 0.05, 0), 0.0, 0));
+    const double beside = __cSpline3d_get_value_closest_to(s, c * 0.9 + b * 0.1, 0.0, 20);
+    EXPECT_GT(2.0, beside);
+    EXPECT_LT(1.5, beside);
+    // One point, one place: the chord has no length, and the search still ends.
+    const cSpline3D point(true, &b);
+    EXPECT_TRUE(std::isnan(__cSpline3d_get_value_closest_to(point, c, 0.0, 5)));
+}
+
+TEST(Spline3D, WholeParametersGiveThePoints) {
+    for (const Value value : both_values) {
+        for (const bool closed : {false, true}) {
+            const cSpline3D s(closed, &b, nullptr, &a, &c);
+            for (int i = 0; i < 3; ++i)
+                EXPECT_TRUE(close_to(s.points[i], value_at(value, s, i), 3, 0.0)) << i;
+            EXPECT_TRUE(close_to(closed ? b : c, value_at(value, s, 3.0), 3, 1e-15));
+            EXPECT_TRUE(close_to(closed ? a : c, value_at(value, s, 100.0), 3, 1e-15));
+        }
+        const cSpline3D one(false, &c);
+        for (const double t : {-7.5, 0.0, 0.5, 1e9})
+            EXPECT_TRUE(close_to(c, value_at(value, one, t), 3, 1e-15)) << t;
+    }
+}
+
+TEST(Spline3D, StraightPointsGiveAStraightPath) {
+    const cVector3D far = b * 4.0;
+    const cSpline3D s(false, &a, &b, &far);
+    for (double t = 0.0; t <= 2.0; t += 0.1) {
+        const cVector3D v = value_at(__cSpline3d_get_smooth_value, s, t);
+        EXPECT_NEAR(0.0, v.cross(b).length(), 1e-14) << t;
+    }
+}
+
+TEST(Spline3D, NoParameterAndNoSplineReadsOutsideTheArray) {
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    const cSpline3D none;
+    for (const double t : {-infinity, -1e300, -4e9, -1.0, 0.5, 4e9, 1e300, infinity,
+                           std::numeric_limits<double>::quiet_NaN()}) {
+        for (const Value value : both_values) {
+            EXPECT_TRUE(same_bits(a, value_at(value, none, t), 3));
+            const cVector3D open = value_at(value, cSpline3D(false, &b, &c), t);
+            if (t < -1e9 || t > 1e9)
+                EXPECT_TRUE(close_to(t < 0.0 ? b : c, open, 3, 1e-15)) << t;
+            value_at(value, cSpline3D(true, &b, &c, &a), t);
+        }
+        const cVector3D target(t, t, t);
+        EXPECT_EQ(0.0, __cSpline3d_get_value_closest_to(none, target, 0.0, 9));
+        __cSpline3d_get_value_closest_to(cSpline3D(true, &b, &c, &a), target, 0.0, 9);
+    }
+}
+
+TEST(Spline3D, ArraysGrowByPowersOfTwo) {
+    const struct {
+        std::uint32_t capacity;
+        int needed;
+        int grown;
+    } cases[] = {{0, 1, 1}, {5, 6, 8}, {8, 9, 16}, {8, 40, 64}, {5, 5, 5}, {16, 3, 16}};
+
+    for (const auto& row : cases) {
+        cSpline3D s(std::move(cSpline3D()));
+        delete[] std::exchange(s.points, nullptr);
+        __cSpline3d_create_empty(s, row.capacity);
+        EXPECT_EQ(row.capacity, s.capacity);
+        __cSpline3d_expand_array(s, row.needed);
+        EXPECT_EQ(row.grown, s.capacity);
+        EXPECT_TRUE(same_bits(a, s.capacity > 0 ? s.points[s.capacity - 1] : a, 3));
+    }
+    cSpline3D s(true, &a, &b, &c, &a, &b, &c, &a, &c);
+    __cSpline3d_add_control_point(s, s.points[1]);
+    EXPECT_EQ(9, s.count);
+    EXPECT_EQ(16, s.capacity);
+    EXPECT_TRUE(same_bits(b, s.points[8], 3));
+    EXPECT_TRUE(same_bits(c, s.points[7], 3));
+}
+
+TEST(Spline3D, CreatingLeavesTheEarlierArrayToTheCaller) {
+    const cVector3D points[] = {b, c};
+    for (const int count : {2, 0, -3}) {
+        cSpline3D s(true, &a);
+        const std::unique_ptr<cVector3D[]> earlier(s.points);
+        __cSpline3d_create_with_control_points(s, points, count);
+        EXPECT_EQ(std::max(count, 0), s.count);
+        EXPECT_EQ(s.count, s.capacity);
+        EXPECT_TRUE(s.closed);
+        for (int i = 0; i < s.count; ++i)
+            EXPECT_TRUE(same_bits(points[i], s.points[i], 3));
+    }
+}
+
+TEST(Spline3D, CopiesAreTheirOwnAndMovesTakeTheArray) {
+    const cSpline3D original(true, &a, &b, &c);
+    cSpline3D copy(original);
+    EXPECT_NE(original.points, copy.points);
+    EXPECT_EQ(8, copy.capacity);
+    const cVector3D* array = copy.points;
+    copy = *&copy;
+    EXPECT_EQ(array, copy.points);
+    EXPECT_TRUE(__cSpline3d_is_equal_to(original, copy));
+
+    cSpline3D moved(std::move(copy));
+    EXPECT_EQ(array, moved.points);
+    __cSpline3d_add_control_point(copy, c); // NOLINT(bugprone-use-after-move)
+    EXPECT_EQ(1, copy.count);
+    copy = std::move(moved);
+    EXPECT_TRUE(__cSpline3d_is_equal_to(original, copy));
+    copy = cSpline3D(false, &c);
+    EXPECT_EQ(1, copy.count);
+    __cSpline3d_set_by_spline(copy, original);
+    EXPECT_TRUE(__cSpline3d_is_equal_to(original, copy));
+}
+
+TEST(Spline3D, EqualityIgnoresCapacityAndAllowsAMillionth) {
+    const cSpline3D s(false, &a, &b);
+    const cVector3D within = b + cVector3D(9e-7, 0, 0);
+    const cVector3D beyond = b + cVector3D(8e-7, 0, 8e-7);
+    cSpline3D roomy(s);
+    __cSpline3d_expand_array(roomy, 100);
+    EXPECT_TRUE(__cSpline3d_is_equal_to(s, roomy));
+    EXPECT_TRUE(__cSpline3d_is_equal_to(s, cSpline3D(false, &a, &within)));
+    EXPECT_FALSE(__cSpline3d_is_equal_to(s, cSpline3D(false, &a, &beyond)));
+    EXPECT_FALSE(__cSpline3d_is_equal_to(s, cSpline3D(true, &a, &b)));
+    EXPECT_FALSE(__cSpline3d_is_equal_to(s, cSpline3D(false, &a)));
+}
+
+TEST(Spline3D, TextIsReadWhateverItAnnounces) {
+    const struct {
+        const char* name;
+        const char* text;
+        bool closed;
+        int count;
+        cVector3D last;
+    } cases[] = {
+        {"two points", "S2#0.000#0.000#0.000#1.000#2.000#3.000#", false, 2, b},
+        {"closed without points", "C0#", true, 0, a},
+        {"another letter", "c1#1#2#3#", false, 1, b},
+        {"missing fields", "C3#1#2#3#", true, 3, a},
+        {"open last field", "S1#1#2#3", false, 1, {1, 2, 0}},
+        {"surplus fields", "S1#1#2#3#4#5#6#7#", false, 1, b},
+        {"no closed field", "C3", true, 0, a},
+        {"empty", "", false, 0, a},
+        {"negative", "S-4#1#2#3#", false, 0, a},
+        {"two billion points", "S2000000000#1#2#3#", false, 32767, a},
+        {"beyond all integers", "C99999999999999999999999#1#2#3#", true, 32767, a},
+        {"no number", "S#1#2#3#", false, 0, a},
+        {"cut field", "S1#1#2#3.00000000000000000000000000000000009#", false, 1, b},
+    };
+
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.name);
+        cSpline3D s(!row.closed, &c);
+        __cSpline3d_spline_from_string(s, row.text);
+        EXPECT_EQ(row.closed, s.closed);
+        EXPECT_EQ(row.count, s.count);
+        EXPECT_EQ(row.count, s.capacity);
+        EXPECT_TRUE(same_bits(row.last, s.count > 0 ? s.points[s.count - 1] : a, 3));
+    }
+}
+
+TEST(Spline3D, TextIsWrittenInThreeDecimalsOrInRoom) {
+    EXPECT_EQ("S2#0.000#0.000#0.000#1.000#2.000#3.000#", text_of(cSpline3D(false, &a, &b)));
+    EXPECT_EQ("C0#", text_of(cSpline3D(true)));
+    const cVector3D fits(99999999999.0, -9999999999.0, 9999999999.0); // 47 characters
+    EXPECT_EQ("S1#99999999999.000#-9999999999.000#9999999999.000#",
+              text_of(cSpline3D(false, &fits)));
+    const cVector3D overflows(-123456789012.0, 99999999999.0, 9999999999.0);
+    EXPECT_EQ("S2#-1.234568e+11#1.000000e+11#1.000000e+10#1.000#2.000#3.000#",
+              text_of(cSpline3D(false, &overflows, &b)));
+    constexpr double most = std::numeric_limits<double>::max();
+    const cVector3D longest(-most, -most, -most);
+    cSpline3D read;
+    __cSpline3d_spline_from_string(read, text_of(cSpline3D(false, &longest, &longest)).c_str());
+    EXPECT_NEAR(1.0, read.points[1].z / -most, 1e-6);
+}
+
+TEST(Spline3D, FlatFormCountsTheUnusedCapacityAtAnyAddress) {
+    const cSpline3D s(true, &b, &c);
+    std::vector<std::uint8_t> buffer(1 + 105, 0xEE);
+    EXPECT_EQ(105u, s.serialize(buffer.data() + 1));
+    EXPECT_EQ(1, buffer[9]);
+    EXPECT_EQ(0xEE, buffer[1 + 9 + 24]);
+    cSpline3D back(false, &a);
+    EXPECT_EQ(105u, back.deserialize(buffer.data() + 1));
+    EXPECT_TRUE(__cSpline3d_is_equal_to(s, back));
+
+    const std::int32_t headers[][2] = {{5, 2}, {-1, 2}, {2, -1}};
+    for (const auto& header : headers) {
+        std::memcpy(buffer.data() + 1, header, sizeof header);
+        back.deserialize(buffer.data() + 1);
+        EXPECT_LE(0, back.count);
+        EXPECT_LE(back.count, back.capacity);
+    }
+}
+
+TEST(Spline3D, MorePointsThanSixteenBitsName) {
+    constexpr int count = 70000;
+    cSpline3D s(true);
+    for (int i = 0; i < count; ++i)
+        __cSpline3d_add_control_point(s, cVector3D(i, 0, 1));
+    EXPECT_EQ(131072, s.capacity);
+    for (const Value value : both_values)
+        EXPECT_TRUE(close_to(cVector3D(69998.5, 0, 1), value_at(value, s, 69998.5), 3, 1e-9));
+    EXPECT_EQ(66000.0, __cSpline3d_get_value_closest_to(s, cVector3D(66000, 0, 1), 0.1, 3));
+    cSpline3D read;
+    __cSpline3d_spline_from_string(read, text_of(s).c_str());
+    EXPECT_TRUE(__cSpline3d_is_equal_to(s, read));
+    read.points[count - 1].x = 0;
+    EXPECT_FALSE(__cSpline3d_is_equal_to(s, read));
+    std::vector<std::uint8_t> buffer(s.serialized_size());
+    s.serialize(buffer.data());
+    read.deserialize(buffer.data());
+    EXPECT_TRUE(__cSpline3d_is_equal_to(s, read));
+}
