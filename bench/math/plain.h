@@ -147,6 +147,9 @@ inline double value_closest_to(const cSpline3D& s, const cVector3D& target, doub
         const double len = diff.length();
         const cVector3D dir = diff / len;
         t = t + (target - v).dot(dir) * (step / len);
+        // Left for good, where the loops below would not end and the index does not reach.
+        if (!(std::abs(t) < 32000.0))
+            return t;
         if (s.closed) {
             while (t < 0.0)
                 t += s.count;

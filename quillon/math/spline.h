@@ -53,7 +53,8 @@ QUILLON_API void __cSpline3d_get_smooth_value(const quillon::cSpline3D& s, quill
 //
 // Not refined if that point is within `tolerance`, and never clamped on an open spline.
 // 0 if no point is nearer than (0, 0, 0), to begin with, and on a spline without points.
-// The chord is taken over `tolerance` or 0.0001; where it has no length the result means nothing.
+// The chord is taken over `tolerance`, 0.0001 at least; where it has no length, as behind the last
+// point of an open spline, the result means nothing.
 QUILLON_API double __cSpline3d_get_value_closest_to(const quillon::cSpline3D& s,
                                                     const quillon::cVector3D& target,
                                                     double tolerance, std::uint32_t iterations);

@@ -173,7 +173,7 @@ TEST_F(Matrix3D, ElementwiseOperationsAndDeterminant) {
     __cMatrix3d_add(m, m);
     __cMatrix3d_subtract(m, cMatrix3D(1, 1, 1, 1, 1, 1, 1, 1, 0));
     EXPECT_TRUE(same_bits(cMatrix3D(1, 3, 5, 7, 9, 11, 13, 15, 18), m, 9));
-    EXPECT_EQ(-6.0, __cMatrix3d_get_determinant(m));
+    EXPECT_EQ(-12.0, __cMatrix3d_get_determinant(m));
     EXPECT_EQ(1.0, __cMatrix3d_get_determinant(quillon::MATRIX3D_IDENTITY));
     EXPECT_EQ(0.0, __cMatrix3d_get_determinant(quillon::MATRIX3D_ZERO));
     // Summed from the left, the small product drowns in the great ones.

@@ -68,16 +68,18 @@ TEST(Spline3D, ValuesEqualThePlainOnesBitForBit) {
 TEST(Spline3D, ClosestParameterEqualsThePlainOneBitForBit) {
     Numbers numbers;
     numbers.awkward = false;
+    int compared = 0;
     for (int i = 0; i < 2000; ++i) {
         const cSpline3D s = random_spline(numbers, 2 + i % 7, i % 2 == 0);
         const cVector3D target = numbers.vector();
         const double tolerance = i % 3 * 0.05;
         const double expected = plain::value_closest_to(s, target, tolerance, i % 12);
-        // Some searches leave an open spline for good: the plain index ends at 16 bits.
-        if (!(std::abs(expected) < 1000.0))
+        if (!(std::abs(expected) < 32000.0))
             continue;
         ASSERT_EQ(expected, __cSpline3d_get_value_closest_to(s, target, tolerance, i % 12)) << i;
+        ++compared;
     }
+    EXPECT_LT(1000, compared);
 }
 
 TEST(Spline3D, ClosestParameterAtItsEdges) {
@@ -85,9 +87,10 @@ TEST(Spline3D, ClosestParameterAtItsEdges) {
     EXPECT_EQ(1.0, __cSpline3d_get_value_closest_to(s, b, 0.1, 100));
     EXPECT_EQ(2.0, __cSpline3d_get_value_closest_to(s, c + cVector3D(0, 0.05, 0), 0.1, 100));
     EXPECT_EQ(2.0, __cSpline3d_get_value_closest_to(s, c + cVector3D(0, 0.05, 0), 0.0, 0));
-    const double beside = __cSpline3d_get_value_closest_to(s, c * 0.9 + b * 0.1, 0.0, 20);
-    EXPECT_GT(2.0, beside);
-    EXPECT_LT(1.5, beside);
+    const cVector3D target = b * 0.7 + c * 0.3;
+    const double beside = __cSpline3d_get_value_closest_to(s, target, 0.0, 20);
+    const cVector3D found = value_at(__cSpline3d_get_smooth_value, s, beside);
+    EXPECT_GT((b - target).length() / 2.0, (found - target).length());
     // One point, one place: the chord has no length, and the search still ends.
     const cSpline3D point(true, &b);
     EXPECT_TRUE(std::isnan(__cSpline3d_get_value_closest_to(point, c, 0.0, 5)));
@@ -125,8 +128,9 @@ TEST(Spline3D, NoParameterAndNoSplineReadsOutsideTheArray) {
         for (const Value value : both_values) {
             EXPECT_TRUE(same_bits(a, value_at(value, none, t), 3));
             const cVector3D open = value_at(value, cSpline3D(false, &b, &c), t);
-            if (t < -1e9 || t > 1e9)
+            if (std::abs(t) > 1e9) {
                 EXPECT_TRUE(close_to(t < 0.0 ? b : c, open, 3, 1e-15)) << t;
+            }
             value_at(value, cSpline3D(true, &b, &c, &a), t);
         }
         const cVector3D target(t, t, t);
