@@ -17,6 +17,8 @@
 #include "quillon/core/plugins.h"
 #include "quillon/core/worker.h"
 #include "quillon/export.h"
+#include "quillon/files/files.h"
+#include "quillon/files/strings.h"
 #include "quillon/input/analog.h"
 #include "quillon/input/codes.h"
 #include "quillon/input/digital.h"

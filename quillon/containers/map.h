@@ -42,7 +42,7 @@ public:
 
     // The value under `key`, or null.
     T* find(std::uint32_t key) const {
-        const iterator found = entries.find(key);
+        const auto found = entries.find(key);
         return found == entries.end() ? nullptr : found->second;
     }
 

@@ -17,7 +17,8 @@ constexpr std::uint32_t name_hash(std::size_t size, LetterAt letter_at) {
     std::uint32_t shifted = length * 5;
     std::uint32_t squares = 0;
     for (std::size_t i = 0; i < size; ++i) {
-        const auto value = static_cast<std::uint32_t>(static_cast<signed char>(letter_at(i)));
+        const std::uint32_t byte = static_cast<unsigned char>(letter_at(i));
+        const std::uint32_t value = (byte ^ 0x80) - 0x80; // its sign extended
         shifted = (value << 16) + shifted * 2;
         squares += value * value;
     }

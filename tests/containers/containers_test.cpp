@@ -215,10 +215,10 @@ TEST_F(Containers, IndexFindsWhatItWasGivenAndNothingElse) {
     std::vector<std::uint32_t> keys;
     for (std::uint32_t i = 0; i < 3000; ++i)
         keys.push_back(i < 1000 ? i : i * 0x9E3779B1U); // runs, and keys that crowd together
-    for (std::size_t i = 0; i < keys.size(); ++i) {
+    for (const std::uint32_t& key : keys) {
         index.make_room_for_one();
-        EXPECT_EQ(nullptr, index.find(keys[i]));
-        index.add(&keys[i], keys[i]);
+        EXPECT_EQ(nullptr, index.find(key));
+        index.add(&key, key);
     }
     for (const std::uint32_t& key : keys)
         EXPECT_EQ(&key, index.find(key));

@@ -49,12 +49,12 @@ public:
 
     int post(std::uint32_t type, int message) override {
         const auto box = boxes.find(type);
-        const bool found = box != boxes.end();
-        for (std::size_t i = 0; found && i < box->second.observers.size(); ++i)
-            receive(box->second.observers[i], message);
-        const auto result = found ? box->second.observers.size() : 0;
-        for (std::size_t i = 0; i < anything.observers.size(); ++i)
-            receive(anything.observers[i], message);
+        std::size_t result = 0;
+        if (box != boxes.end()) {
+            deliver(box->second, message);
+            result = box->second.observers.size();
+        }
+        deliver(anything, message);
         return static_cast<int>(result);
     }
 
@@ -100,6 +100,12 @@ private:
         std::vector<int> observers;
         int next = 0;
     };
+
+    void deliver(const Box& box, int message) const {
+        std::size_t i = 0;
+        while (i < box.observers.size())
+            receive(box.observers[i++], message);
+    }
 
     static bool enlist_in(Box& box, int observer) {
         const bool free = std::count(box.observers.begin(), box.observers.end(), observer) == 0;
