@@ -2,8 +2,10 @@
 // of here because it declares the global names that a plug-in defines.
 #pragma once
 
+#include "quillon/appearance/bitmap.h"
 #include "quillon/appearance/color.h"
 #include "quillon/appearance/color_names.h"
+#include "quillon/appearance/filters.h"
 #include "quillon/appearance/gradient.h"
 #include "quillon/appearance/light.h"
 #include "quillon/appearance/material.h"

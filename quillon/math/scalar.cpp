@@ -1,6 +1,7 @@
 #include "quillon/math/scalar.h"
 
 #include "quillon/math/constants.h"
+#include "quillon/math/gauss.h"
 #include "quillon/math/trigonometry.h"
 #include "quillon/platform/random.h"
 
@@ -54,11 +55,7 @@ std::int32_t construct_bitmask(std::int16_t a, std::int16_t b, std::int16_t c, s
 }
 
 double gauss_near_zero_taylor7(float a, float deviation) {
-    const double t = -a / (deviation * 2.0 * deviation);
-    const double t2 = t * t;
-    const double t4 = t2 * t2;
-    return 1.0 + t + t2 / 2.0 + t2 * t / 6.0 + t4 / 24.0 + t4 * t / 120.0 + t4 * t2 / 720.0 +
-           t4 * t2 * t / 5040.0;
+    return quillon::gauss_taylor7(a, deviation);
 }
 
 float __tarn_extract_angle(float x, float y) {

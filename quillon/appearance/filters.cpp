@@ -1,0 +1,129 @@
+#include "quillon/appearance/filters.h"
+
+#include "quillon/appearance/pixels.h"
+#include "quillon/platform/cpu.h"
+
+#include <optional>
+
+namespace {
+
+using quillon::ALPHA_BITS;
+using quillon::platform::run_vectorised;
+using std::size_t;
+using std::uint16_t;
+using std::uint32_t;
+using std::uint8_t;
+
+[[gnu::always_inline]] inline void mask_by_key(uint8_t* pixels, size_t count, uint32_t key) {
+    quillon::for_each_pixel(pixels, count, [=](uint32_t word) {
+        return (word | ALPHA_BITS) == key ? ALPHA_BITS : ~uint32_t{0};
+    });
+}
+
+[[gnu::always_inline]] inline void mask_by_channel(uint8_t* pixels, size_t count, int shift) {
+    constexpr uint32_t COLOR_ONES = quillon::pixel_word(1, 1, 1, 0);
+    quillon::for_each_pixel(pixels, count, [=](uint32_t word) {
+        return ((word >> shift) & 255) * COLOR_ONES | ALPHA_BITS;
+    });
+}
+
+[[gnu::always_inline]] inline void subtract_saturated(uint8_t* pixels, size_t count,
+                                                      uint8_t amount) {
+    const auto amounts = quillon::per_byte<uint8_t>(amount, 0);
+    quillon::for_each_byte(pixels, count, [&](uint8_t byte, size_t i) {
+        return static_cast<uint8_t>(std::max(byte, amounts[i]) - amounts[i]);
+    });
+}
+
+[[gnu::always_inline]] inline void add_saturated(uint8_t* pixels, size_t count, uint8_t amount) {
+    const auto amounts = quillon::per_byte<uint8_t>(amount, 0);
+    const auto highest = quillon::per_byte<uint8_t>(static_cast<uint8_t>(255 - amount), 255);
+    quillon::for_each_byte(pixels, count, [&](uint8_t byte, size_t i) {
+        return static_cast<uint8_t>(std::min(byte, highest[i]) + amounts[i]);
+    });
+}
+
+uint32_t scaled_byte(uint32_t byte, float factor) {
+    const float product = static_cast<float>(byte) * factor;
+    if (!(product > 0.0F)) // NaN too
+        return 0;
+    return product < 255.0F ? static_cast<uint32_t>(product) : 255;
+}
+
+uint32_t fixed_point_product(uint32_t byte, uint32_t fixed) {
+    return std::min<uint32_t>(byte * fixed >> 16, 255);
+}
+
+// A factor in 16.16 fixed point that scales each byte as `factor` does, if there is one.
+//
+// The least that reaches every scaled byte overshoots none: fractions with denominators up to 255
+// are at least 1 / (255 * 254) apart, which is more than 1 / 65536, so that a multiple of the
+// latter lies between the largest scaled / byte and the least (scaled + 1) / byte. There is none if
+// some products of the factor are rounded up to whole numbers and others are not, as with 1.05.
+std::optional<uint32_t> fixed_point_factor(float factor) {
+    uint32_t fixed = 0;
+    for (uint32_t byte = 1; byte <= 255; ++byte)
+        fixed = std::max(fixed, ((scaled_byte(byte, factor) << 16) + byte - 1) / byte);
+    for (uint32_t byte = 1; byte <= 255; ++byte)
+        if (fixed_point_product(byte, fixed) != scaled_byte(byte, factor))
+            return std::nullopt;
+    return fixed;
+}
+
+// `fixed` is at most 255 << 16, so neither product nor their sum leaves 16 bits.
+[[gnu::always_inline]] inline void scale_by_fixed(uint8_t* pixels, size_t count, uint32_t fixed) {
+    const auto whole = quillon::per_byte<uint16_t>(static_cast<uint16_t>(fixed >> 16), 1);
+    const auto part = quillon::per_byte<uint16_t>(static_cast<uint16_t>(fixed), 0);
+    quillon::for_each_byte(pixels, count, [&](uint16_t byte, size_t i) {
+        const auto product =
+            static_cast<uint16_t>(byte * whole[i] + (uint32_t{byte} * part[i] >> 16));
+        return static_cast<uint8_t>(std::min<uint16_t>(product, 255));
+    });
+}
+
+// For a factor above 0 and below 256.
+[[gnu::always_inline]] inline void scale_by_float(uint8_t* pixels, size_t count, float factor) {
+    const auto factors = quillon::per_byte<float>(factor, 1.0F);
+    quillon::for_each_byte(pixels, count, [&](uint8_t byte, size_t i) {
+        const auto product = static_cast<std::int32_t>(static_cast<float>(byte) * factors[i]);
+        return static_cast<uint8_t>(std::min(product, 255));
+    });
+}
+
+} // namespace
+
+void __cBitmap_color_key_mask(const quillon::cColor& key, uint8_t* pixels, std::int32_t count) {
+    using quillon::wrapped_byte_from_component;
+    const uint32_t word =
+        quillon::pixel_word(wrapped_byte_from_component(key.r), wrapped_byte_from_component(key.g),
+                            wrapped_byte_from_component(key.b), 255);
+    run_vectorised<mask_by_key>(pixels, quillon::size_of_count(count), word);
+}
+
+void __cBitmap_alpha_mask(uint8_t* pixels, std::int32_t count) {
+    __cBitmap_monochrome_saturate_by_channel(3, pixels, count);
+}
+
+void __cBitmap_monochrome_saturate_by_channel(uint8_t channel, uint8_t* pixels,
+                                              std::int32_t count) {
+    if (channel < quillon::PIXEL_BYTES)
+        run_vectorised<mask_by_channel>(pixels, quillon::size_of_count(count),
+                                        quillon::channel_shift(channel));
+}
+
+void __cBitmap_multiply(float factor, uint8_t* pixels, std::int32_t count) {
+    if (count <= 0)
+        return;
+    if (const auto fixed = fixed_point_factor(factor))
+        run_vectorised<scale_by_fixed>(pixels, quillon::size_of_count(count), *fixed);
+    else
+        run_vectorised<scale_by_float>(pixels, quillon::size_of_count(count), factor);
+}
+
+void __cBitmap_darken(uint8_t amount, uint8_t* pixels, std::int32_t count) {
+    run_vectorised<subtract_saturated>(pixels, quillon::size_of_count(count), amount);
+}
+
+void __cBitmap_brighten(uint8_t amount, uint8_t* pixels, std::int32_t count) {
+    run_vectorised<add_saturated>(pixels, quillon::size_of_count(count), amount);
+}

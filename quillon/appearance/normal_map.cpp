@@ -1,0 +1,196 @@
+#include "quillon/appearance/filters.h"
+#include "quillon/appearance/pixels.h"
+#include "quillon/platform/cpu.h"
+
+#include <cmath>
+#include <vector>
+
+namespace {
+
+using quillon::BLOCK_PIXELS;
+using quillon::PIXEL_BYTES;
+using quillon::platform::run_vectorised;
+using std::int32_t;
+using std::size_t;
+using std::uint32_t;
+using std::uint8_t;
+
+// A row of heights. Element x + 1 belongs to column x: copies of the last and the first column
+// stand at the ends, so that neighbours across the edge are read like others.
+using Row = std::vector<double>;
+
+// sum / 3.0 for the sum of three bytes, without the division: the first product is exact, so only
+// the addition rounds, and the second is good to far more digits than decide that rounding.
+constexpr double third_of(int32_t sum) {
+    constexpr double HIGH = 0x0.5555555554p0;
+    constexpr double LOW = (1.0 - 3.0 * HIGH) / 3.0;
+    return sum * HIGH + sum * LOW;
+}
+
+constexpr bool thirds_are_exact() {
+    for (int32_t sum = 0; sum <= 3 * 255; ++sum)
+        if (third_of(sum) != sum / 3.0)
+            return false;
+    return true;
+}
+
+static_assert(thirds_are_exact());
+
+[[gnu::always_inline]] inline int32_t channel_of(uint32_t word, int channel) {
+    return static_cast<int32_t>(word >> quillon::channel_shift(channel) & 255);
+}
+
+[[gnu::always_inline]] inline void read_heights(const uint8_t* pixels, size_t count,
+                                                double* heights) {
+    for (size_t i = 0; i < count; ++i) {
+        const uint32_t word = quillon::load_pixel(pixels + i * PIXEL_BYTES);
+        const int32_t sum = channel_of(word, 0) + channel_of(word, 1) + channel_of(word, 2);
+        heights[i] = (channel_of(word, 3) / 65536.0) * third_of(sum);
+    }
+}
+
+// The row of a pixel and the rows above and below it, each from the left neighbour on.
+struct Neighbours {
+    const double* up;
+    const double* here;
+    const double* down;
+};
+
+// A block of vectors (x, y, 1) in both precisions.
+struct Vectors {
+    quillon::PerPixel<double> x;
+    quillon::PerPixel<double> y;
+    quillon::PerPixel<float> x32;
+    quillon::PerPixel<float> y32;
+};
+
+using Words = quillon::PerPixel<uint32_t>;
+
+// All terms carry 8 times their weight, which `eighth_scale` takes back; powers of 2 round nothing.
+[[gnu::always_inline]] inline void find_vectors(const Neighbours& rows, double eighth_scale,
+                                                Vectors& vectors) {
+    const double* up = rows.up;
+    const double* here = rows.here;
+    const double* down = rows.down;
+    for (size_t i = 0; i < BLOCK_PIXELS; ++i) {
+        const size_t left = i;
+        const size_t x = i + 1;
+        const size_t right = i + 2;
+        const double gx = 2.0 * ((up[x] - up[left]) + (up[right] - up[x])) +
+                          (here[x] - here[left]) + (here[right] - here[x]) +
+                          (down[x] - down[left]) + (down[right] - down[x]);
+        const double gy = 2.0 * ((here[left] - up[left]) + (down[left] - here[left])) +
+                          (here[x] - up[x]) + (down[x] - here[x]) + (here[right] - up[right]) +
+                          (down[right] - here[right]);
+        const double nx = -gx * eighth_scale;
+        const double ny = -gy * eighth_scale;
+        vectors.x[i] = nx;
+        vectors.y[i] = ny;
+        vectors.x32[i] = static_cast<float>(nx);
+        vectors.y32[i] = static_cast<float>(ny);
+    }
+}
+
+// (component + 1) * 128, which lies in 0 to 256; 0 for what is not a number.
+template <typename Float>
+[[gnu::always_inline]] inline Float level_of(Float component) {
+    const Float level = (component + 1) * 128;
+    return level > 0 ? level : 0;
+}
+
+// A level truncated, held to 255, which only 256 exceeds, and moved to its channel.
+template <typename Float>
+[[gnu::always_inline]] inline uint32_t in_channel(Float level, int channel) {
+    const auto whole = static_cast<int32_t>(level);
+    return static_cast<uint32_t>(whole - (whole >> 8)) << quillon::channel_shift(channel);
+}
+
+template <typename Float>
+[[gnu::always_inline]] inline uint32_t word_of_levels(Float r, Float g, Float b) {
+    return in_channel(r, 0) | in_channel(g, 1) | in_channel(b, 2) | quillon::ALPHA_BITS;
+}
+
+[[gnu::always_inline]] inline void normalize(const Vectors& vectors, Words& words) {
+    for (size_t i = 0; i < BLOCK_PIXELS; ++i) {
+        const double x = vectors.x[i];
+        const double y = vectors.y[i];
+        const double length = std::sqrt(x * x + y * y + 1.0);
+        words[i] =
+            word_of_levels(level_of(x / length), level_of(y / length), level_of(1.0 / length));
+    }
+}
+
+// 1 if 64 bits could give another byte than `level`, which 32 bits have put off by up to 0x1p-14.
+[[gnu::always_inline]] inline int32_t is_doubtful(float level) {
+    constexpr float TO_WHOLE = 0x1.8p23F; // adding it rounds to whole numbers
+    const float distance = std::abs(level - ((level + TO_WHOLE) - TO_WHOLE));
+    return distance > 0x1p-12F ? 0 : 1;
+}
+
+// Does what normalize does in 32 bits, at a third of the cost. False if any byte is in doubt.
+[[gnu::always_inline]] inline bool normalize_fast(const Vectors& vectors, Words& words) {
+    int32_t doubts = 0;
+    for (size_t i = 0; i < BLOCK_PIXELS; ++i) {
+        const float x = vectors.x32[i];
+        const float y = vectors.y32[i];
+        const float inverse = 1.0F / std::sqrt(x * x + y * y + 1.0F);
+        const float r = level_of(x * inverse);
+        const float g = level_of(y * inverse);
+        const float b = level_of(inverse);
+        words[i] = word_of_levels(r, g, b);
+        doubts |= (x == 0.0F ? 0 : is_doubtful(r)) | (y == 0.0F ? 0 : is_doubtful(g)) |
+                  (b > 255.5F ? 0 : is_doubtful(b));
+    }
+    return doubts == 0;
+}
+
+[[gnu::always_inline]] inline void write_normals(uint8_t* pixels, size_t count, const double* up,
+                                                 const double* here, const double* down,
+                                                 double eighth_scale) {
+    quillon::for_each_block(
+        pixels, count, [=](uint8_t * block, size_t first) __attribute__((always_inline)) {
+            Vectors vectors;
+            Words words;
+            find_vectors({up + first, here + first, down + first}, eighth_scale, vectors);
+            if (!normalize_fast(vectors, words))
+                normalize(vectors, words);
+            std::memcpy(block, words.data(), sizeof words);
+        });
+}
+
+void read_row(const uint8_t* pixels, size_t width, Row& heights) {
+    run_vectorised<read_heights>(pixels, width, heights.data() + 1);
+    heights[0] = heights[width];
+    heights[width + 1] = heights[1];
+}
+
+void write_row(uint8_t* pixels, size_t width, const Row& up, const Row& here, const Row& down,
+               float scale) {
+    run_vectorised<write_normals>(pixels, width, up.data(), here.data(), down.data(), scale / 8.0);
+}
+
+} // namespace
+
+void __cBitmap_bump_map_to_normal_map(uint8_t* pixels, int32_t width, int32_t height, float scale) {
+    if (width <= 0 || height <= 0)
+        return;
+    const size_t columns = quillon::size_of_count(width);
+    const size_t row_bytes = columns * PIXEL_BYTES;
+    uint8_t* last_row = pixels + (quillon::size_of_count(height) - 1) * row_bytes;
+
+    // A block's last columns may lie beyond the row; they are computed and dropped.
+    Row up(columns + 1 + BLOCK_PIXELS);
+    Row here = up;
+    Row down = up;
+    Row first = up;
+    read_row(last_row, columns, up);
+    read_row(pixels, columns, first);
+    here = first;
+    for (; pixels != last_row; pixels += row_bytes) {
+        read_row(pixels + row_bytes, columns, down);
+        write_row(pixels, columns, up, here, down, scale);
+        up.swap(here);
+        here.swap(down);
+    }
+    write_row(last_row, columns, up, here, first, scale);
+}

@@ -1,0 +1,37 @@
+// Runs a kernel with the widest vectors that the machine offers.
+#pragma once
+
+namespace quillon::platform {
+
+#if defined(__x86_64__) && !defined(QUILLON_NO_AVX2)
+
+template <auto kernel, typename... Arguments>
+[[gnu::target("avx2")]] void run_with_avx2(Arguments... arguments) {
+    kernel(arguments...);
+}
+
+// Calls `kernel`, compiled for AVX2 where the processor and the system have it, else for any
+// x86-64.
+//
+// A kernel is a plain loop that the compiler can vectorise. It and what it calls must be
+// [[gnu::always_inline]]: only what is inlined here is compiled for the wider vectors.
+// QUILLON_NO_AVX2 leaves the path of older machines alone; our tests run both.
+template <auto kernel, typename... Arguments>
+void run_vectorised(Arguments... arguments) {
+    if (__builtin_cpu_supports("avx2"))
+        run_with_avx2<kernel>(arguments...);
+    else
+        kernel(arguments...);
+}
+
+#else
+
+// Calls `kernel`; what the compiler makes of it for the target is already the widest.
+template <auto kernel, typename... Arguments>
+void run_vectorised(Arguments... arguments) {
+    kernel(arguments...);
+}
+
+#endif
+
+} // namespace quillon::platform

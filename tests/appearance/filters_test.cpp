@@ -1,0 +1,322 @@
+#include "quillon/appearance/color_names.h"
+#include "quillon/appearance/filters.h"
+#include "tests/appearance/guarded_bitmap.h"
+#include "tests/appearance/plain_filters.h"
+
+#include <gmock/gmock.h>
+
+#include <array>
+#include <bit>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <numeric>
+#include <random>
+#include <string>
+
+using quillon::cColor;
+using std::int32_t;
+using std::uint8_t;
+using testing::ElementsAre;
+using Bytes = std::vector<uint8_t>;
+
+namespace {
+
+constexpr float INFINITE = std::numeric_limits<float>::infinity();
+constexpr float NO_NUMBER = std::numeric_limits<float>::quiet_NaN();
+constexpr int32_t FIRST = std::numeric_limits<int32_t>::min();
+constexpr int32_t LAST = std::numeric_limits<int32_t>::max();
+
+Bytes random_bytes(std::size_t size) {
+    static std::mt19937 generator(20);
+    Bytes bytes(size);
+    for (uint8_t& byte : bytes)
+        byte = static_cast<uint8_t>(generator());
+    return bytes;
+}
+
+// 256 pixels that hold every byte in every channel, in other company each.
+Bytes every_byte() {
+    Bytes bytes;
+    for (int i = 0; i < 256; ++i)
+        for (const int byte : {i, 255 - i, i ^ 0x55, i ^ 0xC3})
+            bytes.push_back(static_cast<uint8_t>(byte));
+    return bytes;
+}
+
+using Filter = std::function<void(uint8_t*, int32_t width, int32_t height)>;
+
+struct Case {
+    std::string name;
+    Filter library;
+    Filter plain;
+};
+
+// A filter over counted pixels.
+template <typename Library, typename Plain, typename Argument>
+Case counted(const char* name, Library library, Plain plain, Argument argument) {
+    return {name, [=](uint8_t* p, int32_t w, int32_t h) { library(argument, p, w * h); },
+            [=](uint8_t* p, int32_t w, int32_t h) { plain(argument, p, w * h); }};
+}
+
+Case brush(const char* name, const cColor& color, int32_t x, int32_t y, float radius,
+           float deviation) {
+    return {name,
+            [=](uint8_t* p, int32_t w, int32_t h) {
+                __cBitmap_gauss_brush(color, p, x, y, w, h, radius, deviation);
+            },
+            [=](uint8_t* p, int32_t w, int32_t h) {
+                plain::gauss_brush(color, p, x, y, w, h, radius, deviation);
+            }};
+}
+
+Case normals(const char* name, float scale) {
+    return {
+        name,
+        [=](uint8_t* p, int32_t w, int32_t h) { __cBitmap_bump_map_to_normal_map(p, w, h, scale); },
+        [=](uint8_t* p, int32_t w, int32_t h) { plain::normal_map(p, w, h, scale); }};
+}
+
+std::vector<Case> all_filters() {
+    const cColor glow(0.3F, -0.2F, 1.5F, 0.01F);
+    const cColor wild(NO_NUMBER, INFINITE, -INFINITE, 3e38F);
+    return {
+        counted("key", __cBitmap_color_key_mask, plain::color_key_mask, quillon::BLACK),
+        counted("red", __cBitmap_monochrome_saturate_by_channel, plain::channel_mask, uint8_t{0}),
+        counted("green", __cBitmap_monochrome_saturate_by_channel, plain::channel_mask, uint8_t{1}),
+        counted("blue", __cBitmap_monochrome_saturate_by_channel, plain::channel_mask, uint8_t{2}),
+        counted("alpha", __cBitmap_monochrome_saturate_by_channel, plain::channel_mask, uint8_t{3}),
+        counted("multiply", __cBitmap_multiply, plain::multiply, 1.37F),
+        counted("darken", __cBitmap_darken, plain::darken, uint8_t{77}),
+        counted("brighten", __cBitmap_brighten, plain::brighten, uint8_t{77}),
+        brush("soft brush", glow, 9, 3, 4.5F, 6),
+        brush("hard brush", glow, 3, 1, 2, 0),
+        brush("soft point", glow, 40, 0, 0, 20),
+        brush("negative radius and deviation", glow, 9, 3, -4.5F, -6),
+        brush("brush without reach", glow, 9, 3, 0.5F, NO_NUMBER),
+        brush("brush of no radius", glow, 9, 3, NO_NUMBER, 5),
+        brush("endless disc", glow, 9, 3, INFINITE, 1),
+        brush("endless ring", glow, 9, 3, 1, INFINITE),
+        brush("wild colour", wild, 9, 3, 3, 4),
+        brush("far to the left", glow, FIRST, 1, 2147483648.0F, 3e4F),
+        brush("far below", glow, 1, LAST, 2147483648.0F, 3e4F),
+        brush("beside", glow, -5, -5, 4, 3),
+        normals("slight normals", 0.01F),
+        normals("normals", 2),
+        normals("steep normals", -400),
+        normals("huge scale", 3e38F),
+        normals("endless scale", INFINITE),
+        normals("no scale", NO_NUMBER),
+    };
+}
+
+Bytes after(const Filter& filter, Bytes bytes, int32_t width, int32_t height) {
+    filter(bytes.data(), width, height);
+    return bytes;
+}
+
+// The bytes of one row of pixels after the filter.
+Bytes row_after(const Filter& filter, const Bytes& bytes) {
+    return after(filter, bytes, static_cast<int32_t>(bytes.size() / 4), 1);
+}
+
+} // namespace
+
+TEST(Filters, EqualThePlainReadingInPlaceAndTouchNothingElse) {
+    constexpr std::array<std::array<int32_t, 2>, 12> SIZES{{{1, 1},
+                                                            {1, 9},
+                                                            {2, 2},
+                                                            {5, 3},
+                                                            {15, 1},
+                                                            {16, 2},
+                                                            {17, 3},
+                                                            {31, 7},
+                                                            {1, 67},
+                                                            {67, 1},
+                                                            {257, 3},
+                                                            {130, 20}}};
+    using Place = GuardedBitmap::Place;
+    for (const auto& [width, height] : SIZES)
+        for (const auto place :
+             {Place::AT_THE_FRONT, Place::AT_THE_BACK, Place::AT_AN_ODD_ADDRESS}) {
+            const Bytes source = random_bytes(static_cast<std::size_t>(width * height * 4));
+            GuardedBitmap bitmap(source.size(), place);
+            for (const Case& filter : all_filters()) {
+                bitmap.set(source);
+                filter.library(bitmap.pixels(), width, height);
+                EXPECT_TRUE(bitmap.bytes() == after(filter.plain, source, width, height))
+                    << filter.name << " at " << width << " x " << height;
+            }
+            EXPECT_TRUE(bitmap.is_margin_clean());
+        }
+}
+
+TEST(Filters, LeaveEmptyBitmapsAlone) {
+    for (const Case& filter : all_filters())
+        for (const int32_t none : {0, -1, FIRST}) {
+            filter.library(nullptr, none, 1);
+            filter.library(nullptr, 1, none);
+        }
+}
+
+TEST(Filters, AreExactForAllPairsOfBytes) {
+    const Bytes bytes = every_byte();
+    for (int i = 0; i < 256; ++i) {
+        const auto value = static_cast<uint8_t>(i);
+        const float component = quillon::component_from_byte(value);
+        const std::array cases{
+            counted("darken", __cBitmap_darken, plain::darken, value),
+            counted("brighten", __cBitmap_brighten, plain::brighten, value),
+            counted("factor", __cBitmap_multiply, plain::multiply, component),
+            counted("larger factor", __cBitmap_multiply, plain::multiply, static_cast<float>(i)),
+            counted("key red", __cBitmap_color_key_mask, plain::color_key_mask,
+                    cColor(component, 0, 0, 0)),
+        };
+        for (const Case& filter : cases)
+            EXPECT_TRUE(row_after(filter.library, bytes) == row_after(filter.plain, bytes))
+                << filter.name << " " << i;
+    }
+}
+
+TEST(Filters, MaskEveryPairOfColourAndAlpha) {
+    Bytes pairs;
+    for (int color = 0; color < 256; ++color)
+        for (int alpha = 0; alpha < 256; ++alpha)
+            for (const int byte : {color, color ^ 1, 255 - color, alpha})
+                pairs.push_back(static_cast<uint8_t>(byte));
+    Bytes masked = pairs;
+    __cBitmap_alpha_mask(masked.data(), 65536);
+    EXPECT_TRUE(
+        masked ==
+        row_after([](uint8_t* p, int32_t w, int32_t) { plain::channel_mask(3, p, w); }, pairs));
+}
+
+// A key that differs in one channel must not match, whatever the two alphas are.
+TEST(ColorKeyMask, BlackensExactMatchesOnly) {
+    Bytes pixels{127, 0, 255, 9, 128, 0, 255, 9, 127, 1, 255, 9, 127, 0, 254, 9, 127, 0, 255, 255};
+    __cBitmap_color_key_mask(cColor(0.5F, 0, 1, 0.7F), pixels.data(), 5);
+    EXPECT_THAT(pixels, ElementsAre(0, 0, 0, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255,
+                                    255, 255, 0, 0, 0, 255));
+}
+
+TEST(SaturateByChannel, LeavesTheBitmapAloneWithoutSuchAChannel) {
+    Bytes pixels{1, 2, 3, 4};
+    for (const int channel : {4, 255})
+        __cBitmap_monochrome_saturate_by_channel(static_cast<uint8_t>(channel), pixels.data(), 1);
+    EXPECT_THAT(pixels, ElementsAre(1, 2, 3, 4));
+}
+
+// Where byte * factor crosses a whole number the fixed-point factor has the least room.
+TEST(Multiply, IsExactAroundEveryQuotientOfBytes) {
+    const Bytes bytes = every_byte();
+    const auto expect_exact = [&](float factor) {
+        const Case filter = counted("multiply", __cBitmap_multiply, plain::multiply, factor);
+        ASSERT_TRUE(row_after(filter.library, bytes) == row_after(filter.plain, bytes)) << factor;
+    };
+    for (int divisor = 1; divisor < 256; ++divisor)
+        for (int dividend = divisor % 7; dividend < 256; dividend += 7) {
+            if (std::gcd(dividend, divisor) > 1)
+                continue;
+            const float quotient = static_cast<float>(dividend) / static_cast<float>(divisor);
+            expect_exact(std::nextafter(quotient, -1.0F));
+            expect_exact(quotient);
+            expect_exact(std::nextafter(quotient, 999.0F));
+        }
+    std::mt19937 generator(7);
+    for (int i = 0; i < 2000; ++i)
+        expect_exact(std::bit_cast<float>(static_cast<std::uint32_t>(generator())));
+    for (const float factor :
+         {0.5F, -0.0F, -2.0F, 254.9999F, 255.0F, 1e-45F, 3e38F, INFINITE, NO_NUMBER})
+        expect_exact(factor);
+}
+
+// Levels that fall on whole numbers, as ramps and repeated heights make them, are what a shorter
+// way of computing them would get wrong first.
+TEST(NormalMap, IsExactOnSmoothMaps) {
+    constexpr int32_t SIZE = 70;
+    for (int variant = 0; variant < 4; ++variant) {
+        Bytes map;
+        for (int y = 0; y < SIZE; ++y)
+            for (int x = 0; x < SIZE; ++x) {
+                const std::array heights{x * 3, y * 2 + x, (x - 35) * (y - 35) / 8,
+                                         (x / 9 + y / 7) * 40};
+                for (const int byte :
+                     {heights[variant], heights[variant] + variant, heights[variant], 255})
+                    map.push_back(static_cast<uint8_t>(byte));
+            }
+        for (const float scale : {0.0F, 1e-4F, 0.5F, 1.0F, 8.0F, 64.0F, 1e6F}) {
+            const Case filter = normals("smooth", scale);
+            EXPECT_TRUE(after(filter.library, map, SIZE, SIZE) ==
+                        after(filter.plain, map, SIZE, SIZE))
+                << variant << " at scale " << scale;
+        }
+    }
+}
+
+TEST(NormalMap, IsFlatWhereNothingRises) {
+    const auto is_flat = [](const Bytes& bytes) {
+        for (std::size_t i = 0; i < bytes.size(); i += 4)
+            if (Bytes(bytes.begin() + i, bytes.begin() + i + 4) != Bytes{128, 128, 255, 255})
+                return false;
+        return true;
+    };
+    const Filter library = normals("", 3).library;
+    Bytes invisible = random_bytes(24);
+    for (std::size_t i = 3; i < invisible.size(); i += 4)
+        invisible[i] = 0;
+    EXPECT_TRUE(is_flat(after(library, Bytes(24, 200), 3, 2)));
+    EXPECT_TRUE(is_flat(after(library, random_bytes(4), 1, 1)));
+    EXPECT_TRUE(is_flat(after(library, invisible, 3, 2)));
+    EXPECT_TRUE(is_flat(after(normals("", 0).library, random_bytes(24), 3, 2)));
+}
+
+TEST(NormalMap, WrapsAStepOfTheFirstColumnToTheLast) {
+    Bytes map(8 * 4, 255);
+    map[0] = map[1] = map[2] = 0;
+    __cBitmap_bump_map_to_normal_map(map.data(), 8, 1, 1);
+    EXPECT_GT(map[7 * 4], 128); // falls towards column 0
+    EXPECT_LT(map[1 * 4], 128); // rises away from it
+    EXPECT_EQ(128, map[4 * 4]);
+    EXPECT_EQ(128, map[1]); // one row has no vertical gradient
+}
+
+TEST(GaussBrush, PaintsHardDiscsAndSinglePixels) {
+    Bytes point(9 * 4);
+    __cBitmap_gauss_brush(quillon::WHITE, point.data(), 1, 1, 3, 3, 0, 0);
+    Bytes only_centre(9 * 4);
+    std::fill_n(only_centre.begin() + 16, 4, uint8_t{255});
+    EXPECT_EQ(only_centre, point);
+
+    Bytes disc(7 * 7 * 4);
+    __cBitmap_gauss_brush(quillon::WHITE, disc.data(), 3, 3, 7, 7, 2, 0);
+    EXPECT_EQ(13 * 4, std::count(disc.begin(), disc.end(), 255)); // squared distance up to 4
+    EXPECT_EQ(36 * 4, std::count(disc.begin(), disc.end(), 0));
+}
+
+TEST(GaussBrush, AccumulatesAndSaturates) {
+    Bytes pixel(4);
+    for (const int expected : {100, 200, 255, 255}) {
+        __cBitmap_gauss_brush(cColor(100 / 255.0F, 0, 0, 0), pixel.data(), 0, 0, 1, 1, 1, 0);
+        EXPECT_THAT(pixel, ElementsAre(expected, 0, 0, 0));
+    }
+}
+
+TEST(GaussBrush, EqualsThePlainReadingAnywhere) {
+    std::mt19937 generator(3);
+    const auto pick = [&](int low, int high) {
+        return std::uniform_int_distribution(low, high)(generator);
+    };
+    for (int i = 0; i < 400; ++i) {
+        const int32_t width = pick(1, 70);
+        const int32_t height = pick(1, 70);
+        const auto fraction = [&] { return static_cast<float>(pick(-500, 1500)) / 1000.0F; };
+        const Case filter =
+            brush("", cColor(fraction(), fraction(), fraction(), fraction()), pick(-30, 100),
+                  pick(-30, 100), static_cast<float>(pick(0, 80)) / 4.0F,
+                  static_cast<float>(pick(0, 40)) / 4.0F);
+        const Bytes source = random_bytes(static_cast<std::size_t>(width * height * 4));
+        ASSERT_TRUE(after(filter.library, source, width, height) ==
+                    after(filter.plain, source, width, height))
+            << i;
+    }
+}
