@@ -2,6 +2,10 @@
 
 #include "key_map.h"
 
+#include <algorithm>
+#include <iterator>
+#include <string_view>
+
 namespace quillon::input_sdl {
 
 namespace {
@@ -16,6 +20,9 @@ constexpr SDL_EventType TAKEN_EVENTS[][2] = {
 
 // What the plug-in uses of SDL apart from the display, which may be missing.
 constexpr Uint32 SUBSYSTEMS = SDL_INIT_EVENTS | SDL_INIT_GAMECONTROLLER;
+
+// What SDL falls back on where there is no display: their windows get no keys and no mouse.
+constexpr std::string_view BLIND_DRIVERS[] = {"dummy", "offscreen"};
 
 std::int16_t mouse_code(Uint8 button) {
     switch (button) {
@@ -40,37 +47,46 @@ bool Device::open() {
     SDL_SetHint(SDL_HINT_JOYSTICK_ALLOW_BACKGROUND_EVENTS, "1");
     if (SDL_InitSubSystem(SUBSYSTEMS) != 0)
         return false;
-    hasVideo = SDL_InitSubSystem(SDL_INIT_VIDEO) == 0;
-    if (!hasVideo)
-        fail(SDL_GetError());
+    hasDisplay = open_display();
     openPads.open_waiting();
     return true;
+}
+
+bool Device::open_display() {
+    if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0)
+        return fail(SDL_GetError());
+    const std::string_view driver = SDL_GetCurrentVideoDriver();
+    if (std::find(std::begin(BLIND_DRIVERS), std::end(BLIND_DRIVERS), driver) ==
+        std::end(BLIND_DRIVERS))
+        return true;
+    SDL_QuitSubSystem(SDL_INIT_VIDEO);
+    return fail("there is no display");
 }
 
 void Device::close() {
     openPads.close_all();
     if (window)
         SDL_DestroyWindow(window);
-    if (hasVideo)
+    if (hasDisplay)
         SDL_QuitSubSystem(SDL_INIT_VIDEO);
     SDL_QuitSubSystem(SUBSYSTEMS);
     *this = {};
 }
 
-void Device::fail(const char* reason) {
+// Keeps the reason; the result is for callers to return.
+bool Device::fail(const char* reason) {
     SDL_strlcpy(lastError, reason, sizeof lastError);
+    return false;
 }
 
 bool Device::open_window(const char* title, int width, int height) {
-    if (window) {
-        fail("the window is open already");
+    if (!hasDisplay)
         return false;
-    }
+    if (window)
+        return fail("the window is open already");
     window = SDL_CreateWindow(title, SDL_WINDOWPOS_UNDEFINED, SDL_WINDOWPOS_UNDEFINED, width,
                               height, SDL_WINDOW_SHOWN);
-    if (!window)
-        fail(SDL_GetError());
-    return window != nullptr;
+    return window ? true : fail(SDL_GetError());
 }
 
 void Device::update() {

@@ -30,13 +30,14 @@ public:
 private:
     void handle(const SDL_Event& event);
     void serve_window();
-    void fail(const char* reason);
+    bool open_display();
+    bool fail(const char* reason);
 
     DigitalStates digitalStates;
     AnalogStates analogStates;
     Pads openPads;
     SDL_Window* window = nullptr;
-    bool hasVideo = false;
+    bool hasDisplay = false;
     bool quitRequested = false;
     char lastError[256] = "";
 };
