@@ -1,0 +1,48 @@
+#include "pictures.h"
+
+#include "command.h"
+#include "plugin_folder.h"
+#include "plugins/image/image.h"
+#include "quillon/appearance/bitmap.h"
+#include "quillon/core/modules.h"
+#include "quillon/core/plugins.h"
+
+namespace fs = std::filesystem;
+
+namespace tool {
+namespace {
+
+[[noreturn]] void fail(const std::string& what) {
+    const std::int16_t plugin = __mCore_get_first_valid_plugin("Module", "GRAPHICS");
+    auto* const last_error =
+        reinterpret_cast<image::LastError*>(__mCore_get_plugin_function(plugin, image::LAST_ERROR));
+    const std::string reason = last_error == nullptr ? "" : last_error();
+    throw Failure(reason.empty() ? what + "; the graphics plug-in gave no reason" : reason);
+}
+
+} // namespace
+
+void open_graphics() {
+    const fs::path folder = default_plugin_folder();
+    open_plugins(folder);
+    if (__mGraphics_instance()->interface == nullptr)
+        throw Failure("no plug-in in '" + folder.string() +
+                      "' serves GRAPHICS; 'quillon plugins' tells why");
+}
+
+Picture load_picture(const std::string& file) {
+    Picture picture;
+    std::uint8_t* pixels = nullptr;
+    __cBitmap_load(file, &picture.width, &picture.height, &pixels);
+    picture.pixels.reset(pixels);
+    if (pixels == nullptr)
+        fail("cannot load '" + file + "'");
+    return picture;
+}
+
+void save_picture(const std::string& file, const Picture& picture) {
+    if (!__cBitmap_save(file, picture.width, picture.height, picture.pixels.get()))
+        fail("cannot save '" + file + "'");
+}
+
+} // namespace tool

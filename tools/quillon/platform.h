@@ -1,0 +1,57 @@
+// What the tool asks the operating system directly.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+namespace tool::platform {
+
+std::filesystem::path executable();
+
+// Keeps what the process writes to its standard output from reaching it.
+class OutputCapture {
+public:
+    OutputCapture();
+    OutputCapture(const OutputCapture&) = delete;
+    OutputCapture& operator=(const OutputCapture&) = delete;
+    ~OutputCapture();
+
+    // What was written so far.
+    std::string text() const;
+
+private:
+    struct CloseFile {
+        void operator()(std::FILE* file) const;
+    };
+
+    std::unique_ptr<std::FILE, CloseFile> kept;
+    int output;
+};
+
+// A library that the tool loads by itself, to learn from the loader what the host did not tell.
+class LibraryFile {
+public:
+    explicit LibraryFile(const std::filesystem::path& file);
+    LibraryFile(const LibraryFile&) = delete;
+    LibraryFile& operator=(const LibraryFile&) = delete;
+    ~LibraryFile();
+
+    // Null if it does not load.
+    void* handle() const { return library; }
+
+    // Why it does not load, in plain words and the loader's own; empty if it does.
+    const std::string& reason() const { return why_not; }
+
+private:
+    void* library;
+    std::string why_not;
+};
+
+// Of a loaded library's handle: the file, the function that it exports itself (null if there is
+// none), and whether it holds an address.
+std::filesystem::path file_of(void* library);
+void* own_function(void* library, const char* name);
+bool holds(void* library, void* address);
+
+} // namespace tool::platform

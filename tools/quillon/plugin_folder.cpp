@@ -1,0 +1,120 @@
+#include "plugin_folder.h"
+
+#include "command.h"
+#include "platform.h"
+#include "quillon/core/modules.h"
+#include "quillon/core/plugins.h"
+
+#include <iostream>
+#include <random>
+#include <sstream>
+
+namespace fs = std::filesystem;
+
+namespace tool {
+namespace {
+
+constexpr const char* OPENED_FOLDER = "plugin"; // what __mCore_open looks for
+
+// The longest pattern FOLDER/* that the library lists.
+constexpr std::size_t MAX_PATTERN = 259;
+
+// A folder that was installed with the tool, or that stands beside it in a build tree.
+fs::path own_folder(const std::string& name) {
+    const fs::path programs = platform::executable().parent_path();
+    const fs::path installed = programs / INSTALLED_LIBRARIES / "quillon" / name;
+    const fs::path built = programs / ".." / name;
+    for (const fs::path& folder : {installed, built})
+        if (fs::is_directory(folder))
+            return fs::canonical(folder);
+    throw Failure("found neither the folder '" + installed.lexically_normal().string() + "' nor '" +
+                  built.lexically_normal().string() + "'; install quillon again");
+}
+
+// An empty current directory for as long as the object lives.
+class EmptyDirectory {
+public:
+    EmptyDirectory() : before(fs::current_path()) {
+        std::random_device random;
+        do
+            folder = fs::temp_directory_path() / ("quillon-" + std::to_string(random()));
+        while (!fs::create_directory(folder));
+        fs::current_path(folder);
+    }
+
+    EmptyDirectory(const EmptyDirectory&) = delete;
+    EmptyDirectory& operator=(const EmptyDirectory&) = delete;
+
+    ~EmptyDirectory() {
+        std::error_code ignored;
+        fs::current_path(before, ignored);
+        fs::remove_all(folder, ignored);
+    }
+
+private:
+    fs::path before;
+    fs::path folder;
+};
+
+void open_here_or_apart(const fs::path& folder) {
+    if (folder == OPENED_FOLDER) {
+        __mCore_open();
+        return;
+    }
+    __mCore_parse_folder_for_plugins(fs::absolute(folder).c_str());
+    const EmptyDirectory apart;
+    __mCore_open();
+}
+
+// Throws where the library would only find nothing.
+void expect_listable(const fs::path& folder) {
+    std::error_code failure;
+    const fs::directory_iterator readable(folder, failure);
+    if (failure)
+        throw Failure("cannot list '" + folder.string() + "': " + failure.message() +
+                      "; name a folder of plug-ins");
+    if (folder != OPENED_FOLDER && fs::absolute(folder).string().size() + 2 > MAX_PATTERN)
+        throw Failure("the path of '" + folder.string() +
+                      "' is too long; move it nearer to the root");
+}
+
+// The file in "ERROR: Attempt to load module FILE failed", which a plug-in's own words without a
+// line's end may precede; empty in any other line.
+std::string refused_file(const std::string& line) {
+    constexpr std::string_view BEFORE = "ERROR: Attempt to load module ";
+    constexpr std::string_view AFTER = " failed";
+    const std::size_t start = line.find(BEFORE);
+    if (start == std::string::npos || !line.ends_with(AFTER))
+        return "";
+    const std::string rest = line.substr(start + BEFORE.size());
+    return rest.substr(0, rest.size() - AFTER.size());
+}
+
+} // namespace
+
+fs::path default_plugin_folder() {
+    return fs::is_directory(OPENED_FOLDER) ? fs::path(OPENED_FOLDER) : own_folder(OPENED_FOLDER);
+}
+
+fs::path inspector_folder() {
+    return own_folder("inspect");
+}
+
+std::vector<std::string> open_plugins(const fs::path& folder) {
+    expect_listable(folder);
+    std::istringstream written;
+    {
+        const platform::OutputCapture capture;
+        open_here_or_apart(folder);
+        written.str(capture.text());
+    }
+    std::vector<std::string> refused;
+    for (std::string line; std::getline(written, line);)
+        if (const std::string file = refused_file(line); !file.empty())
+            refused.push_back(file);
+        else if (!line.starts_with("loading plugin: "))
+            std::cerr << line << "\n";
+    return refused;
+}
+
+} // namespace tool

@@ -1,0 +1,27 @@
+// The folders in which the tool looks for plug-ins, and the opening of one.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace tool {
+
+// The plug-ins to use when the user names none: "plugin" below the current directory, else the
+// folder that was installed or built together with the tool.
+//
+// Throws Failure if there is none.
+std::filesystem::path default_plugin_folder();
+
+// The folder of the tool's own plug-in (see tools/inspector).
+std::filesystem::path inspector_folder();
+
+// Opens the plug-ins of `folder` as a host does, once a process; gives the file names that the
+// library refused. What else was written on the standard output goes to the error stream.
+//
+// For a folder other than "plugin" below the current directory, `initialize` and connect entry
+// points run in an empty current directory, so that __mCore_open finds no plug-ins but these.
+// Throws Failure for a folder that the library cannot list.
+std::vector<std::string> open_plugins(const std::filesystem::path& folder);
+
+} // namespace tool

@@ -1,0 +1,190 @@
+#include "plugin_report.h"
+
+#include "command.h"
+#include "platform.h"
+#include "plugin_folder.h"
+#include "quillon/core/plugins.h"
+#include "quillon/core/services.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace fs = std::filesystem;
+
+namespace tool {
+namespace {
+
+using Plugins = quillon::DSParray<quillon::cPlugin>;
+
+constexpr const char* ENTRY_POINTS[] = {"initialize",
+                                        "shutdown",
+                                        "get_plugin_name",
+                                        "get_plugin_purpose",
+                                        "get_plugin_compatibility",
+                                        "get_plugin_prereqs"};
+
+std::string joined(const std::vector<std::string>& parts) {
+    std::string text;
+    for (const std::string& part : parts)
+        text += (text.empty() ? "" : ", ") + part;
+    return text;
+}
+
+std::string quoted(const std::string& name) {
+    return "'" + name + "'";
+}
+
+std::string why_refused(const fs::path& file) {
+    const platform::LibraryFile library(file);
+    if (library.handle() == nullptr)
+        return library.reason();
+    std::vector<std::string> missing;
+    for (const char* name : ENTRY_POINTS)
+        if (platform::own_function(library.handle(), name) == nullptr)
+            missing.emplace_back(name);
+    return missing.empty() ? "it loads by itself, but did not in this folder's turn"
+                           : "missing entry point: " + joined(missing);
+}
+
+// The list of plug-ins, with the inspector as its last.
+const Plugins& loaded_plugins() {
+    const auto inspector = static_cast<std::int16_t>(__mCore_get_plugin_count());
+    {
+        const platform::OutputCapture capture;
+        __mCore_parse_folder_for_plugins(inspector_folder().c_str());
+    }
+    const Plugins* plugins = nullptr;
+    __mCore_call_plugin_function(inspector, "give_plugins", &plugins);
+    if (plugins == nullptr)
+        throw Failure("cannot use the inspector in '" + inspector_folder().string() +
+                      "'; install quillon again");
+    return *plugins;
+}
+
+bool can_serve(const quillon::cPlugin& plugin, const quillon::Service& service) {
+    return plugin.initialised && plugin.get_plugin_compatibility(service.keyword) &&
+           platform::own_function(plugin.library, service.connect_entry_point) != nullptr;
+}
+
+bool fills_table(const quillon::cPlugin& plugin, const quillon::Service& service) {
+    void** const table = service.interface();
+    return std::any_of(table, table + service.entry_count, [&plugin](void* entry) {
+        return entry != nullptr && platform::holds(plugin.library, entry);
+    });
+}
+
+// The plug-in whose functions stand in the module's table, or where it is filled with functions
+// from elsewhere the first that could have done so; null for an unconnected module.
+const quillon::cPlugin* server_of(const quillon::Service& service,
+                                  const std::vector<const quillon::cPlugin*>& plugins) {
+    if (service.interface() == nullptr)
+        return nullptr;
+    const quillon::cPlugin* first = nullptr;
+    for (const quillon::cPlugin* plugin : plugins) {
+        if (!can_serve(*plugin, service))
+            continue;
+        if (fills_table(*plugin, service))
+            return plugin;
+        if (first == nullptr)
+            first = plugin;
+    }
+    return first;
+}
+
+// A folder of plug-ins after the opening.
+class Outcome {
+public:
+    explicit Outcome(std::vector<const quillon::cPlugin*> all) : plugins(std::move(all)) {
+        for (std::size_t i = 0; i < std::size(quillon::SERVICES); ++i)
+            servers[i] = server_of(quillon::SERVICES[i], plugins);
+    }
+
+    LoadedPlugin describe(const quillon::cPlugin& plugin) const {
+        LoadedPlugin description{platform::file_of(plugin.library).filename().string(),
+                                 plugin.get_plugin_name(),
+                                 plugin.get_plugin_purpose(),
+                                 prerequisites_of(plugin),
+                                 modules_of(plugin),
+                                 plugin.initialised,
+                                 ""};
+        if (description.modules.empty())
+            description.reason = why_not_connected(plugin, description);
+        return description;
+    }
+
+private:
+    static std::vector<std::string> prerequisites_of(const quillon::cPlugin& plugin) {
+        quillon::DSParray<std::string> names(false);
+        plugin.get_plugin_prereqs(names);
+        std::vector<std::string> copies;
+        for (std::uint32_t i = 0; i < names.count(); ++i)
+            copies.push_back(names.get(i) == nullptr ? "" : *names.get(i));
+        return copies;
+    }
+
+    std::vector<std::string> modules_of(const quillon::cPlugin& plugin) const {
+        std::vector<std::string> keywords;
+        for (std::size_t i = 0; i < std::size(servers); ++i)
+            if (servers[i] == &plugin)
+                keywords.emplace_back(quillon::SERVICES[i].keyword);
+        return keywords;
+    }
+
+    bool has_named(const std::string& name, bool initialised) const {
+        return std::ranges::any_of(plugins, [&](const quillon::cPlugin* plugin) {
+            return name == plugin->get_plugin_name() && plugin->initialised >= initialised;
+        });
+    }
+
+    // The same steps as the library's connecting, each with the words for ending there.
+    std::string why_not_connected(const quillon::cPlugin& plugin,
+                                  const LoadedPlugin& description) const {
+        if (description.purpose != "Module")
+            return "its purpose is not 'Module'";
+        for (const std::string& name : description.prerequisites)
+            if (!has_named(name, true))
+                return "waits for prerequisite " + quoted(name) +
+                       (has_named(name, false) ? ", which is not initialised"
+                                               : ", which no plug-in here is named");
+        std::vector<std::string> taken;
+        for (std::size_t i = 0; i < std::size(servers); ++i) {
+            const quillon::Service& service = quillon::SERVICES[i];
+            if (!plugin.get_plugin_compatibility(service.keyword))
+                continue;
+            if (service.interface() == nullptr)
+                return why_module_stayed_free(plugin, service);
+            taken.push_back(service.keyword + (" by " + quoted(servers[i]->get_plugin_name())));
+        }
+        return taken.empty() ? "serves none of the five modules"
+                             : "every module that it serves is taken: " + joined(taken);
+    }
+
+    static std::string why_module_stayed_free(const quillon::cPlugin& plugin,
+                                              const quillon::Service& service) {
+        if (platform::own_function(plugin.library, service.connect_entry_point) == nullptr)
+            return std::string("no connect entry point: ") + service.connect_entry_point;
+        return plugin.initialised ? "was not asked to connect" : "initialize said no";
+    }
+
+    std::vector<const quillon::cPlugin*> plugins;
+    const quillon::cPlugin* servers[std::size(quillon::SERVICES)];
+};
+
+} // namespace
+
+PluginReport report_on(const fs::path& folder) {
+    PluginReport report;
+    for (const std::string& file : open_plugins(folder))
+        report.refused.push_back({file, why_refused(folder / file)});
+
+    const Plugins& list = loaded_plugins();
+    std::vector<const quillon::cPlugin*> plugins;
+    for (std::uint32_t i = 0; i + 1 < list.count(); ++i)
+        plugins.push_back(list.get(i));
+    const Outcome outcome(plugins);
+    for (const quillon::cPlugin* plugin : plugins)
+        report.loaded.push_back(outcome.describe(*plugin));
+    return report;
+}
+
+} // namespace tool
