@@ -1,0 +1,80 @@
+#include "image_plugin.h"
+
+#include "plugins/image/image.h"
+#include "quillon/platform/loader.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <memory>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+template <class Function>
+Function* image_function(const char* name) {
+    static void* const library = quillon::platform::load_library(IMAGE_FILE);
+    return reinterpret_cast<Function*>(quillon::platform::find_function(library, name));
+}
+
+struct ScratchFolder {
+    ScratchFolder() : path((fs::temp_directory_path() / "quillon-XXXXXX").string()) {
+        if (mkdtemp(path.data()) == nullptr)
+            std::abort();
+    }
+
+    ScratchFolder(const ScratchFolder&) = delete;
+    ScratchFolder& operator=(const ScratchFolder&) = delete;
+
+    ~ScratchFolder() { fs::remove_all(path); }
+
+    std::string path;
+};
+
+} // namespace
+
+const quillon::GraphicsTable& image_table() {
+    static const quillon::GraphicsTable table = [] {
+        quillon::GraphicsTable filled{};
+        image_function<void(void**)>("connect_graphics_interface")(
+            reinterpret_cast<void**>(&filled));
+        return filled;
+    }();
+    return table;
+}
+
+std::string image_error() {
+    return image_function<image::LastError>(image::LAST_ERROR)();
+}
+
+Loaded load_image(const std::string& file) {
+    Loaded loaded;
+    std::uint8_t untouched = 0;
+    std::uint8_t* pixels = &untouched;
+    image_table().load_bitmap(file.c_str(), &loaded.width, &loaded.height, &pixels);
+    const std::unique_ptr<std::uint8_t[]> owner(pixels);
+    loaded.has_buffer = pixels != nullptr;
+    if (loaded.has_buffer)
+        loaded.rgba.assign(pixels, pixels + std::size_t{loaded.width} * loaded.height * 4);
+    loaded.error = image_error();
+    return loaded;
+}
+
+Loaded load_image_bytes(const std::vector<std::uint8_t>& bytes) {
+    const std::string name = scratch_file("bytes");
+    std::ofstream(name, std::ios::binary)
+        .write(reinterpret_cast<const char*>(bytes.data()),
+               static_cast<std::streamsize>(bytes.size()));
+    return load_image(name);
+}
+
+std::vector<std::uint8_t> bytes_of_file(const std::string& file) {
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+std::string scratch_file(const std::string& name) {
+    static const ScratchFolder folder;
+    return folder.path + "/" + name;
+}
