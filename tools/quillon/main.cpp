@@ -37,11 +37,14 @@ ExitCode unknown_word(const CLI::App& app, const std::string& word) {
                            (nearest.empty() ? "" : "; did you mean '" + nearest + "'?"));
 }
 
-// The first word that neither names a command nor is an option, where a command must stand.
-const char* misspelt_command(const CLI::App& app, int argc, char** argv) {
+// The first word if a command must stand there and none is named so.
+const char* misspelt_command(int argc, char** argv) {
     if (argc < 2 || argv[1][0] == '-')
         return nullptr;
-    return app.get_subcommand_no_throw(argv[1]) == nullptr ? argv[1] : nullptr;
+    const auto is_meant = [argv](const Command& command) {
+        return command.name == std::string_view(argv[1]);
+    };
+    return std::ranges::any_of(commands(), is_meant) ? nullptr : argv[1];
 }
 
 ExitCode run(const std::string& name, const Action& action) {
@@ -64,7 +67,7 @@ ExitCode parse_and_run(int argc, char** argv) {
         actions.emplace_back(arguments, command.declare(*arguments));
     }
 
-    if (const char* word = misspelt_command(app, argc, argv))
+    if (const char* word = misspelt_command(argc, argv))
         return unknown_word(app, word);
     try {
         app.parse(argc, argv);

@@ -136,6 +136,13 @@ private:
         });
     }
 
+    std::string why_unmet(const std::string& name, const quillon::cPlugin& plugin) const {
+        if (name == plugin.get_plugin_name())
+            return ", its own name";
+        return has_named(name, false) ? ", which is not initialised"
+                                      : ", which no plug-in here is named";
+    }
+
     // The same steps as the library's connecting, each with the words for ending there.
     std::string why_not_connected(const quillon::cPlugin& plugin,
                                   const LoadedPlugin& description) const {
@@ -143,9 +150,7 @@ private:
             return "its purpose is not 'Module'";
         for (const std::string& name : description.prerequisites)
             if (!has_named(name, true))
-                return "waits for prerequisite " + quoted(name) +
-                       (has_named(name, false) ? ", which is not initialised"
-                                               : ", which no plug-in here is named");
+                return "waits for prerequisite " + quoted(name) + why_unmet(name, plugin);
         std::vector<std::string> taken;
         for (std::size_t i = 0; i < std::size(servers); ++i) {
             const quillon::Service& service = quillon::SERVICES[i];

@@ -1,0 +1,36 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string text_of(const fs::path& file) {
+    std::ifstream stream(file);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+} // namespace
+
+// A line "<!-- quotes FILE -->" promises that the fenced block behind it is the whole of the file.
+TEST(Documents, QuotedExamplesAreTheFiles) {
+    const std::string promise = "<!-- quotes ";
+    int quotes = 0;
+    for (const fs::directory_entry& document : fs::directory_iterator(SOURCE_FOLDER "/docs")) {
+        const std::string text = text_of(document.path());
+        for (std::size_t at = text.find(promise); at != std::string::npos;
+             at = text.find(promise, at + 1)) {
+            const std::size_t name = at + promise.size();
+            const std::string file = text.substr(name, text.find(' ', name) - name);
+            const std::size_t begin = text.find('\n', text.find("```", name)) + 1;
+            const std::size_t end = text.find("```\n", begin);
+            EXPECT_EQ(text_of(fs::path(SOURCE_FOLDER) / file), text.substr(begin, end - begin))
+                << document.path() << " quotes " << file;
+            ++quotes;
+        }
+    }
+    EXPECT_GE(quotes, 4);
+}

@@ -1,0 +1,161 @@
+#include "loaded_library.h"
+#include "tool_run.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <elf.h>
+#include <fstream>
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+namespace {
+
+// A line per plug-in and refused file: "file [modules] reason", with "!" behind the file of a
+// plug-in that is not initialised.
+std::vector<std::string> summary(const ToolRun& run) {
+    std::vector<std::string> lines;
+    const auto document = nlohmann::json::parse(run.out);
+    for (const auto& plugin : document["plugins"]) {
+        EXPECT_EQ(lines.size(), plugin["index"]);
+        std::string line = plugin["file"].get<std::string>() + (plugin["initialised"] ? "" : "!");
+        for (const std::string module : plugin["modules"])
+            line += " " + module;
+        lines.push_back(line + (plugin["reason"] == "" ? "" : ": ") +
+                        plugin["reason"].get<std::string>());
+    }
+    for (const auto& file : document["refused"])
+        lines.push_back("refused " + file["file"].get<std::string>() + ": " +
+                        file["reason"].get<std::string>());
+    return lines;
+}
+
+struct Outcome {
+    const char* name;
+    std::vector<std::string> fixtures;
+    std::vector<std::string> lines;
+};
+
+const Outcome OUTCOMES[] = {
+    {"Empty", {}, {}},
+    {"Sound", {"graphics"}, {"0_graphics.so GRAPHICS"}},
+    {"SeveralModules",
+     {"graphics", "all_five"},
+     {"0_graphics.so GRAPHICS", "1_all_five.so INPUT SYSTEM NET AUDIO"}},
+    {"SaysYesAtTheSecondAsking", {"hesitates"}, {"0_hesitates.so GRAPHICS INPUT"}},
+    {"PrerequisiteMet",
+     {"needs_graphics", "graphics"},
+     {"0_needs_graphics.so AUDIO", "1_graphics.so GRAPHICS"}},
+    {"InitializeSaysNo", {"refuses"}, {"0_refuses.so!: initialize said no"}},
+    {"NoConnectEntryPoint",
+     {"no_connect"},
+     {"0_no_connect.so!: no connect entry point: connect_graphics_interface"}},
+    {"NobodyOfThatName",
+     {"needs_graphics"},
+     {"0_needs_graphics.so!: waits for prerequisite 'Graphics', which no plug-in here is named"}},
+    {"PrerequisiteNeverInitialised",
+     {"refuses", "needs_idle", "serves_nothing"},
+     {"0_refuses.so!: initialize said no",
+      "1_needs_idle.so!: waits for prerequisite 'Idle', which is not initialised",
+      "2_serves_nothing.so!: serves none of the five modules"}},
+    {"OwnName",
+     {"needs_itself"},
+     {"0_needs_itself.so!: waits for prerequisite 'Self', its own name"}},
+    {"OtherPurpose", {"tool"}, {"0_tool.so!: its purpose is not 'Module'"}},
+    {"Taken",
+     {"all_five", "input_and_system"},
+     {"0_all_five.so GRAPHICS INPUT SYSTEM NET AUDIO",
+      "1_input_and_system.so!: every module that it serves is taken: INPUT by 'All', SYSTEM by "
+      "'All'"}},
+};
+
+} // namespace
+
+TEST(Plugins, EachThatIsNotConnectedHasItsReason) {
+    for (const Outcome& row : OUTCOMES) {
+        SCOPED_TRACE(row.name);
+        const ScratchFolder folder;
+        folder.add_plugins(row.fixtures);
+        const ToolRun run = run_tool("plugins --json");
+        EXPECT_EQ(0, run.code);
+        EXPECT_EQ("", run.error);
+        EXPECT_EQ(row.lines, summary(run));
+    }
+}
+
+TEST(Plugins, EachRefusedFileHasItsReason) {
+    const ScratchFolder folder;
+    folder.add_plugins({"graphics", "missing_library", "missing_symbol", "without_shutdown"});
+    std::ofstream("plugin/a_text.so") << "not a library at all";
+    fs::create_symlink("nothing", "plugin/b_dangling.so");
+    fs::copy("plugin/0_graphics.so", "plugin/c_foreign.so");
+    std::fstream foreign("plugin/c_foreign.so", std::ios::binary | std::ios::in | std::ios::out);
+    foreign.seekp(offsetof(Elf64_Ehdr, e_machine)).put(EM_S390);
+    foreign.close();
+    fs::copy("plugin/0_graphics.so", "plugin/d_cut.so");
+    fs::resize_file("plugin/d_cut.so", 40);
+
+    const ToolRun run = run_tool("plugins --json");
+    EXPECT_EQ(1, run.code);
+    EXPECT_THAT(summary(run),
+                ElementsAre("0_graphics.so GRAPHICS",
+                            HasSubstr("1_missing_library.so: missing dependency: "
+                                      "libfixture_dependency.so: cannot open"),
+                            HasSubstr("2_missing_symbol.so: missing symbol: "),
+                            "refused 3_without_shutdown.so: missing entry point: shutdown",
+                            HasSubstr("a_text.so: not a library: "),
+                            "refused b_dangling.so: not a file",
+                            HasSubstr("c_foreign.so: wrong architecture: "),
+                            HasSubstr("d_cut.so: does not load: ")));
+
+    const ToolRun table = run_tool("plugins");
+    EXPECT_EQ(1, table.code);
+    for (const std::string text :
+         {"plug-ins in plugin\n", "0      0_graphics.so          Graphics  Module",
+          "-      3_without_shutdown.so  -", "refused      missing entry point: shutdown\n"})
+        EXPECT_THAT(table.out, HasSubstr(text));
+}
+
+TEST(Plugins, GivenFolderIsTheOnlyOneOpened) {
+    const ScratchFolder folder;
+    folder.add_plugins({"graphics"});
+    fs::rename("plugin", "elsewhere");
+    folder.add_plugins({"all_five"});
+    for (const std::string name : {"elsewhere", "./elsewhere/", "$PWD/elsewhere"})
+        EXPECT_THAT(summary(run_tool("plugins --json " + name)),
+                    ElementsAre("0_graphics.so GRAPHICS"));
+}
+
+TEST(Plugins, WithoutAFolderTheOnesThatCameWithTheTool) {
+    const ScratchFolder folder;
+    const ToolRun run = run_tool("plugins");
+    EXPECT_EQ(0, run.code);
+    EXPECT_THAT(run.out, HasSubstr("plug-ins in " PLUGIN_FOLDER "\n"));
+    for (const char* file : {"clock.so", "image.so"})
+        EXPECT_THAT(run.out, HasSubstr(file));
+}
+
+TEST(Plugins, FolderThatCannotBeListedIsAFailure) {
+    const ScratchFolder folder;
+    std::ofstream("file") << "";
+    const std::string deep = std::string(120, 'a') + "/" + std::string(120, 'b');
+    fs::create_directories(deep);
+
+    const struct {
+        std::string folder;
+        const char* error;
+    } cases[] = {{"nothing", "quillon plugins: cannot list 'nothing': No such file"},
+                 {"file", "cannot list 'file': Not a directory"},
+                 {deep, "is too long"}};
+
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.folder);
+        const ToolRun run = run_tool("plugins " + row.folder);
+        EXPECT_EQ(1, run.code);
+        EXPECT_EQ("", run.out);
+        EXPECT_THAT(run.error, HasSubstr(row.error));
+    }
+}

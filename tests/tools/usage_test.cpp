@@ -1,0 +1,55 @@
+#include "loaded_library.h"
+#include "tool_run.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+TEST(Usage, HelpAndVersionEverywhere) {
+    const ScratchFolder folder;
+    for (const std::string command : {"", "plugins", "convert"}) {
+        SCOPED_TRACE(command);
+        const ToolRun help = run_tool(command + " --help");
+        EXPECT_EQ(0, help.code);
+        EXPECT_THAT(help.out, HasSubstr("Usage: quillon " + command));
+        const ToolRun version = run_tool(command + " --version");
+        EXPECT_EQ(0, version.code);
+        EXPECT_THAT(version.out, testing::MatchesRegex("quillon [0-9]+\\.[0-9]+\\.[0-9]+\n"));
+        EXPECT_EQ("", help.error + version.error);
+    }
+}
+
+TEST(Usage, MisuseIsAnErrorWithAHint) {
+    const ScratchFolder folder;
+
+    const struct {
+        const char* arguments;
+        const char* error;
+    } cases[] = {
+        {"", "quillon: A subcommand is required\nSee 'quillon --help'.\n"},
+        {"plugin", "unknown word 'plugin'; did you mean 'plugins'?"},
+        {"covnert a b", "unknown word 'covnert'; did you mean 'convert'?"},
+        {"xyzzy", "quillon: unknown word 'xyzzy'\nSee 'quillon --help'.\n"},
+        {"--versoin", "unknown word '--versoin'; did you mean '--version'?"},
+        {"plugins --jsno", "quillon plugins: unknown word '--jsno'; did you mean '--json'?"},
+        {"plugins one two", "quillon plugins: unknown word 'two'"},
+        {"convert in.png", "OUT is required\nSee 'quillon convert --help'."},
+    };
+
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.arguments);
+        const ToolRun run = run_tool(row.arguments);
+        EXPECT_EQ(2, run.code);
+        EXPECT_EQ("", run.out);
+        EXPECT_THAT(run.error, HasSubstr(row.error));
+    }
+}
+
+TEST(Usage, OutputThatCannotBeWrittenIsAFailure) {
+    const ScratchFolder folder;
+    const ToolRun run = run_tool("--help > /dev/full");
+    EXPECT_EQ(1, run.code);
+    EXPECT_THAT(run.error, StartsWith("quillon: cannot write"));
+}
