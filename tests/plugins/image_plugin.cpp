@@ -63,6 +63,8 @@ Loaded load_image(const std::string& file) {
 
 Loaded load_image_bytes(const std::vector<std::uint8_t>& bytes) {
     const std::string name = scratch_file("bytes");
+    // Some file systems wait for the disk when a file is truncated and written again.
+    fs::remove(name);
     std::ofstream(name, std::ios::binary)
         .write(reinterpret_cast<const char*>(bytes.data()),
                static_cast<std::streamsize>(bytes.size()));
