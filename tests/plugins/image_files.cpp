@@ -55,7 +55,7 @@ Bytes jpeg_file(std::uint32_t width, std::uint32_t height, J_COLOR_SPACE space,
         jpeg_write_scanlines(&codec, &row, 1);
     jpeg_finish_compress(&codec);
     jpeg_destroy_compress(&codec);
-    const Bytes file(memory, memory + size);
+    Bytes file(memory, memory + size);
     std::free(memory);
     return file;
 }
