@@ -1,0 +1,115 @@
+// Reading with release, writing and copying, each beside its peers on the same documents.
+// Times per document stand in bytes of its text a second.
+#include "documents.h"
+
+#include "quillon/json/containers.h"
+#include "quillon/json/parser.h"
+
+#include <benchmark/benchmark.h>
+#include <cjson/cJSON.h>
+#include <jansson.h>
+#include <rapidjson/document.h>
+#include <rapidjson/stringbuffer.h>
+#include <rapidjson/writer.h>
+
+#include <cstdlib>
+
+using namespace quillon;
+
+namespace {
+
+cson_value* read(const std::string& text) {
+    cson_value* value = nullptr;
+    const auto length = static_cast<std::uint32_t>(text.size());
+    if (cson_read_text(&value, text.data(), length, nullptr, nullptr) != cson_OK)
+        std::abort();
+    return value;
+}
+
+void count_bytes(benchmark::State& state, const std::string& text) {
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
+}
+
+void read_quillon(benchmark::State& state, const std::string& text) {
+    for (auto _ : state)
+        cson_value_release(read(text));
+    count_bytes(state, text);
+}
+
+int read_memory(void* state, void* destination, std::uint32_t* count) {
+    auto& cursor = *static_cast<std::pair<const char*, const char*>*>(state);
+    *count = cursor.first != cursor.second ? 1 : 0;
+    if (*count != 0)
+        *static_cast<char*>(destination) = *cursor.first++;
+    return cson_OK;
+}
+
+// A caller's reader, which is asked once per byte.
+void read_bytewise(benchmark::State& state, const std::string& text) {
+    for (auto _ : state) {
+        std::pair cursor(text.data(), text.data() + text.size());
+        cson_value* value = nullptr;
+        cson_read(&value, read_memory, &cursor, nullptr, nullptr);
+        cson_value_release(value);
+    }
+    count_bytes(state, text);
+}
+
+void read_rapidjson(benchmark::State& state, const std::string& text) {
+    for (auto _ : state) {
+        rapidjson::Document document;
+        document.Parse(text.data(), text.size());
+        benchmark::DoNotOptimize(document.HasParseError());
+    }
+    count_bytes(state, text);
+}
+
+void read_cjson(benchmark::State& state, const std::string& text) {
+    for (auto _ : state)
+        cJSON_Delete(cJSON_ParseWithLength(text.data(), text.size()));
+    count_bytes(state, text);
+}
+
+void read_jansson(benchmark::State& state, const std::string& text) {
+    for (auto _ : state)
+        json_decref(json_loadb(text.data(), text.size(), 0, nullptr));
+    count_bytes(state, text);
+}
+
+void copy_quillon(benchmark::State& state, const std::string& text) {
+    cson_value* value = read(text);
+    for (auto _ : state)
+        cson_value_release(cson_value_copy(value));
+    cson_value_release(value);
+    count_bytes(state, text);
+}
+
+using Measure = void (*)(benchmark::State&, const std::string&);
+
+struct Contender {
+    const char* name;
+    Measure measure;
+};
+
+constexpr Contender contenders[] = {
+    {"read/quillon/", read_quillon},
+    {"read/rapidjson/", read_rapidjson},
+    {"read/cjson/", read_cjson},
+    {"read/jansson/", read_jansson},
+    {"read_bytewise/quillon/", read_bytewise},
+    {"copy/quillon/", copy_quillon},
+};
+
+} // namespace
+
+int main(int argc, char** argv) {
+    static const std::vector<Document> documents = make_documents();
+    for (const Contender& contender : contenders)
+        for (const Document& document : documents)
+            benchmark::RegisterBenchmark((contender.name + std::string(document.name)).c_str(),
+                                         contender.measure, document.text);
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+        return 1;
+    benchmark::RunSpecifiedBenchmarks();
+}

@@ -1,0 +1,81 @@
+#include "quillon/json/allocator.h"
+#include "quillon/json/value.h"
+
+#include <array>
+#include <cstring>
+#include <limits>
+
+namespace quillon {
+namespace {
+
+constexpr const char* buffer_tag = "cson_buffer::mem";
+constexpr std::uint32_t read_block = 4096;
+
+// Appends bytes, growing to exactly what they and a terminator take.
+int append(cson_buffer* buffer, const void* bytes, std::uint32_t count) {
+    if (count >= std::numeric_limits<std::uint32_t>::max() - buffer->used)
+        return cson_RangeError;
+    const int code = cson_buffer_reserve_bytes(buffer, buffer->used + count + 1);
+    if (code != cson_OK)
+        return code;
+    std::memcpy(buffer->mem + buffer->used, bytes, count);
+    buffer->used += count;
+    return cson_OK;
+}
+
+int append_all(cson_buffer* buffer, cson_reader reader, void* state) {
+    std::array<unsigned char, read_block> block;
+    std::uint32_t count = read_block;
+    while (count == read_block) {
+        const int read_code = reader(state, block.data(), &count);
+        if (read_code != cson_OK)
+            return read_code;
+        if (count > read_block)
+            return cson_RangeError;
+        const int code = append(buffer, block.data(), count);
+        if (code != cson_OK)
+            return code;
+    }
+    return cson_OK;
+}
+
+} // namespace
+
+int cson_buffer_reserve_bytes(cson_buffer* buffer, std::uint32_t capacity) {
+    if (buffer == nullptr)
+        return cson_ArgError;
+    if (capacity == 0) {
+        cson_free(buffer->mem, buffer_tag);
+        *buffer = {};
+        return cson_OK;
+    }
+    if (capacity <= buffer->capacity)
+        return cson_OK;
+    void* grown = cson_resize(buffer->mem, capacity, buffer_tag);
+    if (grown == nullptr)
+        return cson_AllocError;
+    buffer->mem = static_cast<unsigned char*>(grown);
+    std::memset(buffer->mem + buffer->used, 0, capacity - buffer->used);
+    buffer->capacity = capacity;
+    ++buffer->times_expanded;
+    return cson_OK;
+}
+
+std::uint32_t cson_buffer_fill_bytes(cson_buffer* buffer, unsigned char byte) {
+    if (buffer == nullptr || buffer->mem == nullptr)
+        return 0;
+    std::memset(buffer->mem, byte, buffer->capacity);
+    return buffer->capacity;
+}
+
+int cson_buffer_read_from(cson_buffer* buffer, cson_reader reader, void* state) {
+    if (buffer == nullptr || reader == nullptr)
+        return cson_ArgError;
+    buffer->used = 0;
+    const int code = append_all(buffer, reader, state);
+    if (code == cson_OK && buffer->used != 0)
+        buffer->mem[buffer->used] = 0;
+    return code;
+}
+
+} // namespace quillon

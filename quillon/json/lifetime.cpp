@@ -1,0 +1,148 @@
+// How values come to their end, and the table of kinds that says how each is emptied.
+#include "quillon/json/building.h"
+#include "quillon/json/containers.h"
+#include "quillon/json/value.h"
+
+namespace quillon {
+namespace {
+
+void make_undefined(cson_value* value) {
+    value->api = &cson_kinds[cson_kind_undefined].api;
+    value->value = nullptr;
+}
+
+bool is_container(const cson_value* value) {
+    return cson_value_has_kind(value, cson_kind_array) ||
+           cson_value_has_kind(value, cson_kind_object);
+}
+
+void free_block(cson_value* value) {
+    cson_give_back(value, value->distance, "cson_value::refcount=0");
+}
+
+// Frees whole trees without recursion, depth first: the containers on the way down are chained
+// through their `value`, which nobody needs any more, and give up their entries from the last to
+// the first.
+class graveyard {
+public:
+    // Takes one owner away.
+    void drop(cson_value* value) {
+        if (value == nullptr || cson_value_is_shared(value))
+            return;
+        if (value->refcount > 1) {
+            --value->refcount;
+        } else if (is_container(value)) {
+            value->value = innermost;
+            innermost = value;
+        } else {
+            free_block(value);
+        }
+    }
+
+    // Frees all that has been dropped.
+    void drain() {
+        while (innermost != nullptr) {
+            cson_value* container = innermost;
+            if (empty(container)) {
+                innermost = static_cast<cson_value*>(container->value);
+                free_block(container);
+            }
+        }
+    }
+
+    // Drops entries; false if one of them, a container, has to be freed before the next.
+    bool empty(cson_value* container) {
+        return container->api->kind == cson_kind_array
+                   ? empty(&cson_payload<cson_array>(container)->list)
+                   : empty(&cson_payload<cson_object>(container)->list);
+    }
+
+private:
+    bool empty(cson_value_list* list) {
+        const cson_value* before = innermost;
+        while (list->count != 0 && innermost == before)
+            drop(list->items[--list->count]);
+        return finish(list, before, cson_value_list_reserve);
+    }
+
+    bool empty(cson_kvp_list* list) {
+        const cson_value* before = innermost;
+        while (list->count != 0 && innermost == before) {
+            cson_kvp* pair = list->items[--list->count];
+            if (pair == nullptr)
+                continue;
+            drop(pair->key);
+            drop(pair->value);
+            cson_give_back(pair, pair->distance, cson_kvp_tag);
+        }
+        return finish(list, before, cson_kvp_list_reserve);
+    }
+
+    template <class List>
+    bool finish(List* list, const cson_value* before,
+                std::uint32_t (*reserve)(List*, std::uint32_t)) const {
+        if (innermost != before)
+            return false;
+        reserve(list, 0);
+        return true;
+    }
+
+    cson_value* innermost = nullptr;
+};
+
+void clean_container(cson_value* value) {
+    graveyard graves;
+    while (!graves.empty(value))
+        graves.drain();
+    make_undefined(value);
+}
+
+} // namespace
+
+constinit const std::array<cson_kind_info, 8> cson_kinds = {{
+    {{cson_kind_undefined, make_undefined}, 0, ""},
+    {{cson_kind_null, make_undefined}, 0, ""},
+    {{cson_kind_boolean, make_undefined}, 0, ""},
+    {{cson_kind_integer, make_undefined}, sizeof(std::int32_t), "cson_value:int"},
+    {{cson_kind_double, make_undefined}, sizeof(double), "cson_value:double"},
+    {{cson_kind_string, make_undefined}, sizeof(cson_string), "cson_value:string"},
+    {{cson_kind_array, clean_container}, sizeof(cson_array), "cson_value:array"},
+    {{cson_kind_object, clean_container}, sizeof(cson_object), "cson_value:object"},
+}};
+
+int cson_value_retain(cson_value* value) {
+    if (value == nullptr)
+        return cson_ArgError;
+    if (!cson_can_own(value))
+        return cson_RangeError;
+    cson_count_owner(value);
+    return cson_OK;
+}
+
+std::uint32_t cson_value_release(cson_value* value) {
+    if (value != nullptr && !cson_value_is_shared(value) && value->refcount > 1)
+        return --value->refcount;
+    graveyard graves;
+    graves.drop(value);
+    graves.drain();
+    return 0;
+}
+
+void cson_value_clear(cson_value* value) {
+    if (value != nullptr && value->api != nullptr && !cson_value_is_shared(value))
+        value->api->cleanup(value);
+}
+
+void cson_release_string(cson_string* string) {
+    cson_value_release(cson_value_of_string(string));
+}
+
+void cson_release_array(cson_array* array) {
+    cson_value_release(cson_value_of_array(array));
+}
+
+void cson_release_object(cson_object* object) {
+    cson_value_release(cson_value_of_object(object));
+}
+
+} // namespace quillon

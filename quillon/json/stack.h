@@ -1,0 +1,70 @@
+// A stack for walking trees without recursion.
+#pragma once
+
+#include "quillon/json/allocator.h"
+
+#include <array>
+#include <cstddef>
+#include <cstring>
+#include <type_traits>
+
+namespace quillon {
+
+// Holds the first entries in itself, and more of them in a block of the component's allocator.
+template <class Entry>
+class cson_stack {
+    static_assert(std::is_trivially_copyable_v<Entry>);
+
+public:
+    cson_stack() = default;
+    cson_stack(const cson_stack&) = delete;
+    cson_stack& operator=(const cson_stack&) = delete;
+
+    ~cson_stack() {
+        if (entries != inner.data())
+            cson_free(entries, tag);
+    }
+
+    bool empty() const { return count == 0; }
+
+    std::size_t size() const { return count; }
+
+    // Valid until the next push.
+    Entry& top() { return entries[count - 1]; }
+
+    void pop() { --count; }
+
+    Entry* from(std::size_t position) { return entries + position; }
+
+    void shrink(std::size_t new_size) { count = new_size; }
+
+    // False, with nothing changed, when memory runs out.
+    bool push(const Entry& entry) {
+        if (count == capacity && !grow())
+            return false;
+        entries[count++] = entry;
+        return true;
+    }
+
+private:
+    static constexpr const char* tag = "cson_stack";
+
+    bool grow() {
+        const bool is_inner = entries == inner.data();
+        void* block = cson_resize(is_inner ? nullptr : entries, capacity * 2 * sizeof(Entry), tag);
+        if (block == nullptr)
+            return false;
+        if (is_inner)
+            std::memcpy(block, inner.data(), sizeof(inner));
+        entries = static_cast<Entry*>(block);
+        capacity *= 2;
+        return true;
+    }
+
+    std::array<Entry, 32> inner;
+    Entry* entries = inner.data();
+    std::size_t count = 0;
+    std::size_t capacity = inner.size();
+};
+
+} // namespace quillon

@@ -1,0 +1,90 @@
+// Turns the events of a push parser into a tree of values.
+#pragma once
+
+#include "quillon/json/building.h"
+#include "quillon/json/parser.h"
+#include "quillon/json/pool.h"
+#include "quillon/json/stack.h"
+#include "quillon/json/value.h"
+
+#include <array>
+#include <cstdint>
+
+namespace quillon {
+
+// Lives for one reading; every operation gives a code, and the first failure ends the reading.
+//
+// A container gets its list when it ends, with the capacity that adding its entries one by one
+// would have given. Up to then they wait behind those of the containers around it: the elements of
+// an array, keys and members of an object in turn.
+class cson_tree_builder {
+public:
+    cson_tree_builder() = default;
+    cson_tree_builder(const cson_tree_builder&) = delete;
+    cson_tree_builder& operator=(const cson_tree_builder&) = delete;
+    ~cson_tree_builder();
+
+    int begin_container(std::uint32_t kind);
+    int end_container();
+    int key(const char* text, std::uint32_t length);
+
+    int integer(std::int32_t number) { return add(cson_build_int(&pool, number)); }
+
+    int number(double number) { return add(cson_build_double(&pool, number)); }
+
+    int string(const char* text, std::uint32_t length) {
+        return add(cson_build_string(&pool, text, length));
+    }
+
+    int constant(cson_value* shared) { return add(shared); }
+
+    // The parser's callback, with a builder as the context.
+    static int on_event(void* context, int event, const cson_push_data* data);
+
+    // Hands the tree over with a count of 0, or gives null when there was no value.
+    cson_value* take_root();
+
+    int error = cson_OK; // of the last event
+    std::uint32_t key_count = 0;
+    std::uint32_t value_count = 0;
+
+private:
+    // A container that has begun, and where its entries begin.
+    struct open_container {
+        cson_value* value;
+        std::size_t first;
+    };
+
+    // Files a new or shared value with the container that is being filled; a failure frees it.
+    int add(cson_value* value) {
+        if (value == nullptr)
+            return cson_AllocError;
+        const int code = file(value);
+        if (code == cson_OK)
+            ++value_count;
+        else
+            cson_value_release(value);
+        return code;
+    }
+
+    int file(cson_value* value) {
+        if (!entries.push(value))
+            return cson_AllocError;
+        cson_count_owner(value);
+        return cson_OK;
+    }
+
+    int handle(int event, const cson_push_data* data);
+    cson_value* key_value(const char* text, std::uint32_t length);
+    int fill(cson_value_list* list, std::size_t first);
+    int fill(cson_kvp_list* list, std::size_t first);
+
+    cson_value* root = nullptr;
+    cson_stack<open_container> open;
+    cson_stack<cson_value*> entries;
+    cson_pool pool;
+    // Keys of this tree that may come again, by a hash. No owners: their pairs live longer.
+    std::array<cson_value*, 256> known_keys = {};
+};
+
+} // namespace quillon

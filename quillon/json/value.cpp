@@ -1,0 +1,305 @@
+#include "quillon/json/value.h"
+
+#include "quillon/json/building.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+
+namespace quillon {
+namespace {
+
+constexpr std::array<const char*, 20> error_names = {
+    "OK",
+    "ArgError",
+    "RangeError",
+    "TypeError",
+    "IOError",
+    "AllocError",
+    "NYIError",
+    "InternalError",
+    "UnsupportedError",
+    "NotFoundError",
+    "UnknownError",
+    "Parse_INVALID_CHAR",
+    "Parse_INVALID_KEYWORD",
+    "Parse_INVALID_ESCAPE_SEQUENCE",
+    "Parse_INVALID_UNICODE_SEQUENCE",
+    "Parse_INVALID_NUMBER",
+    "Parse_NESTING_DEPTH_REACHED",
+    "Parse_UNBALANCED_COLLECTION",
+    "Parse_EXPECTED_KEY",
+    "Parse_EXPECTED_COLON",
+};
+
+bool is_undefined(const cson_value* value) {
+    return value == nullptr || value->api == nullptr;
+}
+
+// A zero is held without a payload by the shared constants.
+std::int32_t integer_of(const cson_value* value) {
+    return value->value != nullptr ? *static_cast<const std::int32_t*>(value->value) : 0;
+}
+
+double double_of(const cson_value* value) {
+    return value->value != nullptr ? *static_cast<const double*>(value->value) : 0.0;
+}
+
+std::int32_t truncate(double number) {
+    using limits = std::numeric_limits<std::int32_t>;
+    if (std::isnan(number))
+        return 0;
+    return static_cast<std::int32_t>(std::clamp<double>(number, limits::lowest(), limits::max()));
+}
+
+// The shared body of the three `as` operations.
+template <class Payload>
+int payload_as(const cson_value* value, std::uint32_t kind, Payload** out) {
+    if (value == nullptr)
+        return cson_ArgError;
+    if (!cson_value_has_kind(value, kind))
+        return cson_TypeError;
+    if (out != nullptr)
+        *out = static_cast<Payload*>(value->value);
+    return cson_OK;
+}
+
+template <class Payload>
+Payload* payload_or_null(const cson_value* value, std::uint32_t kind) {
+    Payload* payload = nullptr;
+    payload_as(value, kind, &payload);
+    return payload;
+}
+
+// The payload never moves, so its value stands right in front of it.
+cson_value* value_before(const void* payload) {
+    return payload != nullptr ? static_cast<cson_value*>(const_cast<void*>(payload)) - 1 : nullptr;
+}
+
+} // namespace
+
+constinit cson_shared_constants cson_shared = {
+    {&cson_kinds[cson_kind_undefined].api, nullptr, 0, 0},
+    {&cson_kinds[cson_kind_null].api, nullptr, 0, 0},
+    {&cson_kinds[cson_kind_boolean].api, &cson_shared.one, 0, 0},
+    {&cson_kinds[cson_kind_boolean].api, nullptr, 0, 0},
+    {&cson_kinds[cson_kind_integer].api, nullptr, 0, 0},
+    {&cson_kinds[cson_kind_double].api, nullptr, 0, 0},
+    {&cson_kinds[cson_kind_string].api, &cson_shared.empty, 0, 0},
+    1,
+    {0},
+    {},
+};
+
+const char* cson_error_name(int code) {
+    const bool known = code >= 0 && code < static_cast<int>(error_names.size());
+    return error_names[static_cast<std::size_t>(known ? code : cson_UnknownError)];
+}
+
+cson_value* cson_value_new(std::uint32_t kind, std::uint32_t extra) {
+    return cson_build_value(nullptr, kind, extra);
+}
+
+cson_value* cson_value_from_bool(bool flag) {
+    return flag ? cson_value_true() : cson_value_false();
+}
+
+cson_value* cson_value_true() {
+    return &cson_shared.true_value;
+}
+
+cson_value* cson_value_false() {
+    return &cson_shared.false_value;
+}
+
+cson_value* cson_value_null_constant() {
+    return &cson_shared.null;
+}
+
+cson_value* cson_value_from_int(std::int32_t number) {
+    return cson_build_int(nullptr, number);
+}
+
+cson_value* cson_value_from_double(double number) {
+    return cson_build_double(nullptr, number);
+}
+
+cson_value* cson_value_from_text(const char* text, std::uint32_t length) {
+    return cson_build_string(nullptr, text, length);
+}
+
+bool cson_value_is_undefined(const cson_value* value) {
+    return is_undefined(value) || value->api->kind == cson_kind_undefined;
+}
+
+bool cson_value_is_null(const cson_value* value) {
+    return cson_value_has_kind(value, cson_kind_null);
+}
+
+bool cson_value_is_bool(const cson_value* value) {
+    return cson_value_has_kind(value, cson_kind_boolean);
+}
+
+bool cson_value_is_int(const cson_value* value) {
+    return cson_value_has_kind(value, cson_kind_integer);
+}
+
+bool cson_value_is_double(const cson_value* value) {
+    return cson_value_has_kind(value, cson_kind_double);
+}
+
+bool cson_value_is_number(const cson_value* value) {
+    return cson_value_is_int(value) || cson_value_is_double(value);
+}
+
+bool cson_value_is_string(const cson_value* value) {
+    return cson_value_has_kind(value, cson_kind_string);
+}
+
+bool cson_value_is_array(const cson_value* value) {
+    return cson_value_has_kind(value, cson_kind_array);
+}
+
+bool cson_value_is_object(const cson_value* value) {
+    return cson_value_has_kind(value, cson_kind_object);
+}
+
+int cson_value_to_bool(const cson_value* value, bool* out) {
+    if (is_undefined(value))
+        return cson_ArgError;
+    bool result = false;
+    switch (value->api->kind) {
+    case cson_kind_boolean:
+        result = value->value != nullptr;
+        break;
+    case cson_kind_integer:
+        result = integer_of(value) != 0;
+        break;
+    case cson_kind_double:
+        result = double_of(value) != 0.0;
+        break;
+    case cson_kind_string:
+        result = cson_string_size(cson_value_string(value)) != 0;
+        break;
+    case cson_kind_array:
+    case cson_kind_object:
+        result = true;
+        break;
+    default: // undefined and null
+        break;
+    }
+    if (out != nullptr)
+        *out = result;
+    return cson_OK;
+}
+
+int cson_value_to_int(const cson_value* value, std::int32_t* out) {
+    if (is_undefined(value))
+        return cson_ArgError;
+    std::int32_t result = 0;
+    switch (value->api->kind) {
+    case cson_kind_boolean:
+        result = value->value != nullptr ? 1 : 0;
+        break;
+    case cson_kind_integer:
+        result = integer_of(value);
+        break;
+    case cson_kind_double:
+        result = truncate(double_of(value));
+        break;
+    default: // all others are 0
+        break;
+    }
+    if (out != nullptr)
+        *out = result;
+    return cson_OK;
+}
+
+int cson_value_to_double(const cson_value* value, double* out) {
+    if (is_undefined(value))
+        return cson_ArgError;
+    double result = 0.0;
+    int code = cson_OK;
+    switch (value->api->kind) {
+    case cson_kind_boolean:
+        result = value->value != nullptr ? 1.0 : 0.0;
+        break;
+    case cson_kind_integer:
+        result = integer_of(value);
+        break;
+    case cson_kind_double:
+        result = double_of(value);
+        break;
+    case cson_kind_string:
+    case cson_kind_array:
+    case cson_kind_object:
+        code = cson_TypeError;
+        break;
+    default: // undefined and null
+        break;
+    }
+    if (out != nullptr)
+        *out = result;
+    return code;
+}
+
+bool cson_value_bool(const cson_value* value) {
+    bool result = false;
+    cson_value_to_bool(value, &result);
+    return result;
+}
+
+std::int32_t cson_value_int(const cson_value* value) {
+    std::int32_t result = 0;
+    cson_value_to_int(value, &result);
+    return result;
+}
+
+double cson_value_double(const cson_value* value) {
+    double result = 0.0;
+    cson_value_to_double(value, &result);
+    return result;
+}
+
+int cson_value_as_string(const cson_value* value, cson_string** out) {
+    return out != nullptr ? payload_as(value, cson_kind_string, out) : cson_ArgError;
+}
+
+int cson_value_as_array(const cson_value* value, cson_array** out) {
+    return payload_as(value, cson_kind_array, out);
+}
+
+int cson_value_as_object(const cson_value* value, cson_object** out) {
+    return payload_as(value, cson_kind_object, out);
+}
+
+cson_string* cson_value_string(const cson_value* value) {
+    return payload_or_null<cson_string>(value, cson_kind_string);
+}
+
+cson_array* cson_value_array(const cson_value* value) {
+    return payload_or_null<cson_array>(value, cson_kind_array);
+}
+
+cson_object* cson_value_object(const cson_value* value) {
+    return payload_or_null<cson_object>(value, cson_kind_object);
+}
+
+const char* cson_value_text(const cson_value* value) {
+    return cson_string_text(cson_value_string(value));
+}
+
+cson_value* cson_value_of_string(const cson_string* string) {
+    return string == &cson_shared.empty ? &cson_shared.empty_string : value_before(string);
+}
+
+cson_value* cson_value_of_array(const cson_array* array) {
+    return value_before(array);
+}
+
+cson_value* cson_value_of_object(const cson_object* object) {
+    return value_before(object);
+}
+
+} // namespace quillon
