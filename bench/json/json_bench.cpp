@@ -4,6 +4,7 @@
 
 #include "quillon/json/containers.h"
 #include "quillon/json/parser.h"
+#include "quillon/json/writer.h"
 
 #include <benchmark/benchmark.h>
 #include <cjson/cJSON.h>
@@ -84,6 +85,46 @@ void copy_quillon(benchmark::State& state, const std::string& text) {
     count_bytes(state, text);
 }
 
+void write_quillon(benchmark::State& state, const std::string& text) {
+    cson_value* value = read(text);
+    for (auto _ : state) {
+        cson_buffer buffer;
+        if (cson_write_buffer(value, &buffer, nullptr) != cson_OK)
+            state.SkipWithError("not written");
+        cson_buffer_reserve_bytes(&buffer, 0);
+    }
+    cson_value_release(value);
+    count_bytes(state, text);
+}
+
+void write_rapidjson(benchmark::State& state, const std::string& text) {
+    rapidjson::Document document;
+    document.Parse(text.data(), text.size());
+    for (auto _ : state) {
+        rapidjson::StringBuffer buffer;
+        rapidjson::Writer<rapidjson::StringBuffer> writer(buffer);
+        document.Accept(writer);
+        benchmark::DoNotOptimize(buffer.GetString());
+    }
+    count_bytes(state, text);
+}
+
+void write_cjson(benchmark::State& state, const std::string& text) {
+    cJSON* value = cJSON_ParseWithLength(text.data(), text.size());
+    for (auto _ : state)
+        cJSON_free(cJSON_PrintUnformatted(value));
+    cJSON_Delete(value);
+    count_bytes(state, text);
+}
+
+void write_jansson(benchmark::State& state, const std::string& text) {
+    json_t* value = json_loadb(text.data(), text.size(), 0, nullptr);
+    for (auto _ : state)
+        std::free(json_dumps(value, JSON_COMPACT));
+    json_decref(value);
+    count_bytes(state, text);
+}
+
 using Measure = void (*)(benchmark::State&, const std::string&);
 
 struct Contender {
@@ -98,6 +139,10 @@ constexpr Contender contenders[] = {
     {"read/jansson/", read_jansson},
     {"read_bytewise/quillon/", read_bytewise},
     {"copy/quillon/", copy_quillon},
+    {"write/quillon/", write_quillon},
+    {"write/rapidjson/", write_rapidjson},
+    {"write/cjson/", write_cjson},
+    {"write/jansson/", write_jansson},
 };
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "quillon/json/grammar.h"
 #include "quillon/json/push_parser.h"
+#include "quillon/json/text_scan.h"
 
 #include <algorithm>
 #include <array>
@@ -15,31 +16,15 @@ namespace {
 
 using bytes_at = const unsigned char*;
 
-constexpr std::uint64_t ones = 0x0101010101010101;
-constexpr std::uint64_t high_bits = ones << 7;
-
-// The high bit of each byte that is below `limit`, at most 128; not exact behind the first of them.
-constexpr std::uint64_t below(std::uint64_t bytes, unsigned char limit) {
-    return (bytes - ones * limit) & ~bytes & high_bits;
-}
-
-bool is_special(unsigned char c) {
-    return c < 0x20 || c == '"' || c == '\\';
-}
-
 // The first byte from `at` on that isn't plain text of a string, or the end.
 bytes_at skip_plain(bytes_at at, bytes_at end) {
-    for (; end - at >= 8; at += 8) {
-        std::uint64_t bytes = 0;
-        std::memcpy(&bytes, at, sizeof(bytes));
-        const std::uint64_t special =
-            below(bytes, 0x20) | below(bytes ^ ones * '"', 1) | below(bytes ^ ones * '\\', 1);
-        if (special != 0)
-            break;
-    }
-    while (at < end && !is_special(*at))
-        ++at;
-    return at;
+    return cson_skip(
+        at, end,
+        [](std::uint64_t bytes) {
+            return cson_bytes_below(bytes, 0x20) | cson_bytes_equal(bytes, '"') |
+                   cson_bytes_equal(bytes, '\\');
+        },
+        [](unsigned char c) { return c < 0x20 || c == '"' || c == '\\'; });
 }
 
 bytes_at skip_white(bytes_at at, bytes_at end) {

@@ -1,0 +1,450 @@
+#include "quillon/json/writer.h"
+
+#include "quillon/json/containers.h"
+#include "quillon/json/double_text.h"
+#include "quillon/json/stack.h"
+#include "quillon/json/text_scan.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <clocale>
+#include <cstring>
+#include <limits>
+#include <string_view>
+
+namespace quillon {
+namespace {
+
+using bytes_at = const unsigned char*;
+
+// --- Outputs -----------------------------------------------------------------------------------
+
+// Where pieces go. A run is a row of pieces of one byte each.
+class sink_output {
+public:
+    sink_output(cson_sink used_sink, void* used_state, bool joins)
+        : sink(used_sink), state(used_state), joins_runs(joins) {}
+
+    int piece(const void* bytes, std::uint32_t count) { return sink(state, bytes, count); }
+
+    int run(bytes_at bytes, std::uint32_t count) {
+        if (joins_runs)
+            return count != 0 ? sink(state, bytes, count) : cson_OK;
+        int code = cson_OK;
+        for (std::uint32_t i = 0; i < count && code == cson_OK; ++i)
+            code = sink(state, bytes + i, 1);
+        return code;
+    }
+
+private:
+    cson_sink sink;
+    void* state;
+    bool joins_runs; // where a sink of our own can't tell the difference
+};
+
+class buffer_output {
+public:
+    explicit buffer_output(cson_buffer& target) : buffer(target) {}
+
+    int piece(const void* bytes, std::uint32_t count) {
+        const std::uint64_t needed = std::uint64_t{buffer.used} + count;
+        if (needed >= buffer.capacity) {
+            const int code = grow_to(needed * 2);
+            if (code != cson_OK)
+                return code;
+        }
+        append(bytes, count);
+        return cson_OK;
+    }
+
+    // Grows where single bytes would have made it grow.
+    int run(bytes_at bytes, std::uint32_t count) {
+        int code = cson_OK;
+        while (count != 0 && code == cson_OK) {
+            const std::uint32_t room = buffer.capacity - buffer.used;
+            const std::uint32_t fitting = std::min(count, room != 0 ? room - 1 : 0);
+            append(bytes, fitting);
+            bytes += fitting;
+            count -= fitting;
+            if (count == 0)
+                break;
+            code = piece(bytes++, 1);
+            --count;
+        }
+        return code;
+    }
+
+private:
+    int grow_to(std::uint64_t capacity) {
+        if (capacity > std::numeric_limits<std::uint32_t>::max())
+            return cson_ArgError;
+        return cson_buffer_reserve_bytes(&buffer, static_cast<std::uint32_t>(capacity));
+    }
+
+    void append(const void* bytes, std::uint32_t count) {
+        if (count != 0)
+            std::memcpy(buffer.mem + buffer.used, bytes, count);
+        buffer.used += count;
+    }
+
+    cson_buffer& buffer;
+};
+
+template <class Output>
+int write_piece(Output& output, std::string_view text) {
+    return output.piece(text.data(), static_cast<std::uint32_t>(text.size()));
+}
+
+// --- Strings -----------------------------------------------------------------------------------
+
+// The letter of a character's short escape, or 0.
+char escape_letter(unsigned char c, bool escape_slashes) {
+    switch (c) {
+    case '\b':
+        return 'b';
+    case '\t':
+        return 't';
+    case '\n':
+        return 'n';
+    case '\f':
+        return 'f';
+    case '\r':
+        return 'r';
+    case '"':
+    case '\\':
+        return static_cast<char>(c);
+    default:
+        return c == '/' && escape_slashes ? '/' : '\0';
+    }
+}
+
+// The first byte from `at` on that may not go out as it is.
+bytes_at skip_raw(bytes_at at, bytes_at end, bool escape_slashes) {
+    const std::uint64_t slashes = escape_slashes ? cson_high_bits : 0;
+    return cson_skip(
+        at, end,
+        [slashes](std::uint64_t bytes) {
+            return (bytes & cson_high_bits) | cson_bytes_below(bytes, 0x20) |
+                   cson_bytes_equal(bytes, '"') | cson_bytes_equal(bytes, '\\') |
+                   (cson_bytes_equal(bytes, '/') & slashes);
+        },
+        [escape_slashes](unsigned char c) {
+            return c == 0 || c >= 0x80 || escape_letter(c, escape_slashes) != 0;
+        });
+}
+
+template <class Output>
+int write_code_point(Output& output, std::uint32_t code_point) {
+    constexpr const char* digits = "0123456789abcdef";
+    if (code_point > 0xFFFF)
+        return cson_RangeError;
+    std::array<char, 6> text = {'\\', 'u'};
+    for (std::size_t i = 0; i < 4; ++i)
+        text[i + 2] = digits[code_point >> (12 - 4 * i) & 0xF];
+    return output.piece(text.data(), 6);
+}
+
+// Writes one character that isn't plain.
+template <class Output>
+int write_character(Output& output, bytes_at& at, bytes_at end, bool escape_slashes) {
+    const bytes_at begin = at;
+    const std::uint32_t code_point = cson_utf8_next(at, end, &at);
+    if (at - begin > 1)
+        return write_code_point(output, code_point);
+    const char letter = escape_letter(*begin, escape_slashes);
+    if (letter == 0)
+        return output.piece(begin, 1);
+    const std::array<char, 2> pair = {'\\', letter};
+    return output.piece(pair.data(), 2);
+}
+
+// Ends at a zero byte; a string that fails has no closing quote.
+template <class Output>
+int write_quoted(Output& output, const char* text, std::uint32_t length, bool escape_slashes) {
+    if (text == nullptr || length == 0 || *text == 0)
+        return write_piece(output, "\"\"");
+    auto at = reinterpret_cast<bytes_at>(text);
+    const bytes_at end = at + length;
+    int code = write_piece(output, "\"");
+    while (code == cson_OK && at < end && *at != 0) {
+        const bytes_at stop = skip_raw(at, end, escape_slashes);
+        code = output.run(at, static_cast<std::uint32_t>(stop - at));
+        at = stop;
+        if (code == cson_OK && at < end && *at != 0)
+            code = write_character(output, at, end, escape_slashes);
+    }
+    return code == cson_OK ? write_piece(output, "\"") : code;
+}
+
+// --- Scalars -----------------------------------------------------------------------------------
+
+template <class Output>
+int write_integer(Output& output, std::int32_t number) {
+    std::array<char, 100> text;
+    const char* end = std::to_chars(text.data(), text.data() + text.size(), number).ptr;
+    return output.piece(text.data(), static_cast<std::uint32_t>(end - text.data()));
+}
+
+template <class Output>
+int write_double(Output& output, double number, const char* point) {
+    cson_double_block text;
+    std::uint32_t length = cson_format_double(text, number, point);
+    if (length == 0)
+        return cson_RangeError;
+    while (length > 1 && text[length - 1] == '0' && text[length - 2] != '.')
+        --length;
+    return output.piece(text.data(), length);
+}
+
+template <class Output>
+int write_line_break(Output& output, std::uint8_t indentation, std::uint32_t level) {
+    static constexpr std::string_view blanks = "                                ";
+    static constexpr std::string_view tabs =
+        "\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t";
+    if (indentation == 0)
+        return cson_OK;
+    const std::string_view indent = indentation == 1 ? tabs : blanks;
+    int code = write_piece(output, "\n");
+    std::uint64_t left = std::uint64_t{level} * indentation;
+    while (left != 0 && code == cson_OK) {
+        const auto part = static_cast<std::uint32_t>(std::min<std::uint64_t>(left, indent.size()));
+        code = output.run(reinterpret_cast<bytes_at>(indent.data()), part);
+        left -= part;
+    }
+    return code;
+}
+
+// --- Trees -------------------------------------------------------------------------------------
+
+template <class Output>
+class tree_writer {
+public:
+    tree_writer(Output& used_output, const cson_write_options& used_options, std::uint32_t level)
+        : output(used_output), options(used_options), first_level(level) {}
+
+    int write(const cson_value* value) {
+        int code = write_value(value);
+        while (code == cson_OK && !open.empty())
+            code = write_entry();
+        return code;
+    }
+
+private:
+    // A container of which `next` entries are written.
+    struct frame {
+        const cson_value* container;
+        std::uint32_t next;
+        bool indent;
+        bool comma_due;
+    };
+
+    std::uint32_t level() const { return first_level + static_cast<std::uint32_t>(open.size()); }
+
+    static std::uint32_t count_of(const cson_value* container) {
+        return cson_value_is_array(container) ? cson_value_array(container)->list.count
+                                              : cson_value_object(container)->list.count;
+    }
+
+    int write_value(const cson_value* value) {
+        if (value == nullptr || value->api == nullptr)
+            return cson_ArgError;
+        switch (value->api->kind) {
+        case cson_kind_undefined:
+        case cson_kind_null:
+            return write_piece(output, "null");
+        case cson_kind_boolean:
+            return write_piece(output, cson_value_bool(value) ? "true" : "false");
+        case cson_kind_integer:
+            return write_integer(output, cson_value_int(value));
+        case cson_kind_double:
+            return write_double(output, cson_value_double(value), point);
+        case cson_kind_string:
+            return write_string(cson_value_string(value));
+        case cson_kind_array:
+            return begin(value, "[]");
+        case cson_kind_object:
+            return begin(value, "{}");
+        default:
+            return cson_TypeError;
+        }
+    }
+
+    int write_string(const cson_string* string) {
+        return write_quoted(output, cson_string_text(string), cson_string_size(string),
+                            options.escape_slashes);
+    }
+
+    int begin(const cson_value* container, std::string_view brackets) {
+        const std::uint32_t count = count_of(container);
+        if (level() > options.max_depth)
+            return cson_RangeError;
+        if (count == 0)
+            return write_piece(output, brackets);
+        const bool indent =
+            options.indentation != 0 && (count != 1 || options.indent_single_member);
+        const int code = write_piece(output, brackets.substr(0, 1));
+        if (code != cson_OK)
+            return code;
+        if (!open.push({container, 0, indent, false}))
+            return cson_AllocError;
+        return indent ? write_line_break(output, options.indentation, level()) : cson_OK;
+    }
+
+    // Writes what is due: a comma, then the next entry or the end.
+    int write_entry() {
+        frame& top = open.top();
+        const std::uint32_t count = count_of(top.container);
+        if (top.comma_due) {
+            top.comma_due = false;
+            const int code = write_comma(top.indent);
+            if (code != cson_OK)
+                return code;
+        }
+        if (top.next == count)
+            return end();
+        const std::uint32_t index = top.next++;
+        top.comma_due = top.next != count;
+        if (cson_value_is_array(top.container))
+            return write_element(cson_value_array(top.container)->list.items[index]);
+        return write_pair(top, cson_value_object(top.container)->list.items[index]);
+    }
+
+    int write_comma(bool indent) {
+        const int code = write_piece(output, ",");
+        if (code != cson_OK)
+            return code;
+        return indent ? write_line_break(output, options.indentation, level())
+                      : write_piece(output, " ");
+    }
+
+    int write_element(const cson_value* element) {
+        return element != nullptr ? write_value(element) : write_piece(output, "null");
+    }
+
+    int write_pair(frame& top, const cson_kvp* pair) {
+        const cson_string* key = cson_kvp_key_string(pair);
+        if (key == nullptr) {
+            top.comma_due = false;
+            return cson_OK;
+        }
+        int code = write_string(key);
+        if (code == cson_OK)
+            code = write_piece(output, options.space_after_colon ? ": " : ":");
+        return code == cson_OK ? write_element(pair->value) : code;
+    }
+
+    int end() {
+        const bool is_array = cson_value_is_array(open.top().container);
+        const bool indent = open.top().indent;
+        open.pop();
+        const int code = indent ? write_line_break(output, options.indentation, level()) : cson_OK;
+        return code == cson_OK ? write_piece(output, is_array ? "]" : "}") : code;
+    }
+
+    Output& output;
+    const cson_write_options& options;
+    const std::uint32_t first_level;
+    const char* const point = std::localeconv()->decimal_point;
+    cson_stack<frame> open;
+};
+
+template <class Output>
+int write_tree(Output& output, const cson_value* value, const cson_write_options* options) {
+    const cson_write_options defaults;
+    const cson_write_options& used = options != nullptr ? *options : defaults;
+    tree_writer<Output> writer(output, used, 0);
+    const int code = writer.write(value);
+    return code == cson_OK && used.add_newline ? write_piece(output, "\n") : code;
+}
+
+int write_container(const cson_value* value, std::uint32_t kind, cson_sink sink, void* state,
+                    const cson_write_options* options, std::uint32_t level) {
+    if (value == nullptr || value->api == nullptr || sink == nullptr || options == nullptr)
+        return cson_ArgError;
+    if (value->api->kind != kind)
+        return cson_TypeError;
+    sink_output output(sink, state, false);
+    return tree_writer<sink_output>(output, *options, level).write(value);
+}
+
+int write_to_stream(void* state, const void* bytes, std::uint32_t count) {
+    if (bytes == nullptr || count == 0)
+        return cson_OK;
+    const std::size_t written = std::fwrite(bytes, 1, count, static_cast<std::FILE*>(state));
+    return written == count ? cson_OK : cson_IOError;
+}
+
+} // namespace
+
+int cson_write(const cson_value* value, cson_sink sink, void* state,
+               const cson_write_options* options) {
+    if (sink == nullptr)
+        return cson_ArgError;
+    sink_output output(sink, state, false);
+    return write_tree(output, value, options);
+}
+
+int cson_write_stream(const cson_value* value, std::FILE* stream,
+                      const cson_write_options* options) {
+    if (value == nullptr || stream == nullptr)
+        return cson_ArgError;
+    cson_write_options with_newline;
+    with_newline.add_newline = true;
+    sink_output output(write_to_stream, stream, true);
+    const int code = write_tree(output, value, options != nullptr ? options : &with_newline);
+    if (code != cson_OK)
+        return code;
+    return std::fflush(stream) == 0 ? cson_OK : cson_IOError;
+}
+
+int cson_write_path(const cson_value* value, const char* path, const cson_write_options* options) {
+    if (value == nullptr || path == nullptr)
+        return cson_ArgError;
+    std::FILE* stream = std::fopen(path, "wb");
+    if (stream == nullptr)
+        return cson_IOError;
+    const int code = cson_write_stream(value, stream, options);
+    std::fclose(stream);
+    return code;
+}
+
+int cson_write_buffer(const cson_value* value, cson_buffer* buffer,
+                      const cson_write_options* options) {
+    if (value == nullptr || buffer == nullptr)
+        return cson_ArgError;
+    buffer_output output(*buffer);
+    int code = write_tree(output, value, options);
+    if (code == cson_OK)
+        code = cson_buffer_reserve_bytes(buffer, buffer->used + 1);
+    if (code == cson_OK)
+        buffer->mem[buffer->used] = 0;
+    return code;
+}
+
+int cson_write_text(const char* text, std::uint32_t length, bool escape_slashes, cson_sink sink,
+                    void* state) {
+    if (sink == nullptr)
+        return cson_ArgError;
+    sink_output output(sink, state, false);
+    return write_quoted(output, text, length, escape_slashes);
+}
+
+int cson_write_array(const cson_value* value, cson_sink sink, void* state,
+                     const cson_write_options* options, std::uint32_t level) {
+    return write_container(value, cson_kind_array, sink, state, options, level);
+}
+
+int cson_write_object(const cson_value* value, cson_sink sink, void* state,
+                      const cson_write_options* options, std::uint32_t level) {
+    return write_container(value, cson_kind_object, sink, state, options, level);
+}
+
+int cson_write_break(cson_sink sink, void* state, std::uint8_t indentation, std::uint32_t level) {
+    if (sink == nullptr)
+        return cson_ArgError;
+    sink_output output(sink, state, false);
+    return write_line_break(output, indentation, level);
+}
+
+} // namespace quillon

@@ -1,0 +1,306 @@
+#include "json_testing.h"
+
+#include "quillon/json/tracking_allocator.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+using namespace quillon;
+using namespace json_testing;
+
+namespace {
+
+cson_object* object(const Value& value) {
+    return cson_value_object(value.get());
+}
+
+cson_array* array(const Value& value) {
+    return cson_value_array(value.get());
+}
+
+TEST(Array, GrowsOneEntryBeforeItIsFull) {
+    const Value value(cson_value_make_array());
+    const std::uint32_t capacities[] = {7, 7, 7, 7, 7, 7, 12, 12, 12, 12, 12, 22};
+    for (const std::uint32_t capacity : capacities) {
+        EXPECT_EQ(cson_OK, cson_array_push(array(value), cson_value_true()));
+        EXPECT_EQ(capacity, array(value)->list.capacity);
+    }
+    EXPECT_EQ(cson_OK, cson_array_reserve_items(array(value), 22));
+    EXPECT_EQ(22u, array(value)->list.capacity);
+    EXPECT_EQ(cson_OK, cson_array_reserve_items(array(value), 23));
+    EXPECT_EQ(23u, array(value)->list.capacity);
+}
+
+TEST(Array, StoringPastTheEndLeavesHoles) {
+    const Value value(cson_value_make_array());
+    EXPECT_EQ(cson_OK, cson_array_put(array(value), 10, cson_value_from_int(5)));
+    EXPECT_EQ(11u, cson_array_count(array(value)));
+    cson_value* item = cson_value_true();
+    EXPECT_EQ(cson_OK, cson_array_at(array(value), 3, &item));
+    EXPECT_EQ(nullptr, item);
+    EXPECT_EQ(cson_RangeError, cson_array_at(array(value), 11, &item));
+    const std::uint32_t most = std::numeric_limits<std::uint32_t>::max();
+    EXPECT_EQ(cson_RangeError, cson_array_put(array(value), most, cson_value_true()));
+    EXPECT_EQ(cson_RangeError, cson_array_put(array(value), most - 1, cson_value_true()));
+    EXPECT_EQ(cson_ArgError, cson_array_put(array(value), 0, nullptr));
+    const Value copy(cson_value_copy(value.get()));
+    EXPECT_EQ(text_of(value.get()), text_of(copy.get()));
+    EXPECT_EQ(11u, array(copy)->list.capacity);
+}
+
+TEST(Array, ReplacingReleasesTheOldEntryLast) {
+    const cson_tracking_allocator allocator;
+    {
+        const Value value(cson_value_make_array());
+        cson_value* inner = cson_value_make_array();
+        cson_value* number = cson_value_from_int(5);
+        cson_array_push(cson_value_array(inner), number);
+        cson_array_push(array(value), inner);
+        EXPECT_EQ(cson_OK, cson_array_put(array(value), 0, number)) << "lives by the old entry";
+        EXPECT_EQ(cson_OK, cson_array_put(array(value), 0, number));
+        EXPECT_EQ(1u, number->refcount);
+        EXPECT_EQ("[5]", text_of(value.get()));
+    }
+    EXPECT_EQ("", allocator.report());
+}
+
+TEST(Object, KeepsOrderOfFirstInsertion) {
+    const Value value = tree("{\"a\":1,\"b\":2,\"c\":3}");
+    EXPECT_EQ(cson_OK, cson_object_put_text(object(value), "a", cson_value_from_int(9)));
+    EXPECT_EQ("{\"a\":9, \"b\":2, \"c\":3}", text_of(value.get()));
+    EXPECT_EQ(cson_OK, cson_object_drop(object(value), "a"));
+    EXPECT_EQ("{\"b\":2, \"c\":3}", text_of(value.get()));
+    EXPECT_EQ(cson_OK, cson_object_put_text(object(value), "b", nullptr)) << "null drops";
+    EXPECT_EQ("{\"c\":3}", text_of(value.get()));
+    EXPECT_EQ(nullptr, object(value)->list.items[1]);
+}
+
+TEST(Object, BadArgumentsAndMissingKeys) {
+    const Value value = tree("{\"\":1,\"a\":2}");
+    EXPECT_EQ(nullptr, cson_object_find(object(value), "", nullptr)) << "though one is stored";
+    EXPECT_EQ(cson_ArgError, cson_object_put_text(object(value), "", cson_value_true()));
+    EXPECT_EQ(cson_ArgError, cson_object_drop(object(value), ""));
+    EXPECT_EQ(cson_NotFoundError, cson_object_drop(object(value), "b"));
+    EXPECT_EQ(nullptr, cson_object_detach(object(value), "b"));
+    EXPECT_EQ(cson_ArgError, cson_object_put_string(object(value), nullptr, cson_value_true()));
+    std::uint32_t index = 9;
+    EXPECT_NE(nullptr, cson_object_find(object(value), "a", &index));
+    EXPECT_EQ(1u, index);
+}
+
+TEST(Object, GrowthByHand) {
+    const Value value(cson_value_make_object());
+    for (const std::uint32_t capacity : {6u, 6u, 6u, 6u, 6u, 10u}) {
+        const std::string key(object(value)->list.count + 1, 'k');
+        cson_object_put_text(object(value), key.c_str(), cson_value_true());
+        EXPECT_EQ(capacity, object(value)->list.capacity);
+    }
+}
+
+TEST(Object, KeysAndMembersOutliveTheirReading) {
+    const cson_tracking_allocator allocator;
+    {
+        Value first = tree("{\"key\":{\"a\":[1,\"text\"]},\"other\":2}");
+        const Value second(cson_value_make_object());
+        const cson_kvp* pair = cson_object_find(object(first), "key", nullptr);
+        EXPECT_EQ(cson_OK, cson_object_put_string(object(second), cson_kvp_key_string(pair),
+                                                  cson_kvp_value(pair)));
+        EXPECT_EQ(cson_ArgError, cson_object_combine(object(second), object(first), 0))
+            << "the shared member would be combined with itself";
+        EXPECT_EQ(cson_OK, cson_object_combine(object(second), object(first), cson_combine_flat));
+        cson_value* detached = cson_object_detach(object(first), "other");
+        EXPECT_EQ(1u, detached->refcount);
+        first.reset();
+        EXPECT_EQ("{\"key\":{\"a\":[1, \"text\"]}, \"other\":2}", text_of(second.get()));
+    }
+    EXPECT_EQ("", allocator.report());
+}
+
+TEST(Object, DetachedMemberBelongsToTheCaller) {
+    const cson_tracking_allocator allocator;
+    Value value = tree("{\"a\":[1],\"b\":true}");
+    const Value member(cson_object_detach(object(value), "a"));
+    EXPECT_EQ(0u, member->refcount);
+    EXPECT_EQ(cson_value_true(), cson_object_detach(object(value), "b"));
+    value.reset();
+    EXPECT_EQ("[1]", text_of(member.get()));
+}
+
+TEST(Object, WalkGivesPairsInOrder) {
+    const Value value = tree("{\"a\":1,\"b\":2}");
+    cson_object_walker walker;
+    ASSERT_EQ(cson_OK, cson_object_walk_start(object(value), &walker));
+    std::string keys;
+    while (const cson_kvp* pair = cson_object_walk_next(&walker))
+        keys += cson_string_text(cson_kvp_key_string(pair));
+    EXPECT_EQ("ab", keys);
+    EXPECT_EQ(cson_ArgError, cson_object_walk_start(nullptr, &walker));
+}
+
+TEST(Object, Paths) {
+    const std::string longest(127, 'n');
+    const Value value = tree("{\"a\":{\"b\":1,\"o\":{}},\"" + longest + "\":2}");
+
+    const struct {
+        std::string path;
+        char separator;
+        int code;
+    } rows[] = {{"a/b", '/', cson_OK},
+                {"/a//b/", '/', cson_OK},
+                {"a.o", '.', cson_OK},
+                {"a/c", '/', cson_NotFoundError},
+                {"a/b/c", '/', cson_NotFoundError},
+                {"x", '/', cson_NotFoundError},
+                {"", '/', cson_RangeError},
+                {"///", '/', cson_RangeError},
+                {"a", '\0', cson_RangeError},
+                {longest, '/', cson_OK},
+                {longest + "n", '/', cson_RangeError},
+                {"a/" + longest + "n", '/', cson_RangeError}};
+
+    for (const auto& row : rows) {
+        cson_value* out = nullptr;
+        EXPECT_EQ(row.code, cson_object_path(object(value), &out, row.path.c_str(), row.separator))
+            << row.path;
+        EXPECT_EQ(row.code == cson_OK, out != nullptr);
+    }
+    EXPECT_EQ(1, cson_value_int(cson_object_path_marked_value(object(value), ".a.b")));
+    EXPECT_EQ(cson_RangeError, cson_object_path_marked(object(value), nullptr, "/"));
+    EXPECT_EQ(cson_ArgError, cson_object_path_marked(object(value), nullptr, nullptr));
+}
+
+TEST(Object, Combining) {
+    const struct {
+        const char* name;
+        const char* destination;
+        const char* source;
+        int flags;
+        const char* result;
+    } rows[] = {
+        {"absent keys", "{\"a\":1}", "{\"b\":2}", 0, "{\"a\":1, \"b\":2}"},
+        {"nested", "{\"a\":{\"x\":1}}", "{\"a\":{\"y\":2}}", 0, "{\"a\":{\"x\":1, \"y\":2}}"},
+        {"present is left", "{\"a\":1}", "{\"a\":2}", 0, "{\"a\":1}"},
+        {"present is left with replace", "{\"a\":1}", "{\"a\":2}", cson_combine_replace,
+         "{\"a\":1}"},
+        {"flat", "{\"a\":{\"x\":1}}", "{\"a\":{\"y\":2}}", cson_combine_flat, "{\"a\":{\"x\":1}}"},
+        {"flat replace", "{\"a\":{\"x\":1}}", "{\"a\":{\"y\":2}}",
+         cson_combine_flat | cson_combine_replace, "{\"a\":{\"y\":2}}"},
+    };
+
+    for (const auto& row : rows) {
+        const Value destination = tree(row.destination);
+        Value source = tree(row.source);
+        EXPECT_EQ(cson_OK, cson_object_combine(object(destination), object(source), row.flags));
+        source.reset();
+        EXPECT_EQ(row.result, text_of(destination.get())) << row.name;
+    }
+}
+
+TEST(Object, CombiningWithItsOwnMember) {
+    const cson_tracking_allocator allocator;
+    {
+        const Value value = tree("{\"a\":{\"a\":5,\"b\":6}}");
+        cson_object* inner = cson_value_object(cson_object_get_text(object(value), "a"));
+        EXPECT_EQ(cson_OK, cson_object_combine(object(value), inner,
+                                               cson_combine_flat | cson_combine_replace));
+        EXPECT_EQ("{\"a\":5, \"b\":6}", text_of(value.get()));
+        EXPECT_EQ(cson_ArgError, cson_object_combine(object(value), object(value), 0));
+    }
+    EXPECT_EQ("", allocator.report());
+}
+
+TEST(Copy, SharesNothingButConstants) {
+    std::string wide = "{\"a\":[1,null,{\"b\":\"text\"}],\"a\":0,\"c\":2.5";
+    for (int i = 0; i < 100; ++i)
+        wide.append(",\"k").append(std::to_string(i % 90)).append("\":1");
+    for (const std::string& text :
+         {std::string("{\"a\":[1,null,{\"b\":\"text\"}],\"c\":2.5}"), wide + ",\"last\":1}"}) {
+        Value original = tree(text);
+        const Value copy(cson_value_copy(original.get()));
+        const std::string expected = text_of(copy.get());
+        original.reset();
+        EXPECT_EQ(expected, text_of(copy.get()));
+        EXPECT_EQ(expected, text_of(Value(cson_value_copy(copy.get())).get()));
+    }
+    const Value twice(cson_value_copy(tree("{\"a\":1,\"b\":2,\"a\":3}").get()));
+    EXPECT_EQ("{\"a\":3, \"b\":2}", text_of(twice.get()));
+    EXPECT_EQ(cson_value_true(), cson_value_copy(cson_value_true()));
+    EXPECT_EQ(nullptr, cson_value_copy(nullptr));
+}
+
+TEST(Footprint, CountsRecordsPayloadsAndCapacities) {
+    constexpr std::uint32_t record = sizeof(cson_value);
+    constexpr std::uint32_t list = sizeof(cson_value_list);
+    const Value value = tree("{\"abc\":[1,2.5,true,\"\"]}");
+    const std::uint32_t expected = (record + list + 5 * sizeof(void*)) + (record + 4 + 3 + 1) +
+                                   (record + list + 7 * sizeof(void*)) + (record + 4) +
+                                   (record + 8);
+    EXPECT_EQ(expected, cson_value_footprint(value.get()));
+    EXPECT_EQ(0u, cson_value_footprint(cson_value_null_constant()));
+    EXPECT_EQ(0u, cson_value_footprint(nullptr));
+}
+
+TEST(Deep, NothingRecurses) {
+    constexpr std::uint32_t levels = 65536; // what the writer's largest depth allows
+    const cson_tracking_allocator allocator;
+    {
+        Value root(cson_value_make_array());
+        for (std::uint32_t i = 1; i < levels; ++i) {
+            Value outer(i % 2 != 0 ? cson_value_make_object() : cson_value_make_array());
+            if (i % 2 != 0)
+                cson_object_put_text(object(outer), "k", root.release());
+            else
+                cson_array_push(array(outer), root.release());
+            root = std::move(outer);
+        }
+        const Value copy(cson_value_copy(root.get()));
+        EXPECT_LT(levels * sizeof(cson_value), cson_value_footprint(copy.get()));
+        cson_write_options options;
+        options.max_depth = 65535;
+        const std::string text = text_of(copy.get(), options);
+        EXPECT_EQ(levels / 2 * std::size("[{\"k\":}]") - levels / 2, text.size());
+        const Outcome again = read_whole(text, {65535, 0});
+        EXPECT_EQ(cson_Parse_NESTING_DEPTH_REACHED, again.code) << "one level too many";
+        EXPECT_EQ(cson_OK, cson_object_combine(object(root), object(copy), 0));
+    }
+    EXPECT_EQ("", allocator.report());
+}
+
+TEST(Arguments, BecomeMembers) {
+    const char* const arguments[] = {"program", "-a",      "--b=",           "---c=text", "-d=-7",
+                                     "-e=7",    "-f=-1.5", "plain=1",        "--",        nullptr,
+                                     "-g=-x",   "-a=+4",   "-h=-99999999999"};
+    cson_object* made = nullptr;
+    std::uint32_t count = 99;
+    ASSERT_EQ(cson_OK, cson_object_from_args(13, arguments, &made, &count));
+    EXPECT_EQ(9u, count);
+    EXPECT_EQ(
+        "{\"a\":4, \"b\":null, \"c\":\"text\", \"d\":-7, \"e\":\"7\", \"f\":-1.5, \"g\":\"-x\", "
+        "\"h\":-99999999999.0}",
+        text_of(cson_value_of_object(made)));
+    EXPECT_EQ(cson_ArgError, cson_object_from_args(0, arguments, &made, nullptr));
+    EXPECT_EQ(cson_OK, cson_object_from_args(1, arguments + 11, &made, nullptr));
+    cson_release_object(made);
+}
+
+TEST(Lists, VisitsAndPushes) {
+    cson_value_list list;
+    EXPECT_EQ(3u, cson_value_list_reserve(&list, 3));
+    EXPECT_EQ(3u, cson_value_list_reserve(&list, 2));
+    EXPECT_EQ(cson_ArgError, cson_value_list_push(&list, nullptr));
+    EXPECT_EQ(cson_OK, cson_value_list_push(&list, cson_value_true()));
+    EXPECT_EQ(cson_OK, cson_value_list_push(&list, cson_value_false()));
+    const auto until_false = [](cson_value* value, void* state) {
+        ++*static_cast<int*>(state);
+        return cson_value_bool(value) ? 0 : 42;
+    };
+    int visits = 0;
+    EXPECT_EQ(42, cson_value_list_visit(&list, until_false, &visits));
+    EXPECT_EQ(2, visits);
+    cson_value_list_clear(&list, [](cson_value* value) { cson_value_release(value); });
+    EXPECT_EQ(0u, list.capacity + list.count);
+    EXPECT_EQ(nullptr, list.items);
+}
+
+} // namespace

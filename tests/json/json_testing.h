@@ -1,0 +1,42 @@
+// What the tests of the JSON component share.
+#pragma once
+
+#include "quillon/json/containers.h"
+#include "quillon/json/parser.h"
+#include "quillon/json/writer.h"
+
+#include <memory>
+#include <random>
+#include <string>
+#include <string_view>
+
+namespace json_testing {
+
+struct Releaser {
+    void operator()(quillon::cson_value* value) const { quillon::cson_value_release(value); }
+};
+
+using Value = std::unique_ptr<quillon::cson_value, Releaser>;
+
+// What a reading came to.
+struct Outcome {
+    int code = -1;
+    quillon::cson_read_info info;
+    Value value;
+};
+
+// Reads by the block, or by a reader that is asked for every byte.
+Outcome read_whole(std::string_view text, const quillon::cson_read_options& options = {});
+Outcome read_bytewise(std::string_view text, const quillon::cson_read_options& options = {});
+
+// The tree of a text that must be valid.
+Value tree(std::string_view text);
+
+// The text of a tree, or "code N".
+std::string text_of(const quillon::cson_value* value,
+                    const quillon::cson_write_options& options = {});
+
+// A random tree whose numbers and strings survive being written and read.
+Value random_tree(std::mt19937& engine, int depth);
+
+} // namespace json_testing

@@ -1,0 +1,137 @@
+// Single steps and whole blocks must come to the same, whatever the text.
+#include "json_testing.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+
+using namespace quillon;
+using namespace json_testing;
+
+namespace {
+
+void expect_same(const Outcome& expected, const Outcome& actual, const std::string& text) {
+    EXPECT_EQ(expected.code, actual.code) << text;
+    EXPECT_EQ(expected.info.line, actual.info.line) << text;
+    EXPECT_EQ(expected.info.column, actual.info.column) << text;
+    EXPECT_EQ(expected.info.length, actual.info.length) << text;
+    EXPECT_EQ(expected.info.error_code, actual.info.error_code) << text;
+    EXPECT_EQ(expected.info.total_key_count, actual.info.total_key_count) << text;
+    EXPECT_EQ(expected.info.total_value_count, actual.info.total_value_count) << text;
+    EXPECT_EQ(cson_value_footprint(expected.value.get()), cson_value_footprint(actual.value.get()));
+    EXPECT_EQ(text_of(expected.value.get()), text_of(actual.value.get())) << text;
+}
+
+Outcome read_stream(const std::string& text, const cson_read_options& options) {
+    Outcome outcome;
+    std::FILE* stream = std::tmpfile();
+    std::fwrite(text.data(), 1, text.size(), stream);
+    std::rewind(stream);
+    cson_value* value = nullptr;
+    outcome.code = cson_read_stream(&value, stream, &options, &outcome.info);
+    outcome.value.reset(value);
+    std::fclose(stream);
+    return outcome;
+}
+
+std::string random_text(std::mt19937& engine, int depth) {
+    cson_write_options options;
+    options.indentation = static_cast<std::uint8_t>(engine() % 4);
+    options.add_newline = engine() % 2 != 0;
+    options.space_after_colon = engine() % 2 != 0;
+    options.escape_slashes = engine() % 2 != 0;
+    return text_of(random_tree(engine, depth).get(), options);
+}
+
+// Replaces, drops or repeats bytes, with a liking for those that mean something.
+void mutate(std::mt19937& engine, std::string& text) {
+    constexpr std::string_view bytes = "{}[]:,\"\\/*+-.0123456789eEtrufalsn \t\n\r\x01\x7F\xC3";
+    constexpr std::string_view pieces[] = {"/**/",
+                                           "\\ud83d",
+                                           "\\ude00",
+                                           "1e5",
+                                           "-0.0",
+                                           "1.",
+                                           "true",
+                                           "null ,",
+                                           "\\u0000",
+                                           "00",
+                                           " 12345678901234567890"};
+    const std::size_t at = engine() % (text.size() + 1);
+    switch (engine() % 4) {
+    case 0:
+        text.insert(at, pieces[engine() % std::size(pieces)]);
+        break;
+    case 1:
+        text.erase(at, engine() % 3);
+        break;
+    case 2:
+        text.insert(at, text.substr(engine() % (text.size() + 1), engine() % 9));
+        break;
+    default:
+        text.insert(at, 1, bytes[engine() % bytes.size()]);
+    }
+}
+
+TEST(Roads, AgreeOnRandomAndMutatedTexts) {
+    std::mt19937 engine(7);
+    for (int round = 0; round < 4000; ++round) {
+        std::string text = random_text(engine, 3);
+        for (auto left = engine() % 4; left != 0; --left)
+            mutate(engine, text);
+        if (text.size() < 2)
+            continue;
+        const cson_read_options options{static_cast<std::uint16_t>(engine() % 2 != 0 ? 25 : 3),
+                                        static_cast<std::int8_t>(engine() % 2)};
+        expect_same(read_bytewise(text, options), read_whole(text, options), text);
+        if (HasFailure())
+            return;
+    }
+}
+
+TEST(Roads, AgreeOnNumbers) {
+    std::mt19937 engine(11);
+    for (int round = 0; round < 20000; ++round) {
+        std::string text = engine() % 2 != 0 ? "[-" : "[";
+        for (const char* part : {"", ".", "e"}) {
+            text += engine() % 2 != 0 || *part == 0 ? part : "";
+            for (auto digits = engine() % (*part == 'e' ? 4 : 20); digits != 0; --digits)
+                text += static_cast<char>('0' + engine() % 10);
+        }
+        text += engine() % 2 != 0 ? " ]" : "]";
+        const Outcome expected = read_bytewise(text);
+        const Outcome actual = read_whole(text);
+        ASSERT_EQ(expected.code, actual.code) << text;
+        if (expected.code != cson_OK)
+            continue;
+        const cson_value* a = cson_array_item(cson_value_array(expected.value.get()), 0);
+        const cson_value* b = cson_array_item(cson_value_array(actual.value.get()), 0);
+        ASSERT_EQ(a->api->kind, b->api->kind) << text;
+        ASSERT_EQ(cson_value_double(a), cson_value_double(b)) << text;
+    }
+}
+
+TEST(Roads, StreamsAgreeAcrossBlocks) {
+    std::mt19937 engine(13);
+    for (int round = 0; round < 40; ++round) {
+        std::string text = "[";
+        while (text.size() < 40000)
+            text += random_text(engine, 2) + ",";
+        text += "0]";
+        if (round % 2 != 0)
+            mutate(engine, text);
+        expect_same(read_bytewise(text), read_stream(text, {}), "");
+    }
+}
+
+TEST(Roads, WrittenTreesSurviveReading) {
+    std::mt19937 engine(17);
+    for (int round = 0; round < 500; ++round) {
+        const std::string first = random_text(engine, 4);
+        const Value read = tree(first);
+        const std::string second = text_of(read.get());
+        EXPECT_EQ(second, text_of(tree(second).get()));
+    }
+}
+
+} // namespace

@@ -1,0 +1,228 @@
+#include "json_testing.h"
+
+#include "quillon/json/double_text.h"
+
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <cstdio>
+#include <cstring>
+#include <limits>
+#include <vector>
+
+using namespace quillon;
+using namespace json_testing;
+
+namespace {
+
+constexpr const char* sample = "{\"a\":1,\"b\":[1,2.5,\"x\"]}";
+
+int collect(void* state, const void* bytes, std::uint32_t count) {
+    static_cast<std::vector<std::string>*>(state)->emplace_back(static_cast<const char*>(bytes),
+                                                                count);
+    return cson_OK;
+}
+
+TEST(Write, Formats) {
+    const struct {
+        const char* name;
+        const char* text;
+        cson_write_options options;
+        const char* written;
+    } rows[] = {
+        {"defaults", sample, {}, "{\"a\":1, \"b\":[1, 2.5, \"x\"]}"},
+        {"two blanks",
+         sample,
+         {2},
+         "{\n  \"a\":1,\n  \"b\":[\n    1,\n    2.5,\n    \"x\"\n  ]\n}"},
+        {"a tab", sample, {1}, "{\n\t\"a\":1,\n\t\"b\":[\n\t\t1,\n\t\t2.5,\n\t\t\"x\"\n\t]\n}"},
+        {"three blanks", "[1,2]", {3}, "[\n   1,\n   2\n]"},
+        {"wide", "[[[1,2],3],4]", {40}, nullptr},
+        {"single member", "{\"a\":1}", {2}, "{\"a\":1}"},
+        {"single member broken",
+         "{\"a\":[1]}",
+         {1, 25, false, false, true},
+         "{\n\t\"a\":[\n\t\t1\n\t]\n}"},
+        {"empty", "[{},[]]", {1}, "[\n\t{},\n\t[]\n]"},
+        {"newline", "[\"\"]", {0, 25, true}, "[\"\"]\n"},
+        {"space after colon", "{\"a\":{\"b\":1}}", {0, 25, false, true}, "{\"a\": {\"b\": 1}}"},
+        {"slashes", "[\"a/b\"]", {0, 25, false, false, false, true}, "[\"a\\/b\"]"},
+        {"raw slash", "[\"a/b\"]", {}, "[\"a/b\"]"},
+        {"depth", "[[1]]", {0, 1}, "[[1]]"},
+        {"too deep", "[[[1]]]", {0, 1}, "code 2"},
+        {"keywords", "[true,false,null,\"\"]", {}, "[true, false, null, \"\"]"},
+        {"escapes", "[\"\\b\\t\\n\\f\\r\\\"\\\\\"]", {}, "[\"\\b\\t\\n\\f\\r\\\"\\\\\"]"},
+        {"accents", "[\"h\\u00e9\\u20ac!\"]", {}, "[\"h\\u00e9\\u20ac!\"]"},
+        {"beyond four digits", "[\"\\ud83d\\ude00\"]", {}, "code 2"},
+        {"integers", "[-2147483648,2147483647]", {}, "[-2147483648, 2147483647]"},
+    };
+
+    for (const auto& row : rows) {
+        const Value value = tree(row.text);
+        const std::string written = text_of(value.get(), row.options);
+        if (row.written != nullptr)
+            EXPECT_EQ(row.written, written) << row.name;
+        else
+            EXPECT_EQ(text_of(value.get()), text_of(tree(written).get())) << row.name;
+    }
+}
+
+TEST(Write, DoublesEndBehindTheirLastDigit) {
+    const struct {
+        double number;
+        const char* text;
+    } rows[] = {{100.0, "100.0"},   {1.5, "1.5"},   {0.25, "0.25"},
+                {-0.5, "-0.5"},     {1e-7, "0.0"},  {1e20, "100000000000000000000.0"},
+                {0.9999999, "1.0"}, {-1e-7, "-0.0"}};
+
+    for (const auto& row : rows)
+        EXPECT_EQ(row.text, text_of(Value(cson_value_from_double(row.number)).get()));
+}
+
+// The fast form against the format itself, over bit patterns, ties and numbers close to one.
+TEST(Write, DoublesHaveTheFormatsBytes) {
+    std::mt19937_64 engine(3);
+    const auto check = [](double number) {
+        cson_double_block block;
+        const std::uint32_t length = cson_format_double(block, number, ".");
+        char expected[400];
+        std::snprintf(expected, sizeof(expected), "%f", number);
+        ASSERT_EQ(expected, std::string(block.data(), length));
+    };
+    for (int round = 0; round < 200000 && !HasFatalFailure(); ++round) {
+        const std::uint64_t bits = engine();
+        double pattern = 0;
+        std::memcpy(&pattern, &bits, sizeof(pattern));
+        check(pattern);
+        check(static_cast<double>(static_cast<std::int64_t>(bits)) * 0x1p-40);
+        const double tie = static_cast<double>(bits >> 40) / 128.0 + 0x1p-7;
+        for (const double near : {tie, std::nextafter(tie, 0.0), std::nextafter(tie, 1e9)})
+            check(near);
+        check(static_cast<double>(bits >> 44) / 1e6);
+        check((static_cast<double>(bits >> 50) + 0.5) / 1e6);
+        check((static_cast<double>(bits >> 60) + 0.5) / 1e6 +
+              static_cast<double>(bits & 7) * 1e-20);
+    }
+    for (const double number :
+         {0.0, -0.0, 0x1p53, 0x1p53 - 1, 0.9999995, 0.99999949999, 5e-7, 4.9e-324,
+          std::numeric_limits<double>::max(), std::numeric_limits<double>::infinity(),
+          -std::numeric_limits<double>::quiet_NaN()})
+        check(number);
+}
+
+TEST(Write, StringsAreLenient) {
+    const struct {
+        std::string_view text;
+        const char* written;
+        int code;
+    } rows[] = {{"a\x01z", "\"a\x01z\"", cson_OK},
+                {std::string_view("ab\0cd", 5), "\"ab\"", cson_OK},
+                {"\x80\xC3", "\"\x80\xC3\"", cson_OK},
+                {"\xC0\x80", "\"\\ufffd\"", cson_OK},
+                {"12345678\xC3\xA9"
+                 "12345678/",
+                 "\"12345678\\u00e912345678\\/\"", cson_OK},
+                {"a\xF0\x9F\x98\x80z", "\"a", cson_RangeError}};
+
+    for (const auto& row : rows) {
+        std::vector<std::string> pieces;
+        EXPECT_EQ(row.code,
+                  cson_write_text(row.text.data(), static_cast<std::uint32_t>(row.text.size()),
+                                  true, collect, &pieces));
+        std::string joined;
+        for (const std::string& piece : pieces)
+            joined += piece;
+        EXPECT_EQ(row.written, joined);
+    }
+}
+
+TEST(Write, PiecesOfASink) {
+    std::vector<std::string> pieces;
+    const Value value = tree("{\"ab\":[true,12,\"\\u00e9\"]}");
+    cson_write_options options;
+    options.add_newline = true;
+    EXPECT_EQ(cson_OK, cson_write(value.get(), collect, &pieces, &options));
+    const std::vector<std::string> expected = {"{",       "\"", "a", "b",  "\"", ":", "[",
+                                               "true",    ",",  " ", "12", ",",  " ", "\"",
+                                               "\\u00e9", "\"", "]", "}",  "\n"};
+    EXPECT_EQ(expected, pieces);
+    const auto refuse = [](void* state, const void*, std::uint32_t) -> int {
+        return --*static_cast<int*>(state) == 0 ? cson_NYIError : cson_OK;
+    };
+    for (int allowed = 1; allowed <= static_cast<int>(expected.size()); ++allowed) {
+        int left = allowed;
+        EXPECT_EQ(cson_NYIError, cson_write(value.get(), refuse, &left, &options));
+        EXPECT_EQ(0, left) << "went on behind a refusal";
+    }
+}
+
+// A buffer grows as if every piece were appended on its own.
+TEST(Write, BufferGrowthFollowsThePieces) {
+    std::mt19937 engine(5);
+    for (int round = 0; round < 200; ++round) {
+        const Value value = random_tree(engine, 2);
+        const std::uint32_t start = static_cast<std::uint32_t>(engine() % 40);
+        std::vector<std::string> pieces;
+        cson_write(value.get(), collect, &pieces, nullptr);
+        std::uint32_t used = 0;
+        std::uint32_t capacity = start;
+        std::uint32_t expanded = start != 0 ? 1 : 0;
+        for (const std::string& piece : pieces) {
+            used += static_cast<std::uint32_t>(piece.size());
+            if (used >= capacity) {
+                capacity = used * 2;
+                ++expanded;
+            }
+        }
+        cson_buffer buffer;
+        cson_buffer_reserve_bytes(&buffer, start);
+        ASSERT_EQ(cson_OK, cson_write_buffer(value.get(), &buffer, nullptr));
+        EXPECT_EQ(used, buffer.used);
+        EXPECT_EQ(capacity, buffer.capacity);
+        EXPECT_EQ(start != 0 ? expanded : expanded, buffer.times_expanded);
+        EXPECT_EQ(0, buffer.mem[used]);
+        cson_buffer_reserve_bytes(&buffer, 0);
+    }
+}
+
+TEST(Write, BufferIsAddedTo) {
+    cson_buffer buffer;
+    const Value value = tree("[1]");
+    EXPECT_EQ(cson_OK, cson_write_buffer(cson_value_null_constant(), &buffer, nullptr));
+    EXPECT_EQ(8u, buffer.capacity);
+    EXPECT_EQ(cson_OK, cson_write_buffer(value.get(), &buffer, nullptr));
+    EXPECT_STREQ("null[1]", reinterpret_cast<const char*>(buffer.mem));
+    EXPECT_EQ(7u, buffer.used);
+    cson_buffer_reserve_bytes(&buffer, 0);
+}
+
+TEST(Write, FilesEndInALineFeedByDefault) {
+    const std::string path = testing::TempDir() + "quillon_json_writer_test.json";
+    const Value value = tree(sample);
+    ASSERT_EQ(cson_OK, cson_write_path(value.get(), path.c_str(), nullptr));
+    std::FILE* stream = std::fopen(path.c_str(), "rb");
+    char text[100] = {};
+    EXPECT_EQ(28u, std::fread(text, 1, sizeof(text), stream));
+    EXPECT_STREQ("{\"a\":1, \"b\":[1, 2.5, \"x\"]}\n", text);
+    std::fclose(stream);
+    std::remove(path.c_str());
+    EXPECT_EQ(cson_IOError, cson_write_path(value.get(), "no/such/folder/file", nullptr));
+    EXPECT_EQ(cson_IOError, cson_write_path(value.get(), "/dev/full", nullptr));
+}
+
+TEST(Write, ArgumentsAreChecked) {
+    cson_buffer buffer;
+    std::vector<std::string> pieces;
+    const cson_write_options options;
+    EXPECT_EQ(cson_ArgError, cson_write(nullptr, collect, &pieces, nullptr));
+    EXPECT_EQ(cson_ArgError, cson_write(cson_value_true(), nullptr, nullptr, nullptr));
+    EXPECT_EQ(cson_ArgError, cson_write_buffer(nullptr, &buffer, nullptr));
+    EXPECT_EQ(cson_ArgError, cson_write_stream(cson_value_true(), nullptr, nullptr));
+    EXPECT_EQ(cson_TypeError, cson_write_array(cson_value_true(), collect, &pieces, &options, 0));
+    EXPECT_EQ(cson_ArgError, cson_write_object(cson_value_true(), collect, &pieces, nullptr, 0));
+    const Value array = tree("[1]");
+    EXPECT_EQ(cson_RangeError, cson_write_array(array.get(), collect, &pieces, &options, 26));
+    EXPECT_TRUE(pieces.empty());
+}
+
+} // namespace
