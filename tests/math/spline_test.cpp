@@ -147,8 +147,8 @@ TEST(Spline3D, ArraysGrowByPowersOfTwo) {
     } cases[] = {{0, 1, 1}, {5, 6, 8}, {8, 9, 16}, {8, 40, 64}, {5, 5, 5}, {16, 3, 16}};
 
     for (const auto& row : cases) {
-        cSpline3D s(std::move(cSpline3D()));
-        delete[] std::exchange(s.points, nullptr);
+        cSpline3D s;
+        delete[] s.points;
         __cSpline3d_create_empty(s, row.capacity);
         EXPECT_EQ(row.capacity, s.capacity);
         __cSpline3d_expand_array(s, row.needed);

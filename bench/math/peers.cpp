@@ -1,0 +1,63 @@
+#include "bench/math/peers.h"
+
+namespace peers {
+
+void multiply(glm::dmat3& m, const glm::dmat3& b) {
+    m = m * b;
+}
+
+void multiply(Eigen::Matrix3d& m, const Eigen::Matrix3d& b) {
+    m = m * b;
+}
+
+void multiply(quillon::cMatrix3D& m, const quillon::cMatrix3D& b) {
+    plain::multiply(m, b);
+}
+
+void multiply(glm::dquat& q, const glm::dquat& b) {
+    q = q * b;
+}
+
+void multiply(Eigen::Quaterniond& q, const Eigen::Quaterniond& b) {
+    q = q * b;
+}
+
+void multiply(quillon::cQuaternion& q, const quillon::cQuaternion& b) {
+    plain::multiply(q, b);
+}
+
+void rotate(glm::dvec3& v, const glm::dmat3& m) {
+    v = m * v;
+}
+
+void rotate(Eigen::Vector3d& v, const Eigen::Matrix3d& m) {
+    v = m * v;
+}
+
+void rotate(quillon::cVector3D& v, const quillon::cMatrix3D& m) {
+    plain::rotate(v, m);
+}
+
+void rotate(quillon::cVector3D& v, const quillon::cQuaternion& q) {
+    plain::rotate(v, q);
+}
+
+void slerp(glm::dquat& q, const glm::dquat& a, const glm::dquat& b, double t) {
+    q = glm::slerp(a, b, t);
+}
+
+void slerp(Eigen::Quaterniond& q, const Eigen::Quaterniond& a, const Eigen::Quaterniond& b,
+           double t) {
+    q = a.slerp(t, b);
+}
+
+void smooth_value(const quillon::cSpline3D& s, quillon::cVector3D& out, double t) {
+    out = plain::smooth_value(s, t);
+}
+
+double value_closest_to(const quillon::cSpline3D& s, const quillon::cVector3D& target,
+                        double tolerance, std::uint32_t iterations) {
+    return plain::value_closest_to(s, target, tolerance, iterations);
+}
+
+} // namespace peers
