@@ -47,6 +47,28 @@ inline void from_quaternion(cMatrix3D& m, const cQuaternion& q) {
     m[8] = 1.0 - 2.0 * x * x - 2.0 * y * y;
 }
 
+inline void slerp(cQuaternion& q, const cQuaternion& a, const cQuaternion& b, double t) {
+    cQuaternion b2 = b;
+    double d = a.w * b2.w + a.x * b2.x + a.y * b2.y + a.z * b2.z;
+    if (d < 0.0) {
+        b2.set(-b2.x, -b2.y, -b2.z, -b2.w);
+        d = -d;
+    }
+    if (!(std::abs(d) < 1.0)) {
+        q = a;
+        return;
+    }
+    const double theta = std::acos(d);
+    const double s = std::sqrt(1.0 - d * d);
+    double fa = 0.5;
+    double fb = 0.5;
+    if (!(std::abs(s) < 0.001)) {
+        fa = sinTR((1.0 - t) * theta) / s;
+        fb = sinTR(t * theta) / s;
+    }
+    q.set(fa * a.x + fb * b2.x, fa * a.y + fb * b2.y, fa * a.z + fb * b2.z, fa * a.w + fb * b2.w);
+}
+
 // Row or column `first` of a matrix, its elements `step` apart, times a vector.
 inline double dot(const cMatrix3D& m, int first, int step, const cVector3D& v) {
     return m[first] * v[0] + m[first + step] * v[1] + m[first + 2 * step] * v[2];

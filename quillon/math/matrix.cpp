@@ -1,5 +1,6 @@
 #include "quillon/math/matrix.h"
 
+#include "quillon/math/lanes.h"
 #include "quillon/math/quaternion.h"
 #include "quillon/math/text_fields.h"
 #include "quillon/math/trig_tables.h"
@@ -7,9 +8,11 @@
 
 #include <cmath>
 
+using quillon::both;
 using quillon::cMatrix3D;
 using quillon::cQuaternion;
 using quillon::cVector3D;
+using quillon::Pair;
 using quillon::trig::Direction;
 using quillon::trig::direction_at;
 
@@ -112,14 +115,25 @@ void __cMatrix3d_subtract(cMatrix3D& m, const cMatrix3D& b) {
             m.m[row][column] -= b.m[row][column];
 }
 
+// Two columns at once and the third beside them; `b` may be `m`, so nothing is stored before the
+// end.
 void __cMatrix3d_multiply(cMatrix3D& m, const cMatrix3D& b) {
-    const cMatrix3D left = m;
-    const cMatrix3D right = b;
-    for (int row = 0; row < 3; ++row)
-        for (int column = 0; column < 3; ++column)
-            m.m[row][column] = left.m[row][0] * right.m[0][column] +
-                               left.m[row][1] * right.m[1][column] +
-                               left.m[row][2] * right.m[2][column];
+    const Pair b0{b.m[0][0], b.m[0][1]};
+    const Pair b1{b.m[1][0], b.m[1][1]};
+    const Pair b2{b.m[2][0], b.m[2][1]};
+    const double last[] = {b.m[0][2], b.m[1][2], b.m[2][2]};
+    Pair pairs[3];
+    double thirds[3];
+    for (int row = 0; row < 3; ++row) {
+        const auto& a = m.m[row];
+        pairs[row] = both(a[0]) * b0 + both(a[1]) * b1 + both(a[2]) * b2;
+        thirds[row] = a[0] * last[0] + a[1] * last[1] + a[2] * last[2];
+    }
+    for (int row = 0; row < 3; ++row) {
+        m.m[row][0] = pairs[row][0];
+        m.m[row][1] = pairs[row][1];
+        m.m[row][2] = thirds[row];
+    }
 }
 
 double __cMatrix3d_get_determinant(const cMatrix3D& m) {

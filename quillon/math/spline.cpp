@@ -1,5 +1,6 @@
 #include "quillon/math/spline.h"
 
+#include "quillon/math/lanes.h"
 #include "quillon/math/text_fields.h"
 
 #include <algorithm>
@@ -11,8 +12,11 @@
 #include <limits>
 #include <string_view>
 
+using quillon::both;
 using quillon::cSpline3D;
 using quillon::cVector3D;
+using quillon::Pair;
+using quillon::square_roots;
 
 namespace {
 
@@ -59,50 +63,82 @@ const cVector3D& point_at(const cSpline3D& s, std::int32_t index) {
     return s.points[rest < 0 ? rest + s.count : rest];
 }
 
-// The cubic Bezier segment from one point to the next, its inner control points taken three times.
-class Segment {
-public:
-    Segment(const cSpline3D& s, std::int32_t index)
-        : start(&point_at(s, index)), end(&point_at(s, index + 1)) {
-        const cVector3D chord = *end - *start;
-        const double length = chord.length();
-        cVector3D leaving = unit(chord, length);
-        if (index > 0)
-            leaving = (leaving + (*start - point_at(s, index - 1)).normalized()).normalized();
-        cVector3D arriving = unit(*start - *end, length);
-        if (index < s.count - 2)
-            arriving = (arriving + (*end - point_at(s, index + 2)).normalized()).normalized();
-        start_handle = (*start + leaving * length / 3.0) * 3.0;
-        end_handle = (*end + arriving * length / 3.0) * 3.0;
+// Vectors at both ends of a segment, worked on at once: lane 0 where it starts, lane 1 where it
+// ends. Square roots and divisions are what a segment costs, and a pair of them takes as long as
+// one.
+struct Ends {
+    Pair x;
+    Pair y;
+    Pair z;
+
+    static Ends of(const cVector3D& start, const cVector3D& end) {
+        return {Pair{start.x, end.x}, Pair{start.y, end.y}, Pair{start.z, end.z}};
     }
+
+    Ends swapped() const { return {Pair{x[1], x[0]}, Pair{y[1], y[0]}, Pair{z[1], z[0]}}; }
+
+    Ends operator+(const Ends& b) const { return {x + b.x, y + b.y, z + b.z}; }
+
+    Ends operator-(const Ends& b) const { return {x - b.x, y - b.y, z - b.z}; }
+
+    Ends operator*(Pair factor) const { return {x * factor, y * factor, z * factor}; }
+
+    Ends operator/(Pair divisor) const { return {x / divisor, y / divisor, z / divisor}; }
+
+    Pair lengths() const { return square_roots(x * x + y * y + z * z); }
+
+    // As cVector3D::normalized, given the lengths: dividing by a length of exactly 1 changes
+    // nothing.
+    Ends units(Pair lengths) const { return *this / (lengths == both(0.0) ? both(1.0) : lengths); }
+
+    cVector3D start() const { return {x[0], y[0], z[0]}; }
+
+    cVector3D end() const { return {x[1], y[1], z[1]}; }
+};
+
+// The cubic Bezier segment from one point to the next, its inner control points taken three times.
+struct Segment {
+    Ends points;
+    Ends handles;
 
     cVector3D at(double u) const {
         const double v = 1.0 - u;
-        return *start * (v * v * v) + start_handle * (v * v * u) + end_handle * (v * u * u) +
-               *end * (u * u * u);
+        const Ends outer = points * Pair{v * v * v, u * u * u};
+        const Ends inner = handles * Pair{v * v * u, v * u * u};
+        return outer.start() + inner.start() + inner.end() + outer.end();
     }
-
-private:
-    static cVector3D unit(const cVector3D& v, double length) {
-        return length == 0.0 ? v : v / length;
-    }
-
-    const cVector3D* start;
-    const cVector3D* end;
-    cVector3D start_handle;
-    cVector3D end_handle;
 };
+
+// The segment that leaves point `index`: tangents bisect the unit chords that meet at an end, where
+// two do, and handles are a third of the chord long.
+Segment segment_at(const cSpline3D& s, std::int32_t index) {
+    const Ends points = Ends::of(point_at(s, index), point_at(s, index + 1));
+    const Ends inward = points.swapped() - points;
+    const Pair length = both(inward.lengths()[0]);
+    Ends tangents = inward.units(length);
+    const bool starts_path = index <= 0;
+    const bool ends_path = index >= s.count - 2;
+    if (!starts_path || !ends_path) {
+        const Ends outward = points - Ends::of(point_at(s, index - 1), point_at(s, index + 2));
+        const Ends sums = tangents + outward.units(outward.lengths());
+        const Ends bisectors = sums.units(sums.lengths());
+        tangents = Ends::of(starts_path ? tangents.start() : bisectors.start(),
+                            ends_path ? tangents.end() : bisectors.end());
+    }
+    return {points, (points + tangents * length / both(3.0)) * both(3.0)};
+}
 
 // Reads a smooth path at one parameter after another; neighbours mostly share a segment.
 class SmoothReader {
 public:
-    explicit SmoothReader(const cSpline3D& spline) : s(spline), index(0), segment(spline, 0) {}
+    explicit SmoothReader(const cSpline3D& spline)
+        : s(spline), index(0), segment(segment_at(spline, 0)) {}
 
     cVector3D at(double t) {
         const Place place = place_of(s, t);
         if (place.index != index) {
             index = place.index;
-            segment = Segment(s, index);
+            segment = segment_at(s, index);
         }
         return segment.at(place.fraction);
     }
@@ -181,7 +217,7 @@ void __cSpline3d_get_smooth_value(const cSpline3D& s, cVector3D& out, double t) 
         return;
     }
     const Place place = place_of(s, t);
-    out = Segment(s, place.index).at(place.fraction);
+    out = segment_at(s, place.index).at(place.fraction);
 }
 
 double __cSpline3d_get_value_closest_to(const cSpline3D& s, const cVector3D& target,

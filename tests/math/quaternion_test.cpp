@@ -154,6 +154,23 @@ TEST_F(Quaternion, SumAndDifference) {
     EXPECT_TRUE(same_bits(cQuaternion(0, 0, 0, 0), q, 4));
 }
 
+TEST_F(Quaternion, SlerpEqualsThePlainOneBitForBit) {
+    for (int i = 0; i < 400000; ++i) {
+        numbers.awkward = i % 16 == 0;
+        const cQuaternion a = random_unit();
+        cQuaternion b = random_unit();
+        if (i % 2 == 0) {
+            // Arcs down to those that give the mean.
+            const double part = std::ldexp(1.0, -i % 14);
+            b.set(a.x + part * b.x, a.y + part * b.y, a.z + part * b.z, a.w);
+        }
+        const double t = i % 3 == 0 ? numbers.next() : std::abs(numbers.next()) / 2.0;
+        cQuaternion expected;
+        plain::slerp(expected, a, b, t);
+        ASSERT_TRUE(same_bits(expected, slerp(a, b, t), 4)) << i;
+    }
+}
+
 TEST_F(Quaternion, SlerpFollowsTheShorterArc) {
     numbers.awkward = false;
     for (int i = 0; i < 2000; ++i) {
