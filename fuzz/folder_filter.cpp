@@ -1,0 +1,60 @@
+// The folder listing, on any filter and any way of writing the folder.
+#include "check.h"
+
+#include "quillon/core/file_list.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// A folder of a few files and subfolders, which stays for the run.
+class PreparedFolder {
+public:
+    PreparedFolder() {
+        check(mkdtemp(path.data()) != nullptr, "a folder for temporary files can be made");
+        for (const char* file : {"a", "A.dll", "b.so", "c.txt", ".hidden", "long.name.with.dots"})
+            std::ofstream(fs::path(path) / file).put('x');
+        for (const char* folder : {"sub", "folder.dll"})
+            fs::create_directory(fs::path(path) / folder);
+    }
+
+    PreparedFolder(const PreparedFolder&) = delete;
+    PreparedFolder& operator=(const PreparedFolder&) = delete;
+
+    ~PreparedFolder() { fs::remove_all(path); }
+
+    std::string path = (fs::temp_directory_path() / "quillon_fuzz_XXXXXX").string();
+};
+
+} // namespace
+
+// The input is the filter, a line feed, and what is put behind the prepared folder's name.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string text = std::string(reinterpret_cast<const char*>(data), size).c_str();
+    const std::size_t line = std::min(text.find('\n'), text.size());
+    const std::string filter = text.substr(0, line);
+    const std::string tail = line < text.size() ? text.substr(line + 1) : std::string();
+    const bool folders = filter.find_first_not_of(';') == std::string::npos;
+    static const PreparedFolder prepared;
+    const std::string folder = prepared.path + '/' + tail;
+
+    auto* entry = __mFileOps_collect_files(folder.c_str(), filter.c_str());
+    while (entry != nullptr) {
+        const std::unique_ptr<quillon::cFileListEntry> owner(entry);
+        const std::unique_ptr<char[]> name(entry->name);
+        const bool is_folder = fs::is_directory(fs::path(folder) / name.get());
+        // A tail may lead out of the folder, and with a "\" in it to where we would not look.
+        if (tail.empty())
+            check(is_folder == folders, "a filter gives files, none gives folders");
+        entry = entry->next;
+    }
+    return 0;
+}
