@@ -1,0 +1,209 @@
+// Unrolling and tangents on a million corners, beside a plain reading and the bare memory traffic.
+#include "quillon/rendercache/render_cache.h"
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstring>
+#include <memory>
+#include <numeric>
+#include <random>
+#include <vector>
+
+using quillon::cColor;
+using quillon::cRenderCache;
+using quillon::cVector3D;
+using TexCoord = quillon::cVector2D<double>;
+
+namespace {
+
+constexpr std::uint32_t CORNERS_PER_QUAD = 4;
+constexpr std::uint32_t QUADS = 250'000;
+constexpr std::uint32_t CORNERS = QUADS * CORNERS_PER_QUAD;
+constexpr std::uint32_t GRID_WIDTH = 500;
+
+struct Cleanup {
+    void operator()(cRenderCache* cache) const {
+        __mGraphics_render_cache_cleanup(cache);
+        delete cache;
+    }
+};
+
+using Cache = std::unique_ptr<cRenderCache, Cleanup>;
+
+struct Model {
+    std::vector<cVector3D> positions;
+    std::vector<TexCoord> texcoords;
+    std::vector<cVector3D> normals;
+    std::vector<cColor> colors;
+    std::array<std::vector<std::uint32_t>, 4> indices;
+    Cache cache{__mGraphics_create_render_cache(QUADS, CORNERS_PER_QUAD, true, true, true, true)};
+
+    explicit Model(std::size_t elements) {
+        std::mt19937 random(1);
+        std::uniform_real_distribution<double> spread(-1.0, 1.0);
+        for (std::size_t i = 0; i < elements; ++i) {
+            positions.emplace_back(spread(random), spread(random), spread(random));
+            texcoords.emplace_back(spread(random), spread(random));
+            normals.emplace_back(spread(random), spread(random), spread(random));
+            colors.emplace_back(0.25F, 0.5F, 0.75F, 1.0F);
+        }
+    }
+
+    void index(const std::vector<std::uint32_t>& order) {
+        indices.fill(order);
+        __mGraphics_modify_render_cache_from_polys(
+            cache.get(), positions.data(), texcoords.data(), normals.data(), colors.data(),
+            indices[0].data(), indices[1].data(), indices[2].data(), indices[3].data());
+    }
+};
+
+Model& in_corner_order() {
+    static Model model(CORNERS);
+    return model;
+}
+
+// The quads of a grid, row by row, as exporters write them.
+Model& in_grid_order() {
+    static Model model = [] {
+        Model grid(QUADS + GRID_WIDTH + 1);
+        std::vector<std::uint32_t> order;
+        for (std::uint32_t quad = 0; quad < QUADS; ++quad)
+            for (const std::uint32_t step : {0U, 1U, GRID_WIDTH + 1, GRID_WIDTH})
+                order.push_back(quad + step);
+        grid.index(order);
+        return grid;
+    }();
+    return model;
+}
+
+Model& in_random_order() {
+    static Model model = [] {
+        Model scattered(QUADS);
+        std::vector<std::uint32_t> order(CORNERS);
+        std::mt19937 random(2);
+        std::generate(order.begin(), order.end(), [&] { return random() % QUADS; });
+        scattered.index(order);
+        return scattered;
+    }();
+    return model;
+}
+
+void plain_write(float* array, std::size_t i, const cVector3D& vector) {
+    array[i * 3] = static_cast<float>(vector.x);
+    array[i * 3 + 1] = static_cast<float>(vector.y);
+    array[i * 3 + 2] = static_cast<float>(vector.z);
+}
+
+void plain_write(float* array, std::size_t i, const TexCoord& vector) {
+    array[i * 2] = static_cast<float>(vector.x);
+    array[i * 2 + 1] = static_cast<float>(vector.y);
+}
+
+void plain_write(float* array, std::size_t i, const cColor& color) {
+    array[i * 4] = color.r;
+    array[i * 4 + 1] = color.g;
+    array[i * 4 + 2] = color.b;
+    array[i * 4 + 3] = color.a;
+}
+
+// A plain reading of the contract: polygon by polygon, corner by corner, attribute by attribute.
+// `element(indices, poly, c)` is the element that corner c of a polygon takes.
+template <class Element>
+[[gnu::noinline]] void plain_unroll(const cRenderCache* cache, const cVector3D* positions,
+                                    const TexCoord* texcoords, const cVector3D* normals,
+                                    const cColor* colors, const std::uint32_t* const* indices,
+                                    Element element) {
+    for (std::size_t poly = 0; poly < cache->poly_count; ++poly) {
+        for (std::size_t c = 0; c < cache->verts_per_poly; ++c) {
+            const std::size_t i = poly * cache->verts_per_poly + c;
+            plain_write(cache->positions, i, positions[element(indices[0], poly, c)]);
+            if (normals != nullptr)
+                plain_write(cache->normals, i, normals[element(indices[2], poly, c)]);
+            if (texcoords != nullptr)
+                plain_write(cache->texcoords, i, texcoords[element(indices[1], poly, c)]);
+            if (colors != nullptr)
+                plain_write(cache->colors, i, colors[element(indices[3], poly, c)]);
+        }
+    }
+}
+
+template <class Element>
+void plain_unroll(const Model& model, Element element) {
+    const std::uint32_t* indices[] = {model.indices[0].data(), model.indices[1].data(),
+                                      model.indices[2].data(), model.indices[3].data()};
+    plain_unroll(model.cache.get(), model.positions.data(), model.texcoords.data(),
+                 model.normals.data(), model.colors.data(), indices, element);
+}
+
+void plain_from_verts(const Model& model) {
+    const std::size_t width = model.cache->verts_per_poly;
+    plain_unroll(model, [width](const std::uint32_t*, std::size_t poly, std::size_t c) {
+        return poly * width + c;
+    });
+}
+
+void plain_from_polys(const Model& model) {
+    const std::size_t width = model.cache->verts_per_poly;
+    plain_unroll(model, [width](const std::uint32_t* indices, std::size_t poly, std::size_t c) {
+        return width >= 1 && width <= 4 ? std::size_t{indices[poly * width + c]} : 0;
+    });
+}
+
+void from_verts(const Model& model) {
+    __mGraphics_modify_render_cache_from_verts(model.cache.get(), model.positions.data(),
+                                               model.texcoords.data(), model.normals.data(),
+                                               model.colors.data());
+}
+
+void from_polys(const Model& model) {
+    __mGraphics_modify_render_cache_from_polys(
+        model.cache.get(), model.positions.data(), model.texcoords.data(), model.normals.data(),
+        model.colors.data(), model.indices[0].data(), model.indices[1].data(),
+        model.indices[2].data(), model.indices[3].data());
+}
+
+// Reads every byte of an element and writes every byte of its entry, with nothing in between.
+template <std::size_t width, class Source>
+void bare_entry(const Source& source, float* entry) {
+    std::array<std::uint64_t, sizeof(Source) / sizeof(std::uint64_t)> words;
+    std::memcpy(words.data(), static_cast<const void*>(&source), sizeof(words));
+    const auto sum = std::accumulate(words.begin(), words.end(), std::uint64_t{0});
+    for (std::size_t c = 0; c < width; ++c)
+        std::memcpy(entry + c, &sum, sizeof(float));
+}
+
+void bare_traffic(const Model& model) {
+    for (std::size_t i = 0; i < CORNERS; ++i) {
+        bare_entry<3>(model.positions[i], model.cache->positions + i * 3);
+        bare_entry<3>(model.normals[i], model.cache->normals + i * 3);
+        bare_entry<2>(model.texcoords[i], model.cache->texcoords + i * 2);
+        bare_entry<4>(model.colors[i], model.cache->colors + i * 4);
+    }
+}
+
+void run(benchmark::State& state, void (*work)(const Model&), Model& (*model)()) {
+    const Model& subject = model();
+    for (auto _ : state) {
+        work(subject);
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(state.iterations() * CORNERS);
+}
+
+} // namespace
+
+BENCHMARK_CAPTURE(run, verts / bare, bare_traffic, in_corner_order)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(run, verts / plain, plain_from_verts, in_corner_order)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(run, verts / quillon, from_verts, in_corner_order)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(run, polys_grid / plain, plain_from_polys, in_grid_order)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(run, polys_grid / quillon, from_polys, in_grid_order)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(run, polys_random / plain, plain_from_polys, in_random_order)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(run, polys_random / quillon, from_polys, in_random_order)
+    ->Unit(benchmark::kMillisecond);

@@ -1,0 +1,213 @@
+#include "quillon/rendercache/render_cache.h"
+
+#include "quillon/platform/stores.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <memory>
+#include <new>
+
+using quillon::cColor;
+using quillon::cRenderCache;
+using quillon::cVector3D;
+using TexCoord = quillon::cVector2D<double>;
+using quillon::platform::CachedStores;
+using quillon::platform::StreamingStores;
+
+namespace {
+
+// From this many corners on, an unrolled cache outgrows a processor's, and streaming pays.
+constexpr std::size_t STREAM_FROM = std::size_t{1} << 17;
+
+// Sources in corner order are read side by side in runs of this many corners, which keeps the
+// prefetchers busy. Indexed sources go one after the other, since scattered reads want the cache to
+// themselves.
+constexpr std::size_t RUN = 64;
+
+// Four entries of any attribute fill whole stores.
+constexpr std::size_t GROUP = 4;
+
+template <class Source>
+inline constexpr std::size_t WIDTH = 3;
+template <>
+inline constexpr std::size_t WIDTH<TexCoord> = 2;
+template <>
+inline constexpr std::size_t WIDTH<cColor> = 4;
+
+void flatten(const cVector3D& vector, float* entry) {
+    entry[0] = static_cast<float>(vector.x);
+    entry[1] = static_cast<float>(vector.y);
+    entry[2] = static_cast<float>(vector.z);
+}
+
+void flatten(const TexCoord& vector, float* entry) {
+    entry[0] = static_cast<float>(vector.x);
+    entry[1] = static_cast<float>(vector.y);
+}
+
+void flatten(const cColor& color, float* entry) {
+    entry[0] = color.r;
+    entry[1] = color.g;
+    entry[2] = color.b;
+    entry[3] = color.a;
+}
+
+std::size_t corner_count(const cRenderCache& cache) {
+    return std::size_t{cache.poly_count} * cache.verts_per_poly;
+}
+
+// The arrays in field order, with the floats of one entry.
+struct Array {
+    float* cRenderCache::*pointer;
+    std::size_t width;
+};
+
+constexpr Array ARRAYS[] = {{&cRenderCache::positions, 3},
+                            {&cRenderCache::normals, 3},
+                            {&cRenderCache::tangents, 3},
+                            {&cRenderCache::texcoords, 2},
+                            {&cRenderCache::colors, 4}};
+
+std::unique_ptr<float[]> allocate(bool wanted, std::uint64_t corners, std::size_t width) {
+    constexpr std::uint64_t most = std::numeric_limits<std::ptrdiff_t>::max() / sizeof(float);
+    if (!wanted)
+        return nullptr;
+    if (corners > most / width)
+        throw std::bad_array_new_length();
+    return std::make_unique_for_overwrite<float[]>(static_cast<std::size_t>(corners) * width);
+}
+
+// Which element of a source a corner takes.
+struct InOrder {
+    std::size_t operator()(std::size_t corner) const { return corner; }
+};
+
+struct ByIndex {
+    const std::uint32_t* indices;
+
+    std::size_t operator()(std::size_t corner) const { return indices[corner]; }
+};
+
+struct AlwaysFirst {
+    std::size_t operator()(std::size_t) const { return 0; }
+};
+
+// Writes the entries of the corners from `first` up to `end`.
+template <class Stores, class Source, class Element>
+void unroll_by(float* array, const Source* source, Element element, std::size_t first,
+               std::size_t end) {
+    constexpr std::size_t width = WIDTH<Source>;
+    std::size_t corner = first;
+    const auto flatten_one = [&] {
+        flatten(source[element(corner)], array + corner * width);
+        ++corner;
+    };
+
+    while (corner < end && !quillon::platform::is_store_aligned(array + corner * width))
+        flatten_one();
+    for (; end - corner >= GROUP; corner += GROUP) {
+        alignas(quillon::platform::STORE_ALIGNMENT) float group[GROUP * width];
+        for (std::size_t i = 0; i < GROUP; ++i)
+            flatten(source[element(corner + i)], group + i * width);
+        for (std::size_t i = 0; i < GROUP * width; i += 4)
+            Stores::put(array + corner * width + i, group + i);
+    }
+    while (corner < end)
+        flatten_one();
+}
+
+// The same where both arrays exist, by the stores that suit a cache of `total` corners.
+template <class Source, class Element>
+void unroll(float* array, const Source* source, Element element, std::size_t first, std::size_t end,
+            std::size_t total) {
+    if (array == nullptr || source == nullptr)
+        return;
+    if (total >= STREAM_FROM)
+        unroll_by<StreamingStores>(array, source, element, first, end);
+    else
+        unroll_by<CachedStores>(array, source, element, first, end);
+}
+
+template <class Source>
+void unroll_indexed(const cRenderCache& cache, float* array, const Source* source,
+                    const std::uint32_t* indices) {
+    const std::size_t corners = corner_count(cache);
+    if (cache.verts_per_poly > 4)
+        unroll(array, source, AlwaysFirst{}, 0, corners, corners);
+    else if (indices != nullptr)
+        unroll(array, source, ByIndex{indices}, 0, corners, corners);
+}
+
+} // namespace
+
+cRenderCache* __mGraphics_create_render_cache(std::uint32_t poly_count,
+                                              std::uint32_t verts_per_poly, bool texcoords,
+                                              bool normals, bool tangents, bool colors) {
+    const std::uint64_t corners = std::uint64_t{poly_count} * verts_per_poly;
+    auto position_array = allocate(true, corners, 3);
+    auto normal_array = allocate(normals, corners, 3);
+    auto tangent_array = allocate(tangents, corners, 3);
+    auto texcoord_array = allocate(texcoords, corners, 2);
+    auto color_array = allocate(colors, corners, 4);
+    return new cRenderCache{position_array.release(),
+                            normal_array.release(),
+                            tangent_array.release(),
+                            texcoord_array.release(),
+                            color_array.release(),
+                            poly_count,
+                            verts_per_poly};
+}
+
+void __mGraphics_modify_render_cache_from_verts(cRenderCache* cache, const cVector3D* positions,
+                                                const TexCoord* texcoords, const cVector3D* normals,
+                                                const cColor* colors) {
+    if (cache == nullptr)
+        return;
+    const std::size_t corners = corner_count(*cache);
+    for (std::size_t first = 0; first < corners; first += RUN) {
+        const std::size_t end = std::min(first + RUN, corners);
+        unroll(cache->positions, positions, InOrder{}, first, end, corners);
+        unroll(cache->normals, normals, InOrder{}, first, end, corners);
+        unroll(cache->texcoords, texcoords, InOrder{}, first, end, corners);
+        unroll(cache->colors, colors, InOrder{}, first, end, corners);
+    }
+    quillon::platform::finish_streaming();
+}
+
+void __mGraphics_modify_render_cache_from_polys(cRenderCache* cache, const cVector3D* positions,
+                                                const TexCoord* texcoords, const cVector3D* normals,
+                                                const cColor* colors,
+                                                const std::uint32_t* position_indices,
+                                                const std::uint32_t* texcoord_indices,
+                                                const std::uint32_t* normal_indices,
+                                                const std::uint32_t* color_indices) {
+    if (cache == nullptr)
+        return;
+    unroll_indexed(*cache, cache->positions, positions, position_indices);
+    unroll_indexed(*cache, cache->normals, normals, normal_indices);
+    unroll_indexed(*cache, cache->texcoords, texcoords, texcoord_indices);
+    unroll_indexed(*cache, cache->colors, colors, color_indices);
+    quillon::platform::finish_streaming();
+}
+
+void __mGraphics_copy_render_cache(void* /*context*/, cRenderCache* destination,
+                                   const cRenderCache* source) {
+    if (destination == nullptr || source == nullptr)
+        return;
+    for (const auto& [pointer, width] : ARRAYS) {
+        float* to = destination->*pointer;
+        const float* from = source->*pointer;
+        if (to != nullptr && from != nullptr)
+            std::memmove(to, from, corner_count(*source) * width * sizeof(float));
+    }
+}
+
+void __mGraphics_render_cache_cleanup(cRenderCache* cache) {
+    if (cache == nullptr)
+        return;
+    for (const Array& array : ARRAYS) {
+        delete[](cache->*array.pointer);
+        cache->*array.pointer = nullptr;
+    }
+}

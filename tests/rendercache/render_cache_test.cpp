@@ -1,0 +1,2 @@
+#include "quillon/rendercache/render_cache.h"
+#include <gtest/gtest.h>
