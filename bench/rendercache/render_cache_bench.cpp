@@ -1,10 +1,11 @@
 // Unrolling and tangents on a million corners, beside a plain reading and the bare memory traffic.
-#include "quillon/rendercache/render_cache.h"
+#include "quillon/rendercache/tangents.h"
 
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <cstring>
 #include <memory>
@@ -39,9 +40,11 @@ struct Model {
     std::vector<cVector3D> normals;
     std::vector<cColor> colors;
     std::array<std::vector<std::uint32_t>, 4> indices;
-    Cache cache{__mGraphics_create_render_cache(QUADS, CORNERS_PER_QUAD, true, true, true, true)};
+    Cache cache;
 
-    explicit Model(std::size_t elements) {
+    explicit Model(std::size_t elements, std::uint32_t corners_per_poly = CORNERS_PER_QUAD)
+        : cache(__mGraphics_create_render_cache(CORNERS / corners_per_poly, corners_per_poly, true,
+                                                true, true, true)) {
         std::mt19937 random(1);
         std::uniform_real_distribution<double> spread(-1.0, 1.0);
         for (std::size_t i = 0; i < elements; ++i) {
@@ -87,6 +90,21 @@ Model& in_random_order() {
         std::generate(order.begin(), order.end(), [&] { return random() % QUADS; });
         scattered.index(order);
         return scattered;
+    }();
+    return model;
+}
+
+void from_verts(const Model& model) {
+    __mGraphics_modify_render_cache_from_verts(model.cache.get(), model.positions.data(),
+                                               model.texcoords.data(), model.normals.data(),
+                                               model.colors.data());
+}
+
+Model& in_triangles() {
+    static Model model = [] {
+        Model soup(CORNERS, 3);
+        from_verts(soup);
+        return soup;
     }();
     return model;
 }
@@ -152,12 +170,6 @@ void plain_from_polys(const Model& model) {
     });
 }
 
-void from_verts(const Model& model) {
-    __mGraphics_modify_render_cache_from_verts(model.cache.get(), model.positions.data(),
-                                               model.texcoords.data(), model.normals.data(),
-                                               model.colors.data());
-}
-
 void from_polys(const Model& model) {
     __mGraphics_modify_render_cache_from_polys(
         model.cache.get(), model.positions.data(), model.texcoords.data(), model.normals.data(),
@@ -184,6 +196,39 @@ void bare_traffic(const Model& model) {
     }
 }
 
+cVector3D plain_tangent(const cVector3D* p, const TexCoord* uv) {
+    const cVector3D e1 = p[1] - p[0];
+    const cVector3D e2 = p[2] - p[0];
+    const double dv1 = uv[1].y - uv[0].y;
+    const double dv2 = uv[2].y - uv[0].y;
+    const double det = (uv[1].x - uv[0].x) * dv2 - (uv[2].x - uv[0].x) * dv1;
+    if (std::fabs(det) < 0.0001)
+        return {1.0, 0.0, 0.0};
+    return ((e1 * dv2 - e2 * dv1) * (1.0 / det)).normalized();
+}
+
+// A plain reading of the tangents: polygon by polygon through the flat function's formula.
+void plain_tangents(const Model& model) {
+    const cRenderCache& cache = *model.cache;
+    for (std::size_t poly = 0; poly < cache.poly_count; ++poly) {
+        const std::size_t entry = poly * cache.verts_per_poly;
+        cVector3D p[3];
+        TexCoord uv[3];
+        for (std::size_t c = 0; c < 3; ++c) {
+            const float* position = cache.positions + (entry + c) * 3;
+            p[c].set(position[0], position[1], position[2]);
+            uv[c] = {cache.texcoords[(entry + c) * 2], cache.texcoords[(entry + c) * 2 + 1]};
+        }
+        const cVector3D tangent = plain_tangent(p, uv);
+        for (std::size_t c = 0; c < cache.verts_per_poly; ++c)
+            plain_write(cache.tangents, entry + c, tangent);
+    }
+}
+
+void tangents(const Model& model) {
+    __mGraphics_render_cache_calc_tangents(model.cache.get());
+}
+
 void run(benchmark::State& state, void (*work)(const Model&), Model& (*model)()) {
     const Model& subject = model();
     for (auto _ : state) {
@@ -206,4 +251,12 @@ BENCHMARK_CAPTURE(run, polys_grid / quillon, from_polys, in_grid_order)
 BENCHMARK_CAPTURE(run, polys_random / plain, plain_from_polys, in_random_order)
     ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(run, polys_random / quillon, from_polys, in_random_order)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(run, tangents_quads / plain, plain_tangents, in_grid_order)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(run, tangents_quads / quillon, tangents, in_grid_order)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(run, tangents_triangles / plain, plain_tangents, in_triangles)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(run, tangents_triangles / quillon, tangents, in_triangles)
     ->Unit(benchmark::kMillisecond);
