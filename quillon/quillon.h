@@ -37,3 +37,5 @@
 #include "quillon/math/zone.h"
 #include "quillon/messages/message.h"
 #include "quillon/messages/router.h"
+#include "quillon/rendercache/render_cache.h"
+#include "quillon/rendercache/tangents.h"
