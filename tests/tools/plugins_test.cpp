@@ -24,8 +24,8 @@ std::vector<std::string> summary(const ToolRun& run) {
         std::string line = plugin["file"].get<std::string>() + (plugin["initialised"] ? "" : "!");
         for (const std::string module : plugin["modules"])
             line += " " + module;
-        lines.push_back(line + (plugin["reason"] == "" ? "" : ": ") +
-                        plugin["reason"].get<std::string>());
+        const std::string reason = plugin["reason"];
+        lines.push_back(reason.empty() ? line : line + ": " + reason);
     }
     for (const auto& file : document["refused"])
         lines.push_back("refused " + file["file"].get<std::string>() + ": " +
