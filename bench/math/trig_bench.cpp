@@ -66,7 +66,8 @@ PlainTables& plain_tables() {
 
 // The look-up as the rule tells it: a loop for the wrap, an array for each function.
 [[gnu::noinline]] double plain_look_up(const std::vector<double>& table, double radians) {
-    int i = static_cast<int>(radians * 180.0 * quillon::INV_PI * 200.0 + 0.5);
+    const double position = radians * 180.0 * quillon::INV_PI * 200.0 + 0.5;
+    int i = static_cast<int>(position);
     while (i < 0)
         i += 72000;
     while (i >= 72000)
@@ -88,12 +89,12 @@ template <class Float>
 }
 
 void init_plain(benchmark::State& state) {
-    for (auto _ : state)
+    for ([[maybe_unused]] auto _ : state)
         plain_tables().fill();
 }
 
 void init_library(benchmark::State& state) {
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         __clear_trig_tables();
         __init_trig_tables();
     }
@@ -106,7 +107,7 @@ template <class Function>
 void each_angle(benchmark::State& state, Function function, Order order) {
     __init_trig_tables();
     const std::vector<double> angles = angles_to(TWO_PI, order);
-    for (auto _ : state)
+    for ([[maybe_unused]] auto _ : state)
         for (const double& angle : angles)
             benchmark::DoNotOptimize(function(angle));
     state.SetItemsProcessed(state.iterations() * angle_count);
@@ -119,7 +120,7 @@ void each_direction(benchmark::State& state, void (*function)(double, double&, d
     const std::vector<double> angles = angles_to(limit, shuffled);
     double x = 0.0;
     double y = 0.0;
-    for (auto _ : state)
+    for ([[maybe_unused]] auto _ : state)
         for (const double angle : angles) {
             function(angle, x, y);
             benchmark::DoNotOptimize(x);
@@ -130,7 +131,7 @@ void each_direction(benchmark::State& state, void (*function)(double, double&, d
 
 void one_angle(benchmark::State& state, double angle) {
     __init_trig_tables();
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         benchmark::DoNotOptimize(angle);
         benchmark::DoNotOptimize(sinTD(angle));
     }
@@ -139,7 +140,7 @@ void one_angle(benchmark::State& state, double angle) {
 template <class Float>
 void one_bind(benchmark::State& state, void (*function)(Float&), Float angle) {
     volatile Float source = angle;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         Float bound = source;
         function(bound);
         benchmark::DoNotOptimize(bound);
