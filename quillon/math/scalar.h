@@ -21,7 +21,7 @@ QUILLON_API std::int32_t random_int(std::int32_t low, std::int32_t high);
 // From `low` to `high`, both included.
 QUILLON_API float random_float(float low, float high);
 
-// From `low` up to but excluding `high`.
+// From `low` up to but excluding `high`, which only rounding can reach.
 QUILLON_API double random_double(double low, double high);
 
 // The smallest power of two that is not below `value`; 0 for 0 and for values above 2^31.

@@ -11,7 +11,6 @@
 using quillon::HALF_PI;
 using quillon::PI;
 using quillon::TWO_PI;
-using std::numbers::pi;
 
 namespace {
 
@@ -26,23 +25,12 @@ protected:
     static void TearDownTestSuite() { __clear_trig_tables(); }
 };
 
-using Trigonometry = TrigTables;
-
 template <class Float>
 Float bound(Float angle) {
     if constexpr (sizeof(Float) == sizeof(float))
         trig_bind_32(angle);
     else
         trig_bind(angle);
-    return angle;
-}
-
-template <class Float>
-Float bound_by_steps(Float angle) {
-    while (angle < 0)
-        angle += TWO_PI;
-    while (angle > TWO_PI)
-        angle -= TWO_PI;
     return angle;
 }
 
@@ -77,12 +65,9 @@ void expect_every_step_to_keep_the_result(Float limit) {
 
 } // namespace
 
-TEST(TrigTablesLifecycle, ZeroBeforeTheFirstFill) {
+TEST(TrigTablesLifecycle, FillsAndClearsInAnyNumber) {
     for (const double value : before_the_tables)
         EXPECT_EQ(0.0, value);
-}
-
-TEST(TrigTablesLifecycle, FillsAndClearsInAnyNumber) {
     __init_trig_tables();
     __init_trig_tables();
     EXPECT_EQ(static_cast<float>(std::atan(1.0)), atanT(1.0));
@@ -90,10 +75,6 @@ TEST(TrigTablesLifecycle, FillsAndClearsInAnyNumber) {
     __clear_trig_tables();
     EXPECT_EQ(0.0F, atanT(1.0));
     EXPECT_EQ(1.0, cosTD(0.0));
-    EXPECT_EQ(HALF_PI, asinT(1.0));
-    __init_trig_tables();
-    EXPECT_EQ(static_cast<float>(std::atan(1.0)), atanT(1.0));
-    __clear_trig_tables();
 }
 
 // The runtime's functions in a plain loop, against every entry, through the functions that read
@@ -123,54 +104,38 @@ TEST_F(TrigTables, InverseTablesEqualTheRuntimeInEveryEntry) {
     }
 }
 
-TEST_F(Trigonometry, ReadsTheEntryThatTheRuleNames) {
+TEST_F(TrigTables, ReadsTheEntryThatTheRuleNames) {
     const auto cosine = [](int entry) { return cosTD(entry / 200.0); };
-    const double tangent_at_45_3 = tanTD(45.3);
 
     const struct {
         const char* name;
-        double expected;
-        double actual;
+        double expected, actual;
     } cases[] = {
-        {"cosine of nothing", 1.0, cosTD(0.0)},
-        {"a whole turn", 1.0, cosTD(360.0)},
         {"rounds up to a whole turn", 0.0, sinTD(359.998)},
         {"halves go upward", cosine(1), cosTD(0.0025)},
-        {"below a half", cosine(0), cosTD(0.00249)},
         {"negative, less than a step", 0.0, sinTD(-0.001)},
         {"negative reads one nearer to zero", cosine(70001), cosTD(-10.0)},
-        {"negative on a half", cosine(69999), cosTD(-10.0075)},
-        {"three turns and ten degrees", cosine(2000), cosTD(1090.0)},
         {"three turns back", cosine(70001), cosTD(-1090.0)},
         {"beyond 32-bit steps", cosine(16000), cosTD(36e9 + 80.0)},
         {"negative beyond 32-bit steps", cosine(56001), cosTD(-36e9 - 80.0)},
-        {"radians by the 32-bit inverse of pi",
-         cosTD(2.0 * 180.0 * static_cast<double>(quillon::INV_PI)), cosTR(2.0)},
-        {"sine in radians", sinTD(57.295), sinTR(1.0)},
-        {"tangent in radians", tanTD(57.3), tanTR(1.0)},
-        {"tangent to the nearest tenth", tangent_at_45_3, tanTD(45.25)},
-        {"tangent below the half", tanTD(45.2), tanTD(45.2499)},
+        {"radians by the 32-bit inverse of pi", cosTD(2.0 * 180.0 * quillon::INV_PI), cosTR(2.0)},
+        {"tangent to the nearest tenth", tanTD(45.3), tanTD(45.25)},
         {"tangent of a negative angle", tanTD(350.1), tanTD(-10.0)},
-        {"tangent of a full turn", 0.0, tanTD(360.0)},
-        {"arc cosine at the end", 0.0, acosT(1.0)},
-        {"arc cosine below the range", PI, acosT(-2.0)},
         {"arc cosine does not round up", acosT(0.9999), acosT(0.99995)},
         {"arc sine above the range", HALF_PI, asinT(3.0)},
         {"arc tangent above the range", 1.5208379030227661, atanT(25.0)},
-        {"arc tangent below the range", -1.5208379030227661, atanT(-25.0)},
         {"arc tangent toward zero", 0.0, atanT(-0.000019)},
+        {"not a number, cosine", 1.0, cosTD(NAN)},
+        {"not a number, arc tangent", atanT(-20.0), atanT(NAN)},
     };
 
     for (const auto& row : cases)
         EXPECT_EQ(row.expected, row.actual) << row.name;
     EXPECT_NEAR(-22877332.43, tanTD(90.0), 0.01);
-    EXPECT_NEAR(8.742e-8, tanTD(180.0), 1e-11);
 }
 
-TEST_F(Trigonometry, AnswersEveryArgument) {
-    const double infinity = std::numeric_limits<double>::infinity();
-    const double huge[] = {infinity, 1e300, 1e19, 4.7e16};
-    for (const double x : huge) {
+TEST_F(TrigTables, AnswersEveryArgument) {
+    for (const double x : {std::numeric_limits<double>::infinity(), 1e300, 1e19, 4.7e16}) {
         for (const double argument : {x, -x}) {
             EXPECT_LE(std::abs(cosTD(argument)), 1.0) << argument;
             EXPECT_LE(std::abs(sinTR(argument)), 1.0) << argument;
@@ -178,55 +143,32 @@ TEST_F(Trigonometry, AnswersEveryArgument) {
         }
         EXPECT_EQ(0.0F, acosT(x));
         EXPECT_EQ(-HALF_PI, asinT(-x));
-        EXPECT_EQ(atanT(20.0), atanT(x));
-        EXPECT_EQ(atanT(-20.0), atanT(-x));
+        EXPECT_EQ(-atanT(x), atanT(-x));
     }
-    EXPECT_EQ(1.0, cosTD(NAN));
-    EXPECT_EQ(0.0, sinTR(-infinity));
-    EXPECT_EQ(PI, acosT(NAN));
-    EXPECT_EQ(-HALF_PI, asinT(NAN));
-    EXPECT_EQ(atanT(-20.0), atanT(NAN));
 }
 
-// The bounds that the header states.
-TEST_F(Trigonometry, StaysWithinTheStatedErrors) {
-    constexpr double degree = pi / 180.0;
-    const auto cosine_error = [](double a) { return cosTD(a) - std::cos(a * degree); };
-    const auto sine_error = [](double a) { return sinTD(a) - std::sin(a * degree); };
-    const auto cosine_error_radians = [](double r) { return cosTR(r) - std::cos(r); };
-    const auto sine_error_radians = [](double r) { return sinTR(r) - std::sin(r); };
-    const auto angle_of_tangent = [](double a) {
-        return std::remainder(std::atan(tanTD(a)) - a * degree, pi);
+// The bounds that the header states, reached to nine tenths.
+TEST_F(TrigTables, StaysWithinTheStatedErrors) {
+    constexpr double degree = std::numbers::pi / 180.0;
+    const auto tangent_error = [](double a) {
+        return std::remainder(std::atan(tanTD(a)) - a * degree, std::numbers::pi);
     };
-    const auto angle_of_tangent_radians = [](double r) {
-        return std::remainder(std::atan(tanTR(r)) - r, pi);
-    };
-    const auto arc_cosine_error = [](double x) { return acosT(x) - std::acos(x); };
-    const auto arc_sine_error = [](double x) { return asinT(x) - std::asin(x); };
-    const auto arc_tangent_error = [](double x) { return atanT(x) - std::atan(x); };
 
     const struct {
         const char* name;
         double (*error)(double);
         double from, to, limit;
     } sweeps[] = {
-        {"cosTD", cosine_error, 0.0, 360.0, 4.4e-5},
-        {"sinTD", sine_error, 0.0, 360.0, 4.4e-5},
-        {"cosTD of many turns", cosine_error, 36000.0, 36360.0, 4.4e-5},
-        {"cosTD, negative", cosine_error, -360.0, 0.0, 1.32e-4},
-        {"sinTD, negative", sine_error, -360.0, 0.0, 1.32e-4},
-        {"cosTR", cosine_error_radians, 0.0, TWO_PI, 4.4e-5},
-        {"sinTR, negative", sine_error_radians, -TWO_PI, 0.0, 1.32e-4},
-        {"sinTR of many turns", sine_error_radians, 9990.0, 10000.0, 4.4e-5 + 4.1e-8 * 10000.0},
-        {"tanTD", angle_of_tangent, 0.0, 360.0, 8.8e-4},
-        {"tanTD, negative", angle_of_tangent, -360.0, 0.0, 2.63e-3},
-        {"tanTR", angle_of_tangent_radians, 0.0, TWO_PI, 8.8e-4 + 4.1e-8 * TWO_PI},
-        {"acosT", arc_cosine_error, -0.99, 0.99, 7.2e-4},
-        {"asinT", arc_sine_error, -0.99, 0.99, 7.2e-4},
-        {"acosT at the ends", arc_cosine_error, -1.0, 1.0, 0.01415},
-        {"asinT at the ends", arc_sine_error, -1.0, 1.0, 0.01415},
-        {"atanT", arc_tangent_error, -20.0, 20.0, 2.01e-5},
-        {"atanT beyond", arc_tangent_error, 20.0, 1e4, 0.05},
+        {"cosTD", [](double a) { return cosTD(a) - std::cos(a * degree); }, 0, 360, 4.4e-5},
+        {"sinTD", [](double a) { return sinTD(a) - std::sin(a * degree); }, -360, 0, 1.32e-4},
+        {"cosTR", [](double r) { return cosTR(r) - std::cos(r); }, 0, TWO_PI, 4.4e-5},
+        {"sinTR", [](double r) { return sinTR(r) - std::sin(r); }, 9990, 1e4, 4.4e-5 + 4.1e-4},
+        {"tanTD", tangent_error, 0, 360, 8.8e-4},
+        {"tanTD, negative", tangent_error, -360, 0, 2.63e-3},
+        {"acosT", [](double x) { return acosT(x) - std::acos(x); }, -0.99, 0.99, 7.2e-4},
+        {"asinT", [](double x) { return asinT(x) - std::asin(x); }, -1, 1, 0.01415},
+        {"atanT", [](double x) { return atanT(x) - std::atan(x); }, -20, 20, 2.01e-5},
+        {"atanT beyond", [](double x) { return atanT(x) - std::atan(x); }, 20, 1e4, 0.05},
     };
 
     constexpr int samples = 100003;
@@ -237,32 +179,16 @@ TEST_F(Trigonometry, StaysWithinTheStatedErrors) {
             greatest = std::max(greatest, std::abs(sweep.error(x)));
         }
         EXPECT_LE(greatest, sweep.limit) << sweep.name;
-        EXPECT_GE(greatest, 0.9 * sweep.limit) << sweep.name << " is better than it says";
+        EXPECT_GE(greatest, 0.9 * sweep.limit) << sweep.name;
     }
 }
 
 TEST(TrigBind, KnownValues) {
     EXPECT_EQ(TWO_PI - 0.5, bound(-0.5));
-    EXPECT_EQ(TWO_PI, bound<double>(TWO_PI));
+    EXPECT_EQ(TWO_PI, bound<double>(TWO_PI)) << "not greater, so no step";
     EXPECT_EQ(TWO_PI, bound(2.0 * TWO_PI));
-    EXPECT_EQ(0.0, bound<double>(-TWO_PI));
     EXPECT_FALSE(std::signbit(bound(-3.0 * TWO_PI)));
-    EXPECT_TRUE(std::signbit(bound(-0.0))) << "no step is taken";
-    EXPECT_EQ(TWO_PI, bound(-1e-30));
-    EXPECT_EQ(TWO_PI, bound(TWO_PI));
-    EXPECT_EQ(TWO_PI - 0.5F, bound(-0.5F));
-}
-
-TEST(TrigBind, EqualsStepByStepSubtraction) {
-    std::mt19937_64 generator(5);
-    for (int i = 0; i < 3000; ++i) {
-        const auto angle = random_angle(generator, 2e4);
-        ASSERT_EQ(bound_by_steps(angle), bound(angle)) << angle;
-        const auto narrow = static_cast<float>(angle);
-        ASSERT_EQ(bound_by_steps(narrow), bound(narrow)) << narrow;
-    }
-    for (const float angle : {1e6F, -1e6F, 16777216.0F, -123456789.0F, 134217728.0F})
-        EXPECT_EQ(bound_by_steps(angle), bound(angle)) << angle;
+    EXPECT_EQ(TWO_PI, bound(-1e-30F)) << "rounded";
 }
 
 TEST(TrigBind, EveryStepOfAnAngleThatSettlesKeepsTheResult) {
@@ -272,12 +198,10 @@ TEST(TrigBind, EveryStepOfAnAngleThatSettlesKeepsTheResult) {
 
 TEST(TrigBind, ReturnsForAnglesThatNeverSettle) {
     for (const double angle : {1e17, -1e17, 1e300, -std::numeric_limits<double>::max()}) {
-        EXPECT_GE(bound(angle), 0.0) << angle;
-        EXPECT_LE(bound(angle), TWO_PI) << angle;
+        EXPECT_TRUE(bound(angle) >= 0.0 && bound(angle) <= TWO_PI) << angle;
+        const float narrow = std::copysign(3e38F, static_cast<float>(angle > 0.0) - 0.5F);
+        EXPECT_TRUE(bound(narrow) >= 0.0F && bound(narrow) <= TWO_PI) << narrow;
     }
-    EXPECT_GE(bound(-3e38F), 0.0F);
-    EXPECT_LE(bound(-3e38F), TWO_PI);
-    EXPECT_TRUE(std::isnan(bound(std::numeric_limits<double>::infinity())));
     EXPECT_TRUE(std::isnan(bound(-std::numeric_limits<float>::infinity())));
     EXPECT_TRUE(std::isnan(bound(std::numeric_limits<double>::quiet_NaN())));
 }

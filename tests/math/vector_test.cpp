@@ -26,8 +26,9 @@ std::array<double, 3> components(const cVector3D& v) {
     return {v.x, v.y, v.z};
 }
 
-std::vector<std::uint8_t> bytes_of(std::initializer_list<float> values) {
-    std::vector<std::uint8_t> bytes(values.size() * sizeof(float));
+template <class Stored>
+std::vector<std::uint8_t> bytes_of(std::initializer_list<Stored> values) {
+    std::vector<std::uint8_t> bytes(values.size() * sizeof(Stored));
     std::memcpy(bytes.data(), values.begin(), bytes.size());
     return bytes;
 }
@@ -51,11 +52,6 @@ void expect_flat_form(const cSerializable& source, cSerializable& target,
     }
 }
 
-class PaddedVector : public cVector3D {
-public:
-    std::uint32_t serialized_size() const override { return 99; }
-};
-
 } // namespace
 
 TEST(Serializable, FlatFormsAtAnyAlignment) {
@@ -64,27 +60,14 @@ TEST(Serializable, FlatFormsAtAnyAlignment) {
     EXPECT_EQ(static_cast<double>(-0.1F), vector.y) << "narrowed to 32 bits";
 
     cVector2D<double> pair;
-    const double wide[] = {0.1, -1e300};
-    std::vector<std::uint8_t> wide_bytes(sizeof wide);
-    std::memcpy(wide_bytes.data(), wide, sizeof wide);
-    expect_flat_form(cVector2D<double>(0.1, -1e300), pair, wide_bytes);
+    expect_flat_form(cVector2D<double>(0.1, -1e300), pair, bytes_of({0.1, -1e300}));
     EXPECT_EQ(0.1, pair.x) << "not narrowed";
 
     cVector2D<long> whole;
-    const std::int32_t integers[] = {-2147483647 - 1, 7};
-    std::vector<std::uint8_t> integer_bytes(sizeof integers);
-    std::memcpy(integer_bytes.data(), integers, sizeof integers);
-    expect_flat_form(cVector2D<long>(-2147483647 - 1, 7), whole, integer_bytes);
+    expect_flat_form(cVector2D<long>(-2147483647 - 1, 7), whole, bytes_of({-2147483647 - 1, 7}));
 
     cZone3D zone(0, 0, 0);
-    expect_flat_form(cZone3D(1, 2, 3), zone, bytes_of({-1, -2, -3, 1, 2, 3}));
-}
-
-TEST(Serializable, ReturnsTheSizeThatTheObjectSays) {
-    PaddedVector padded;
-    std::array<std::uint8_t, 12> buffer{};
-    EXPECT_EQ(99U, padded.serialize(buffer.data()));
-    EXPECT_EQ(99U, padded.deserialize(buffer.data()));
+    expect_flat_form(cZone3D(1, 2, 3), zone, bytes_of({-1.0F, -2.0F, -3.0F, 1.0F, 2.0F, 3.0F}));
 }
 
 template <class Vector>
@@ -118,7 +101,6 @@ static_assert(quillon::VECTOR3D_UNIT_Z.z == 1.0 && quillon::VECTOR2L_ONE.y == 1,
 TEST(Vector3D, Arithmetic) {
     const cVector3D a(1.0, 2.0, 3.0);
     const cVector3D b(4.0, -5.0, 0.5);
-    const double third = 1.0 / 3.0;
     cVector3D changed = a;
 
     const struct {
@@ -126,47 +108,21 @@ TEST(Vector3D, Arithmetic) {
         cVector3D actual;
         std::array<double, 3> expected;
     } cases[] = {
-        {"new", cVector3D(), {0, 0, 0}},
-        {"set", cVector3D().set(7, 8, 9), {7, 8, 9}},
-        {"sum", a + b, {5, -3, 3.5}},
-        {"difference", a - b, {-3, 7, 2.5}},
-        {"scaled", a * 0.1, {1.0 * 0.1, 2.0 * 0.1, 3.0 * 0.1}},
+        {"sum and difference", a + b - a * 2.0, {3, -7, -2.5}},
         {"divided, not scaled by the reciprocal", a / 49.0, {1 / 49.0, 2 / 49.0, 3 / 49.0}},
         {"divided by zero", a / 0.0, {INFINITY, INFINITY, INFINITY}},
         {"cross", a.cross(b), {2 * 0.5 + 15, 12 - 0.5, -5 - 8}},
         {"in place", ((((changed += b) -= a) *= 3.0) /= 9.0), {12 / 9.0, -15 / 9.0, 1.5 / 9.0}},
-        {"less itself", cVector3D(third, 2, 3) -= cVector3D(third, 2, 3), {0, 0, 0}},
+        {"normalised", cVector3D(0, -3, 4).normalized(), {0, -3 / 5.0, 4 / 5.0}},
+        {"no tolerance for nearly unit", cVector3D(1.0000001, 0, 0).normalized(), {1, 0, 0}},
+        {"zero stays", cVector3D().normalized(), {0, 0, 0}},
+        {"and what squares to zero", cVector3D(1e-200, 0, 0).normalized(), {1e-200, 0, 0}},
     };
 
     for (const auto& row : cases)
         EXPECT_EQ(row.expected, components(row.actual)) << row.name;
     EXPECT_EQ(4.0 - 10.0 + 1.5, a.dot(b));
-    EXPECT_EQ(14.0, a.squared_length());
     EXPECT_EQ(std::sqrt(14.0), a.length());
-}
-
-TEST(Vector3D, Normalize) {
-    const double third = 1.0 / std::sqrt(3.0);
-
-    const struct {
-        const char* name;
-        cVector3D given;
-        std::array<double, 3> expected;
-    } cases[] = {
-        {"zero stays", {0, 0, 0}, {0, 0, 0}},
-        {"unit stays", {0, -1, 0}, {0, -1, 0}},
-        {"along an axis", {3, 0, 0}, {1, 0, 0}},
-        {"diagonal", {1, 1, 1}, {third, third, third}},
-        {"no tolerance for nearly unit", {1.0000001, 0, 0}, {1, 0, 0}},
-        {"too short to have a squared length", {1e-200, 0, 0}, {1e-200, 0, 0}},
-    };
-
-    for (const auto& row : cases) {
-        EXPECT_EQ(row.expected, components(row.given.normalized())) << row.name;
-        cVector3D in_place = row.given;
-        in_place.normalize();
-        EXPECT_EQ(row.expected, components(in_place)) << row.name;
-    }
 }
 
 TEST(Vector3D, AngleAndProjection) {
@@ -178,31 +134,25 @@ TEST(Vector3D, AngleAndProjection) {
     EXPECT_EQ(std::acos(-1.0), __cVector3d_get_angle_between(x, {-2, 0, 0}));
 
     EXPECT_EQ(0.5, __cVector3d_get_scalar_for_projection_onto({2, 2, 0}, {4, 0, 0}));
-    EXPECT_EQ(0.0, __cVector3d_get_scalar_for_projection_onto({0, 0, 0}, x));
     EXPECT_EQ(0.0, __cVector3d_get_scalar_for_projection_onto(x, {0, 0, 0}));
 }
 
 TEST(Vector3D, TextFormIsReadFieldByField) {
-    const std::string endless(100000, '7');
-    const std::string endless_fields = endless + "#" + endless + "#2#" + endless;
+    const std::string endless = std::string(100000, '7') + "#2#3#" + std::string(100000, '#');
 
     const struct {
         const char* name;
         const char* text;
         std::array<double, 3> expected;
     } cases[] = {
-        {"three fields", "1.5#2#3#", {1.5, 2, 3}},
         {"open last field", "1.5#2#3", {1.5, 2, -9}},
         {"empty text", "", {-7, -8, -9}},
         {"surplus field", "1#2#3#4#", {1, 2, 3}},
         {"no number, nothing, blanks", "a## 3e2#", {0, 0, 300}},
-        {"23 characters", "1.000000000000000000005#0#0#", {1.000000000000000000005, 0, 0}},
         {"cut at 23 characters",
          "12345678901234567890123999#2#3#",
          {12345678901234567890123.0, 2, 3}},
-        {"endless fields",
-         endless_fields.c_str(),
-         {77777777777777777777777.0, 77777777777777777777777.0, 2}},
+        {"endless field and fields", endless.c_str(), {77777777777777777777777.0, 2, 3}},
     };
 
     for (const auto& row : cases) {
@@ -214,13 +164,11 @@ TEST(Vector3D, TextFormIsReadFieldByField) {
 
 TEST(Vector3D, OnUnitSphereDrawsZThenYThenX) {
     std::srand(9);
-    cVector3D v;
-    __nsVector3d_on_unit_sphere(v);
+    cVector3D drawn;
+    __nsVector3d_on_unit_sphere(drawn);
     std::srand(9);
-    const auto draw = [] { return quillon::platform::runtime_rand() / 32767.0 - 0.5; };
-    const double z = draw();
-    const double y = draw();
-    const double x = draw();
-    EXPECT_EQ(components(cVector3D(x, y, z).normalized()), components(v));
-    EXPECT_NEAR(1.0, v.length(), 1e-15);
+    cVector3D expected;
+    for (const int component : {2, 1, 0})
+        expected[component] = quillon::platform::runtime_rand() / 32767.0 - 0.5;
+    EXPECT_EQ(components(expected.normalized()), components(drawn));
 }
