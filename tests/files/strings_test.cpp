@@ -8,58 +8,47 @@
 
 namespace {
 
-struct CopyCase {
-    std::uint16_t capacity;
-    const char* result;
-};
-
 TEST(Copy, IsCutToTheCapacity) {
-    const CopyCase cases[] = {{0, "abcdef"}, {1, ""},       {2, "a"},      {4, "abc"},
-                              {6, "abcde"},  {7, "abcdef"}, {8, "abcdef"}, {65535, "abcdef"}};
-    for (const auto& [capacity, result] : cases) {
-        char destination[] = "??????????";
-        __mystring_char_pointer_copy(destination, "abcdef", capacity);
-        EXPECT_STREQ(result, destination) << capacity;
-        EXPECT_EQ('?', destination[std::string(result).size() + 1]) << capacity;
+    struct Case {
+        std::uint16_t capacity;
+        std::string result;
+    };
+
+    for (const auto& [capacity, result] : {Case{0, "abcdef"},
+                                           {1, ""},
+                                           {2, "a"},
+                                           {4, "abc"},
+                                           {6, "abcde"},
+                                           {7, "abcdef"},
+                                           {65535, "abcdef"}}) {
+        std::string destination = "??????????";
+        __mystring_char_pointer_copy(destination.data(), "abcdef", capacity);
+        EXPECT_EQ(result + '\0' + std::string(9 - result.size(), '?'), destination) << capacity;
     }
-    const std::string beyond_16_bits(70'000, 'x');
-    std::string destination(70'001, '?');
-    __mystring_char_pointer_copy(destination.data(), beyond_16_bits.c_str(), 65535);
-    EXPECT_STREQ(beyond_16_bits.substr(0, 65534).c_str(), destination.c_str());
+    char overlapping[16] = "abcdef";
+    __mystring_char_pointer_copy(overlapping + 2, overlapping, 0);
+    EXPECT_STREQ("ababcdef", overlapping);
 }
-
-TEST(Copy, DestinationMayOverlap) {
-    char text[16] = "abcdef";
-    __mystring_char_pointer_copy(text + 2, text, 0);
-    EXPECT_STREQ("ababcdef", text);
-    __mystring_char_pointer_copy(text, text + 2, 4);
-    EXPECT_STREQ("abc", text);
-}
-
-struct MeasureCase {
-    std::string text;
-    std::int32_t width, height;
-};
 
 TEST(Measure, CountsLinesAndLeavesSequencesOut) {
-    const MeasureCase cases[] = {
+    struct Case {
+        std::string text;
+        std::int32_t width, height;
+    };
+
+    const Case cases[] = {
         {"", 0, 1},
         {"ab\ncdef", 4, 2},
-        {"abc\n", 3, 2},
-        {"\n\n", 0, 3},
+        {"abc\n\n", 3, 3},
         {"a#12345bc", 3, 1},   // a sequence
-        {"#12345", 0, 1},      // ends the text, with nothing behind
         {"#123\nxy", 1, 1},    // skips a line feed
         {"#12345\nxy", 2, 2},  // the byte behind is handled like any other
-        {"##", 0, 1},          // a pair at the very end: its second byte is cut off
-        {"##12345ab", 2, 1},   // so is the start of a sequence
-        {"###12345ab", 3, 1},  // a pair that a third follows is one character
+        {"##12345ab", 2, 1},   // the second of a pair starts a sequence
+        {"###12345ab", 3, 1},  // unless a third follows: then the pair is one character
         {"####12345ab", 3, 1}, // and the third starts a pair of its own
-        {"#", 0, 1},
-        {"abc#", 3, 1},
-        {"ab#1234", 2, 1}, // cut off
-        {"\x80\xff\n", 2, 2},
-        {std::string(65535, 'a'), 65535, 1},
+        {"abc#", 3, 1},        // cut off
+        {"ab##", 2, 1},
+        {"ab#1234", 2, 1},
         {std::string(65535, '#'), 32767, 1},
         {std::string(65536 + 3, 'a'), 3, 1},
     };
@@ -73,29 +62,22 @@ TEST(Measure, CountsLinesAndLeavesSequencesOut) {
     }
 }
 
-std::string roman(std::uint16_t value) {
-    char text[256];
-    __mystring_convert_to_roman_numeral(text, value);
-    return text;
-}
-
-TEST(Roman, WritesEveryValue) {
-    EXPECT_EQ("", roman(0));
-    EXPECT_EQ("MCMXCIV", roman(1994));
-    EXPECT_EQ("MMMM", roman(4000));
-    EXPECT_EQ(std::string(65, 'M') + "DXXXV", roman(65535));
-    EXPECT_EQ(76U, roman(64888).size());
-    const char* const digits[] = {"", "I", "II", "III", "IV", "V", "VI", "VII", "VIII", "IX"};
-    const auto digit = [&](int number, const char* letters) { // I, V, X become the three letters
-        std::string text = digits[number % 10];
-        for (char& letter : text)
-            letter = letters[letter == 'I' ? 0 : letter == 'V' ? 1 : 2];
-        return text;
+TEST(Roman, WritesEveryStepAndThousandsWithoutLimit) {
+    struct Case {
+        std::uint16_t value;
+        std::string text;
     };
-    for (int value = 0; value <= 65535; ++value)
-        ASSERT_EQ(std::string(static_cast<std::size_t>(value / 1000), 'M') +
-                      digit(value / 100, "CDM") + digit(value / 10, "XLC") + digit(value, "IVX"),
-                  roman(static_cast<std::uint16_t>(value)));
+
+    for (const auto& [value, text] : {Case{0, ""},
+                                      {1994, "MCMXCIV"},
+                                      {888, "DCCCLXXXVIII"},
+                                      {449, "CDXLIX"},
+                                      {4000, "MMMM"},
+                                      {65535, std::string(65, 'M') + "DXXXV"}}) {
+        char written[256];
+        __mystring_convert_to_roman_numeral(written, value);
+        EXPECT_EQ(text, written);
+    }
 }
 
 std::string wrapped(std::string text, std::uint32_t width) {
@@ -103,25 +85,20 @@ std::string wrapped(std::string text, std::uint32_t width) {
     return text;
 }
 
-struct WrapCase {
-    const char* text;
-    std::uint32_t width;
-    const char* result;
-};
-
 TEST(Wrap, BreaksBehindTheLastByteThatIsNoLetter) {
-    const WrapCase cases[] = {
+    struct Case {
+        const char* text;
+        std::uint32_t width;
+        const char* result;
+    };
+
+    const Case cases[] = {
         {"aaa bbb ccc", 5, "aaa \nbbb \nccc"},
-        {"", 5, ""},
         {"aaa bbb", 0, "aaa bbb"},
-        {"aaa bbb", 100, "aaa bbb"},
         {"a1b2", 1, "a1\nb2\n"},
-        {"aaaa bb", 5, "aaaa \nbb"},
-        {"aa,bb-cc", 4, "aa,\nbb-\ncc"},
         {"ab\ncd ef", 6, "ab\ncd \nef"}, // a line feed does not start the count again
         {"\xc3\xa4z zz", 3, "\xc3\xa4\nz \nzz"},
-        {"abcdef", 4, "abcd\nef"}, // hard breaks
-        {"abcd", 4, "abcd"},
+        {"abcd", 4, "abcd"}, // hard breaks
         {"abcdefgh", 4, "abcd\nefgh"},
         {"abcd ef", 4, "abcd \nef"},
         {"ab cdefghi", 4, "ab \ncdef\nghi"},
@@ -129,6 +106,7 @@ TEST(Wrap, BreaksBehindTheLastByteThatIsNoLetter) {
     };
     for (const auto& [text, width, result] : cases)
         EXPECT_EQ(result, wrapped(text, width)) << '"' << text << "\" at " << width;
+    EXPECT_EQ(4'499'999U, wrapped(std::string(3'000'000, 'x'), 2).size()); // and soon
 }
 
 // The rule word by word, for texts in which no run of letters is as long as the line.
@@ -138,8 +116,7 @@ std::string wrapped_word_by_word(std::string text, std::uint32_t width) {
     for (std::uint32_t i = 0; i < text.size(); ++i) {
         if (std::isalpha(static_cast<unsigned char>(text[i])) == 0)
             break_position = i + 1;
-        ++column;
-        if (column >= width) {
+        if (++column >= width) {
             text.insert(break_position, "\n");
             column = i - break_position;
         }
@@ -158,13 +135,6 @@ TEST(Wrap, FollowsTheRuleOnRandomText) {
         }
         ASSERT_EQ(wrapped_word_by_word(text, width), wrapped(text, width)) << text;
     }
-}
-
-TEST(Wrap, LongTextEndsSoon) {
-    const std::string letters = wrapped(std::string(3'000'000, 'x'), 2);
-    EXPECT_EQ(4'499'999U, letters.size());
-    EXPECT_EQ("xx\nxx\n", letters.substr(0, 6));
-    EXPECT_EQ(6'000'000U, wrapped(std::string(3'000'000, '.'), 1).size());
 }
 
 } // namespace

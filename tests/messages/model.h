@@ -13,41 +13,27 @@
 // What an observer throws.
 struct Cut {};
 
-// What the script needs of a router. Observers and messages are numbers.
-class Bus {
+// Observers and messages are numbers.
+class Model {
 public:
-    virtual ~Bus() = default;
-    virtual bool enlist(int observer, std::uint32_t type) = 0;
-    virtual bool enlist_for_anything(int observer) = 0;
-    virtual bool strike_off(int observer, std::uint32_t type) = 0;
-    virtual int strike_off_all(int observer) = 0;
-    virtual int post(std::uint32_t type, int message) = 0;
-    virtual int post_delayed(std::uint32_t type, int message, float delay) = 0;
-    virtual void update(float passed) = 0;
-
     std::function<void(int observer, int message)> receive;
     std::function<void(int message)> destroyed;
-};
 
-class Model final : public Bus {
-public:
-    bool enlist(int observer, std::uint32_t type) override {
-        return enlist_in(boxes[type], observer);
-    }
+    bool enlist(int observer, std::uint32_t type) { return enlist_in(boxes[type], observer); }
 
-    bool enlist_for_anything(int observer) override { return enlist_in(anything, observer); }
+    bool enlist_for_anything(int observer) { return enlist_in(anything, observer); }
 
-    bool strike_off(int observer, std::uint32_t type) override {
+    bool strike_off(int observer, std::uint32_t type) {
         return boxes.contains(type) && strike_off_from(boxes[type], observer);
     }
 
-    int strike_off_all(int observer) override {
+    int strike_off_all(int observer) {
         return static_cast<int>(std::count_if(boxes.begin(), boxes.end(), [&](auto& entry) {
             return strike_off_from(entry.second, observer);
         }));
     }
 
-    int post(std::uint32_t type, int message) override {
+    int post(std::uint32_t type, int message) {
         const auto box = boxes.find(type);
         std::size_t result = 0;
         if (box != boxes.end()) {
@@ -58,7 +44,7 @@ public:
         return static_cast<int>(result);
     }
 
-    int post_delayed(std::uint32_t type, int message, float delay) override {
+    int post_delayed(std::uint32_t type, int message, float delay) {
         const std::shared_ptr<int> holder(new int(message), [this](int* number) {
             if (!dying)
                 destroyed(*number);
@@ -69,7 +55,7 @@ public:
         return static_cast<int>(boxes[type].observers.size());
     }
 
-    void update(float passed) override {
+    void update(float passed) {
         if (inWork != nullptr)
             return;
         try {
@@ -148,6 +134,7 @@ private:
 };
 
 // Drives a bus at random; two buses that behave alike make the same script say the same.
+template <class Bus>
 class Script {
 public:
     Script(Bus& driven, std::uint32_t seed) : bus(driven), draw(seed) {

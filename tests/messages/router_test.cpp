@@ -17,14 +17,12 @@ using namespace quillon;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr float nan = std::numeric_limits<float>::quiet_NaN();
-
 // A router, and observers who write "name:type" into one record.
 class Router : public testing::Test {
 protected:
     class Observer final : public cMessageObserver {
     public:
-        Observer(Router& test, std::string title) : owner(test), name(std::move(title)) {}
+        Observer(Router& test, const char* title) : owner(test), name(title) {}
 
         void receive_message(cMessage* message) override {
             owner.record.push_back(name + ':' + std::to_string(message->messageType));
@@ -69,27 +67,21 @@ protected:
     cMessageRouter router;
 };
 
-TEST_F(Router, ObserverStandsOnceInAMailbox) {
-    EXPECT_TRUE(router.register_for_message(&a, 1));
-    EXPECT_FALSE(router.register_for_message(&a, 1));
-    EXPECT_TRUE(router.register_for_anything(&a));
-    EXPECT_FALSE(router.register_for_anything(&a));
-    EXPECT_EQ(1, post(1));
-    EXPECT_THAT(record, ElementsAre("a:1", "a:1"));
-}
-
 TEST_F(Router, TypeComesBeforeAnythingInOrderOfRegistration) {
-    router.register_for_anything(&every);
-    router.register_for_message(&b, 1);
-    router.register_for_message(&a, 1);
+    EXPECT_TRUE(router.register_for_anything(&every));
+    EXPECT_FALSE(router.register_for_anything(&every));
+    EXPECT_TRUE(router.register_for_message(&b, 1));
+    EXPECT_TRUE(router.register_for_message(&every, 1));
+    EXPECT_FALSE(router.register_for_message(&b, 1));
     EXPECT_EQ(2, post(1));
     EXPECT_EQ(0, post(2));
-    EXPECT_THAT(record, ElementsAre("b:1", "a:1", "every:1", "every:2"));
+    EXPECT_THAT(record, ElementsAre("b:1", "every:1", "every:1", "every:2"));
 }
 
 TEST_F(Router, OnlyRegistrationAndDelayedPostsMakeMailboxes) {
     EXPECT_EQ(0, post(1));
     EXPECT_FALSE(router.unregister_for_message(&a, 1));
+    EXPECT_FALSE(router.register_for_message(nullptr, 1));
     EXPECT_EQ(0, router.unregister_all(&a));
     EXPECT_EQ(router.mailboxes.begin(), router.mailboxes.end());
     EXPECT_EQ(0, post_delayed(1, 0));
@@ -99,43 +91,18 @@ TEST_F(Router, OnlyRegistrationAndDelayedPostsMakeMailboxes) {
 
 TEST_F(Router, UnregisterAllLeavesAnything) {
     router.register_for_anything(&a);
-    EXPECT_FALSE(router.unregister_for_message(&a, 1));
     for (const std::uint32_t type : {3U, 1U, 0xFFFFFFFFU})
         router.register_for_message(&a, type);
     EXPECT_EQ(3, router.unregister_all(&a));
     EXPECT_EQ(0, post(3));
     EXPECT_THAT(record, ElementsAre("a:3"));
-    const auto* const left = router.mailboxes.find(3);
-    EXPECT_TRUE(router.register_for_message(&b, 3));
-    EXPECT_EQ(left, router.mailboxes.find(3));
-}
-
-TEST_F(Router, ManyTypesKeepTheirMailboxes) {
-    for (std::uint32_t i = 0; i < 5000; ++i)
-        router.register_for_message(i % 2 != 0 ? &a : &b, i * 0x10001U);
-    for (std::uint32_t i = 0; i < 5000; ++i) {
-        ASSERT_EQ(1, post(i * 0x10001U)) << i;
-        ASSERT_EQ(i % 2 != 0 ? 'a' : 'b', record.back().front()) << i;
-    }
-    EXPECT_EQ(2500, router.unregister_all(&a));
 }
 
 TEST_F(Router, ResultIsCutTo16Bits) {
     router.register_for_message(&a, 1);
-    std::vector<Observer> crowd(40'000, Observer(*this, "x"));
-    for (Observer& observer : crowd)
-        router.mailboxes.find(1)->observers.add(&observer, DSP_APPEND);
+    for (int i = 0; i < 40'000; ++i)
+        router.mailboxes.find(1)->observers.add(&b, DSP_APPEND);
     EXPECT_EQ(static_cast<std::int16_t>(40'001), post(1));
-    EXPECT_EQ(static_cast<std::int16_t>(40'001), post_delayed(1, 0));
-    router.update(0);
-}
-
-TEST_F(Router, NullArgumentsAreIgnored) {
-    EXPECT_FALSE(router.register_for_message(nullptr, 1));
-    EXPECT_FALSE(router.register_for_anything(nullptr));
-    EXPECT_EQ(0, router.post_message(nullptr));
-    EXPECT_EQ(0, router.post_message_delayed(nullptr, 0));
-    EXPECT_EQ(0, post(1));
 }
 
 TEST_F(Router, DelayCountsDownAndAnythingComesFirst) {
@@ -152,98 +119,74 @@ TEST_F(Router, DelayCountsDownAndAnythingComesFirst) {
 
 TEST_F(Router, DueIsWhatIsNotAboveTheTimePassed) {
     struct Case {
-        const char* name;
         float delay, passed;
         bool due;
     };
 
-    const Case cases[] = {
-        {"no delay, no time", 0, 0, true},   {"no delay, time back", 0, -1, false},
-        {"equal", 0.3F, 0.3F, true},         {"just above", 0.30000004F, 0.3F, false},
-        {"unknown time", 5, nan, true},      {"unknown delay", nan, 0, true},
-        {"negative delay", -1, -0.5F, true}, {"negative zero", 0.0F, -0.0F, true},
-        {"endless", INFINITY, 1e30F, false},
-    };
-    for (const Case& row : cases) {
+    constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+    for (const auto& [delay, passed, due] : {Case{0, 0, true},
+                                             {0, -1, false},
+                                             {0.3F, 0.3F, true},
+                                             {0.30000004F, 0.3F, false},
+                                             {5, nan, true},
+                                             {nan, 0, true},
+                                             {-1, -0.5F, true},
+                                             {0.0F, -0.0F, true}}) {
         cMessageRouter fresh;
         auto* const holder = new Holder(*this, 1);
-        fresh.post_message_delayed(holder, row.delay);
+        fresh.post_message_delayed(holder, delay);
         record.clear();
-        fresh.update(row.passed);
-        EXPECT_EQ(row.due, !record.empty()) << row.name;
-        if (!row.due)
-            delete holder;
+        fresh.update(passed);
+        EXPECT_EQ(due, !record.empty()) << delay << " by " << passed;
+        if (!due)
+            delete holder; // which the router leaves alone when it dies
     }
 }
 
 TEST_F(Router, QueueIsInOrderOfPostingAndMailboxesInOrderOfType) {
-    for (const std::uint32_t type : {2U, 0x80000000U, 1U})
+    for (const auto& [type, delay] :
+         {std::pair(0x80000000U, 1.0F), {2U, 2.0F}, {2U, 1.0F}, {1U, 1.0F}})
+        post_delayed(type, delay);
+    for (const std::uint32_t type : {2U, 0x80000000U, 1U}) // in time: the delivery asks for them
         router.register_for_message(&a, type);
-    post_delayed(0x80000000, 1);
-    post_delayed(2, 2);
-    post_delayed(2, 1);
-    post_delayed(1, 1);
     EXPECT_THAT(update(1), ElementsAre("a:1", "~1", "a:2", "~2", "a:2147483648", "~2147483648"));
     EXPECT_EQ(1.0F, router.mailboxes.find(2)->queue.get(0)->second);
     EXPECT_THAT(update(1), ElementsAre("a:2", "~2"));
 }
 
-TEST_F(Router, ObserversAreThoseOfTheDelivery) {
-    router.register_for_message(&a, 1);
-    post_delayed(1, 1);
-    router.register_for_message(&b, 1);
-    router.unregister_for_message(&a, 1);
-    EXPECT_THAT(update(1), ElementsAre("b:1", "~1"));
-}
-
-TEST_F(Router, LeavingDuringAWalkMakesTheNextMissIt) {
-    for (Observer* observer : {&a, &b, &c})
+TEST_F(Router, LeavingDuringAWalkMakesTheNextMissItAndJoiningIsInTime) {
+    for (Observer* observer : {&a, &b})
         router.register_for_message(observer, 1);
-    a.react = [&] { router.unregister_for_message(&a, 1); };
+    a.react = [&] {
+        router.unregister_for_message(&a, 1);
+        router.register_for_message(&c, 1);
+    };
     EXPECT_EQ(2, post(1));
-    EXPECT_EQ(2, post(1));
-    EXPECT_THAT(record, ElementsAre("a:1", "c:1", "b:1", "c:1"));
-}
-
-TEST_F(Router, JoiningDuringAWalkIsInTime) {
-    router.register_for_message(&a, 1);
-    a.react = [&] { router.register_for_message(&b, 1); };
-    EXPECT_EQ(2, post(1));
-    EXPECT_THAT(record, ElementsAre("a:1", "b:1"));
+    EXPECT_THAT(record, ElementsAre("a:1", "c:1"));
 }
 
 TEST_F(Router, PostFromInsideIsNestedAndADelayedOneMeetsWhatIsStillToCome) {
     for (const std::uint32_t type : {4U, 5U, 6U})
         router.register_for_message(&b, type);
     router.register_for_message(&a, 5);
+    router.register_for_anything(&every);
     a.react = [&] {
         a.react = nullptr;
         post(4);
         post_delayed(6, 0.5F); // type 6 is still to come, the queue of anything is not
         post_delayed(4, 0.5F); // both are past
+        router.update(9);      // nothing, during an update
     };
-    router.register_for_anything(&every);
     post_delayed(5, 1);
     EXPECT_THAT(update(1), ElementsAre("every:5", "b:5", "a:5", "b:4", "every:4", "~5", "b:6"));
     EXPECT_THAT(update(1), ElementsAre("every:6", "~6", "every:4", "b:4", "~4"));
 }
 
-TEST_F(Router, UpdateInsideAnUpdateDoesNothing) {
-    router.register_for_message(&a, 1);
-    a.react = [&] { router.update(9); };
-    post_delayed(1, 0);
-    post_delayed(1, 5);
-    EXPECT_THAT(update(1), ElementsAre("a:1", "~1"));
-    EXPECT_EQ(4.0F, router.mailboxes.find(1)->queue.get(0)->second);
-    update(4);
-}
-
 TEST_F(Router, ExceptionHoldsUpTheRestAndLosesNothing) {
     for (Observer* observer : {&a, &b, &c})
         router.register_for_message(observer, 1);
-    post_delayed(1, 1);
-    post_delayed(1, 3);
-    post_delayed(1, 1);
+    for (const float delay : {1.0F, 3.0F, 1.0F})
+        post_delayed(1, delay);
     b.react = [&] {
         b.react = nullptr;
         throw std::string("cut");
@@ -256,16 +199,6 @@ TEST_F(Router, ExceptionHoldsUpTheRestAndLosesNothing) {
     EXPECT_THAT(update(2), ElementsAre("b:1", "c:1", "~1"));
 }
 
-TEST_F(Router, WaitingHoldersOutliveTheRouter) {
-    auto* const holder = new Holder(*this, 1);
-    {
-        cMessageRouter dying;
-        dying.post_message_delayed(holder, 1);
-    }
-    EXPECT_THAT(record, IsEmpty());
-    delete holder;
-}
-
 TEST_F(Router, HolderKeepsALargerMessageWhole) {
     struct Large {
         std::uint32_t messageType;
@@ -276,11 +209,11 @@ TEST_F(Router, HolderKeepsALargerMessageWhole) {
     class Reader final : public cMessageObserver {
     public:
         void receive_message(cMessage* message) override {
-            seen = reinterpret_cast<Large*>(message);
-            text = seen->text;
+            seen = message;
+            text = reinterpret_cast<Large*>(message)->text;
         }
 
-        Large* seen = nullptr;
+        void* seen = nullptr;
         std::string text;
     };
 
@@ -288,7 +221,6 @@ TEST_F(Router, HolderKeepsALargerMessageWhole) {
     router.register_for_message(&reader, 9);
     const std::string long_text(100, 'x');
     auto* const holder = new cMessageHolder<Large>({9, {1, 2, 3}, long_text});
-    EXPECT_EQ(3.0, holder->get().numbers[2]);
     void* const expected = &holder->message;
     router.post_message_delayed(holder, 0);
     router.update(0);
@@ -298,18 +230,15 @@ TEST_F(Router, HolderKeepsALargerMessageWhole) {
 
 TEST_F(Router, ImmediatePostDoesNotAllocate) {
     class Silent final : public cMessageObserver {
-    public:
         void receive_message(cMessage*) override {}
-    };
+    } silent;
 
-    std::vector<Silent> observers(10);
-    for (Silent& observer : observers)
-        for (std::uint32_t type = 0; type < 100; ++type)
-            router.register_for_message(&observer, type);
-    router.register_for_anything(&observers[0]);
+    for (std::uint32_t type = 0; type < 1000; ++type)
+        router.register_for_message(&silent, type);
+    router.register_for_anything(&silent);
     const std::size_t before = allocations;
-    for (std::uint32_t type = 0; type < 200; ++type)
-        post(type);
+    for (std::uint32_t type = 0; type < 2000; ++type)
+        EXPECT_EQ(type < 1000 ? 1 : 0, post(type));
     EXPECT_EQ(before, allocations);
 }
 
