@@ -13,7 +13,6 @@ using quillon::cMatrix3D;
 using quillon::cQuaternion;
 using quillon::cVector3D;
 using quillon::Pair;
-using quillon::trig::Direction;
 using quillon::trig::direction_at;
 
 namespace {

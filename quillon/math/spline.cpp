@@ -131,8 +131,7 @@ Segment segment_at(const cSpline3D& s, std::int32_t index) {
 // Reads a smooth path at one parameter after another; neighbours mostly share a segment.
 class SmoothReader {
 public:
-    explicit SmoothReader(const cSpline3D& spline)
-        : s(spline), index(0), segment(segment_at(spline, 0)) {}
+    explicit SmoothReader(const cSpline3D& spline) : s(spline), segment(segment_at(spline, 0)) {}
 
     cVector3D at(double t) {
         const Place place = place_of(s, t);
@@ -145,18 +144,21 @@ public:
 
 private:
     const cSpline3D& s;
-    std::int32_t index;
+    std::int32_t index = 0;
     Segment segment;
 };
 
-// `t` brought into 0 to `turn`, both ends included, by whole turns, and in bounded time.
-//
-// Below 2^53 each subtraction of a whole `turn` would be exact, and so is the remainder.
+// `t` brought into 0 to `turn`, both ends included, as adding and subtracting `turn` would, but in
+// bounded time: below 2^53 all those steps but the last addition are exact, as the remainder is.
 double wrapped(double t, double turn) {
-    if (t < 0.0)
-        t = t >= -turn ? t + turn : std::fmod(t, turn) + turn;
-    if (t > turn)
-        t = t <= turn + turn ? t - turn : std::fmod(t, turn);
+    if (t < 0.0) {
+        const double rest = std::fmod(t, turn);
+        t = rest < 0.0 ? rest + turn : 0.0;
+    }
+    if (t > turn) {
+        const double rest = std::fmod(t, turn);
+        t = rest == 0.0 ? turn : rest;
+    }
     return t;
 }
 
@@ -194,7 +196,8 @@ void __cSpline3d_expand_array(cSpline3D& s, std::int32_t needed) {
 }
 
 void __cSpline3d_add_control_point(cSpline3D& s, const cVector3D& point) {
-    const cVector3D kept = point;
+    // `point` may stand in the array that growing frees.
+    const cVector3D kept(point.x, point.y, point.z);
     if (s.count >= s.capacity)
         __cSpline3d_expand_array(s, s.count + 1);
     s.points[s.count++] = kept;

@@ -39,10 +39,10 @@ QUILLON_API void __cSpline3d_add_control_point(quillon::cSpline3D& s,
 // Set `out` to the path at `t`: on the straight line between two points, or on a cubic Bezier
 // segment whose tangent at a point bisects the directions of its two segments.
 //
-// On an open spline the points beyond an end are the end; below 0 the first segment goes on
-// straight or along its cubic. A closed one wraps, with one-sided tangents, hence a corner, where
-// it starts. A spline without points gives (0, 0, 0). `t` is limited to 2^30 either way, and one
-// that is no number gives none.
+// An open spline stays at its last point beyond the end, and goes on along its first segment's
+// curve below 0, where points before the first are the first. A closed one wraps, with corners at
+// its first and its last point, where tangents are one-sided. A spline without points gives (0, 0,
+// 0). `t` is limited to 2^30 either way; one that is no number gives no numbers.
 QUILLON_API void __cSpline3d_get_hard_value(const quillon::cSpline3D& s, quillon::cVector3D& out,
                                             double t);
 QUILLON_API void __cSpline3d_get_smooth_value(const quillon::cSpline3D& s, quillon::cVector3D& out,
@@ -108,7 +108,7 @@ public:
         closed = closed_path;
     }
 
-    cSpline3D(const cSpline3D& source) : cSerializable() {
+    cSpline3D(const cSpline3D& source) : cSerializable(source) {
         __cSpline3d_set_by_spline(*this, source);
     }
 
@@ -119,6 +119,7 @@ public:
           capacity(std::exchange(source.capacity, 0)),
           closed(source.closed) {}
 
+    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): __cSpline3d_set_by_spline looks for it.
     cSpline3D& operator=(const cSpline3D& source) {
         __cSpline3d_set_by_spline(*this, source);
         return *this;

@@ -62,7 +62,7 @@ TEST_F(Matrix3D, VectorsTurnAsByThePlainMatrixBitForBit) {
         const cMatrix3D m = numbers.matrix();
         const cQuaternion q = numbers.quaternion();
         const cVector3D v = numbers.vector();
-        const auto check = [&](auto turn, const auto& by, cVector3D expected) {
+        const auto check = [&](auto turn, const auto& by, const cVector3D& expected) {
             cVector3D turned = v;
             turn(turned, by);
             return same_bits(expected, turned, 3);
