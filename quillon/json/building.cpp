@@ -47,7 +47,8 @@ void* move_storage(cson_pool* pool, void* items, std::size_t old_bytes, std::siz
 void* resize_storage(cson_pool* pool, void* items, std::uint32_t old_capacity,
                      std::uint32_t capacity, const char* tag) {
     constexpr std::size_t entry = sizeof(void*);
-    if (capacity > (std::numeric_limits<std::size_t>::max() - sizeof(storage_header)) / entry)
+    if (std::size_t{capacity} >
+        (std::numeric_limits<std::size_t>::max() - sizeof(storage_header)) / entry)
         return nullptr;
     const std::size_t bytes = sizeof(storage_header) + capacity * entry;
     if (items == nullptr || header_of(items)->distance != 0)

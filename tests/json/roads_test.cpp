@@ -102,7 +102,7 @@ TEST(Roads, AgreeOnNumbers) {
         const Outcome expected = read_bytewise(text);
         const Outcome actual = read_whole(text);
         ASSERT_EQ(expected.code, actual.code) << text;
-        if (expected.code != cson_OK)
+        if (text_of(expected.value.get()) == "[]" || expected.code != cson_OK)
             continue;
         const cson_value* a = cson_array_item(cson_value_array(expected.value.get()), 0);
         const cson_value* b = cson_array_item(cson_value_array(actual.value.get()), 0);
