@@ -139,27 +139,6 @@ cson_value* cson_build_value(cson_pool* pool, std::uint32_t kind, std::uint32_t 
     return value;
 }
 
-cson_value* cson_build_string(cson_pool* pool, const char* text, std::uint32_t length) {
-    if (text == nullptr || length == 0 || *text == 0)
-        return &cson_shared.empty_string;
-    const std::size_t bytes = sizeof(cson_string) + 1 + length;
-    cson_value* value = length != most ? cson_build_record(pool, cson_kind_string, bytes) : nullptr;
-    if (value == nullptr)
-        return nullptr;
-    auto* string = cson_payload<cson_string>(value);
-    auto* own_text = reinterpret_cast<char*>(string + 1);
-    string->length = length;
-    std::memcpy(own_text, text, length);
-    own_text[length] = 0;
-    return value;
-}
-
-cson_kvp* cson_build_kvp(cson_pool* pool) {
-    std::uint32_t distance = 0;
-    void* block = cson_take(pool, sizeof(cson_kvp), cson_kvp_tag, distance);
-    return block != nullptr ? new (block) cson_kvp{nullptr, nullptr, distance} : nullptr;
-}
-
 std::uint32_t cson_build_reserve(cson_pool* pool, cson_value_list* list, std::uint32_t capacity) {
     return reserve(pool, list, capacity);
 }

@@ -8,6 +8,7 @@
 
 #include <array>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <new>
 
@@ -62,7 +63,23 @@ inline cson_value* cson_build_record(cson_pool* pool, std::uint32_t kind, std::s
 
 // As the operations of the same name; a null pool gives every block an allocation of its own.
 cson_value* cson_build_value(cson_pool* pool, std::uint32_t kind, std::uint32_t extra);
-cson_value* cson_build_string(cson_pool* pool, const char* text, std::uint32_t length);
+
+inline cson_value* cson_build_string(cson_pool* pool, const char* text, std::uint32_t length) {
+    if (text == nullptr || length == 0 || *text == 0)
+        return &cson_shared.empty_string;
+    if (length == std::numeric_limits<std::uint32_t>::max())
+        return nullptr;
+    const std::size_t bytes = sizeof(cson_string) + 1 + length;
+    cson_value* value = cson_build_record(pool, cson_kind_string, bytes);
+    if (value == nullptr)
+        return nullptr;
+    auto* string = cson_payload<cson_string>(value);
+    auto* own_text = reinterpret_cast<char*>(string + 1);
+    string->length = length;
+    std::memcpy(own_text, text, length);
+    own_text[length] = 0;
+    return value;
+}
 
 inline cson_value* cson_build_int(cson_pool* pool, std::int32_t number) {
     if (number == 0)
@@ -82,7 +99,12 @@ inline cson_value* cson_build_double(cson_pool* pool, double number) {
     return value;
 }
 
-cson_kvp* cson_build_kvp(cson_pool* pool);
+inline cson_kvp* cson_build_kvp(cson_pool* pool) {
+    std::uint32_t distance = 0;
+    void* block = cson_take(pool, sizeof(cson_kvp), cson_kvp_tag, distance);
+    return block != nullptr ? new (block) cson_kvp{nullptr, nullptr, distance} : nullptr;
+}
+
 std::uint32_t cson_build_reserve(cson_pool* pool, cson_value_list* list, std::uint32_t capacity);
 std::uint32_t cson_build_reserve(cson_pool* pool, cson_kvp_list* list, std::uint32_t capacity);
 int cson_build_push(cson_pool* pool, cson_array* array, cson_value* value);

@@ -15,11 +15,6 @@ constexpr std::size_t header_bytes = 16;
 constexpr std::size_t largest_chunk = 32 * 1024;
 constexpr std::size_t largest_block = 512;
 
-void drop_block(cson_chunk* chunk) {
-    if (--chunk->blocks == 0)
-        cson_free(chunk, chunk_tag);
-}
-
 } // namespace
 
 void* cson_pool::take_elsewhere(std::size_t bytes, const char* tag, std::uint32_t& distance) {
@@ -47,16 +42,13 @@ bool cson_pool::open_chunk() {
 }
 
 void cson_pool::close_chunk() {
-    if (chunk != nullptr)
-        drop_block(chunk);
+    if (chunk != nullptr && --chunk->blocks == 0)
+        cson_free_chunk(chunk);
     chunk = nullptr;
 }
 
-void cson_give_back(void* block, std::uint32_t distance, const char* tag) {
-    if (distance == 0)
-        cson_free(block, tag);
-    else
-        drop_block(reinterpret_cast<cson_chunk*>(static_cast<unsigned char*>(block) - distance));
+void cson_free_chunk(cson_chunk* chunk) {
+    cson_free(chunk, chunk_tag);
 }
 
 } // namespace quillon

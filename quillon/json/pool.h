@@ -1,6 +1,8 @@
 // Memory for many small blocks of one tree, taken from the allocator in chunks.
 #pragma once
 
+#include "quillon/json/allocator.h"
+
 #include <cstddef>
 #include <cstdint>
 
@@ -52,7 +54,18 @@ private:
     std::size_t chunk_bytes = 512;
 };
 
+// Frees a chunk whose last block is back.
+void cson_free_chunk(cson_chunk* chunk);
+
 // Gives a block back to where `distance` says it came from.
-void cson_give_back(void* block, std::uint32_t distance, const char* tag);
+inline void cson_give_back(void* block, std::uint32_t distance, const char* tag) {
+    if (distance == 0) {
+        cson_free(block, tag);
+        return;
+    }
+    auto* chunk = reinterpret_cast<cson_chunk*>(static_cast<unsigned char*>(block) - distance);
+    if (--chunk->blocks == 0)
+        cson_free_chunk(chunk);
+}
 
 } // namespace quillon

@@ -30,10 +30,18 @@ inline bool cson_pop_mode(cson_push_parser& parser, signed char mode) {
 // False with an error at the nesting limit, or without memory.
 bool cson_push_mode(cson_push_parser& parser, signed char mode);
 
+// Puts one mode in the place of another on top.
+inline bool cson_change_mode(cson_push_parser& parser, signed char from, signed char to) {
+    if (parser.top < 0 || parser.stack[parser.top] != from)
+        return false;
+    parser.stack[parser.top] = to;
+    return true;
+}
+
 // What a colon does: after the key, its member.
 inline bool cson_await_member(cson_push_parser& parser) {
     parser.state = cson_state_value;
-    return cson_pop_mode(parser, cson_mode_key) && cson_push_mode(parser, cson_mode_object);
+    return cson_change_mode(parser, cson_mode_key, cson_mode_object);
 }
 
 // What a comma does once the value in front of it is reported: the next element or key.
@@ -43,7 +51,7 @@ inline bool cson_await_next(cson_push_parser& parser) {
         return true;
     }
     parser.state = cson_state_key;
-    return cson_pop_mode(parser, cson_mode_object) && cson_push_mode(parser, cson_mode_key);
+    return cson_change_mode(parser, cson_mode_object, cson_mode_key);
 }
 
 // What an opening bracket does once the container is reported.

@@ -1,6 +1,7 @@
 // Eight bytes of text at a time.
 #pragma once
 
+#include <bit>
 #include <cstdint>
 #include <cstring>
 
@@ -19,15 +20,19 @@ constexpr std::uint64_t cson_bytes_equal(std::uint64_t bytes, unsigned char byte
 }
 
 // The first position from `at` on whose byte stops, or the end. `stops_in` tells of eight bytes
-// whether one of them may stop, `stops` of one byte whether it does.
+// which of them stop, as the two above do; `stops` tells it of one.
 template <class StopsIn, class Stops>
-const unsigned char* cson_skip(const unsigned char* at, const unsigned char* end, StopsIn stops_in,
-                               Stops stops) {
+inline const unsigned char* cson_skip(const unsigned char* at, const unsigned char* end,
+                                      StopsIn stops_in, Stops stops) {
     for (; end - at >= 8; at += 8) {
         std::uint64_t bytes = 0;
         std::memcpy(&bytes, at, sizeof(bytes));
-        if (stops_in(bytes) != 0)
-            break;
+        const std::uint64_t found = stops_in(bytes);
+        if (found == 0)
+            continue;
+        if constexpr (std::endian::native == std::endian::little)
+            return at + std::countr_zero(found) / 8;
+        break;
     }
     while (at < end && !stops(*at))
         ++at;

@@ -60,6 +60,15 @@ public:
 
     // Grows where single bytes would have made it grow.
     int run(bytes_at bytes, std::uint32_t count) {
+        if (std::uint64_t{buffer.used} + count < buffer.capacity) {
+            append(bytes, count);
+            return cson_OK;
+        }
+        return run_growing(bytes, count);
+    }
+
+private:
+    int run_growing(bytes_at bytes, std::uint32_t count) {
         int code = cson_OK;
         while (count != 0 && code == cson_OK) {
             const std::uint32_t room = buffer.capacity - buffer.used;
@@ -75,16 +84,22 @@ public:
         return code;
     }
 
-private:
     int grow_to(std::uint64_t capacity) {
         if (capacity > std::numeric_limits<std::uint32_t>::max())
             return cson_ArgError;
         return cson_buffer_reserve_bytes(&buffer, static_cast<std::uint32_t>(capacity));
     }
 
+    // Most pieces have a byte or two, for which a call would take longer than the copy.
     void append(const void* bytes, std::uint32_t count) {
-        if (count != 0)
-            std::memcpy(buffer.mem + buffer.used, bytes, count);
+        unsigned char* target = buffer.mem + buffer.used;
+        const auto* source = static_cast<bytes_at>(bytes);
+        if (count <= 2) {
+            for (std::uint32_t i = 0; i < count; ++i)
+                target[i] = source[i];
+        } else {
+            std::memcpy(target, source, count);
+        }
         buffer.used += count;
     }
 
@@ -98,25 +113,23 @@ int write_piece(Output& output, std::string_view text) {
 
 // --- Strings -----------------------------------------------------------------------------------
 
-// The letter of a character's short escape, or 0.
-char escape_letter(unsigned char c, bool escape_slashes) {
-    switch (c) {
-    case '\b':
-        return 'b';
-    case '\t':
-        return 't';
-    case '\n':
-        return 'n';
-    case '\f':
-        return 'f';
-    case '\r':
-        return 'r';
-    case '"':
-    case '\\':
-        return static_cast<char>(c);
-    default:
-        return c == '/' && escape_slashes ? '/' : '\0';
-    }
+// By byte: 0 for what goes out as it is, the letter of a short escape, or "u" for what ends the
+// string (the zero byte) or has to be decoded. A slash is escaped on request alone.
+constexpr std::array<char, 256> make_escapes() {
+    std::array<char, 256> escapes = {};
+    for (std::size_t c = 0x80; c < escapes.size(); ++c)
+        escapes[c] = 'u';
+    constexpr std::string_view escaped("\0\b\t\n\f\r\"\\/", 9);
+    constexpr std::string_view letters = "ubtnfr\"\\/";
+    for (std::size_t i = 0; i < escaped.size(); ++i)
+        escapes[static_cast<unsigned char>(escaped[i])] = letters[i];
+    return escapes;
+}
+
+constexpr std::array<char, 256> escapes = make_escapes();
+
+bool goes_out_raw(unsigned char c, bool escape_slashes) {
+    return escapes[c] == 0 || (c == '/' && !escape_slashes);
 }
 
 // The first byte from `at` on that may not go out as it is.
@@ -129,9 +142,7 @@ bytes_at skip_raw(bytes_at at, bytes_at end, bool escape_slashes) {
                    cson_bytes_equal(bytes, '"') | cson_bytes_equal(bytes, '\\') |
                    (cson_bytes_equal(bytes, '/') & slashes);
         },
-        [escape_slashes](unsigned char c) {
-            return c == 0 || c >= 0x80 || escape_letter(c, escape_slashes) != 0;
-        });
+        [escape_slashes](unsigned char c) { return !goes_out_raw(c, escape_slashes); });
 }
 
 template <class Output>
@@ -145,17 +156,16 @@ int write_code_point(Output& output, std::uint32_t code_point) {
     return output.piece(text.data(), 6);
 }
 
-// Writes one character that isn't plain.
+// Writes one character, which may be a raw one.
 template <class Output>
 int write_character(Output& output, bytes_at& at, bytes_at end, bool escape_slashes) {
     const bytes_at begin = at;
     const std::uint32_t code_point = cson_utf8_next(at, end, &at);
     if (at - begin > 1)
         return write_code_point(output, code_point);
-    const char letter = escape_letter(*begin, escape_slashes);
-    if (letter == 0)
+    if (goes_out_raw(*begin, escape_slashes) || *begin >= 0x80)
         return output.piece(begin, 1);
-    const std::array<char, 2> pair = {'\\', letter};
+    const std::array<char, 2> pair = {'\\', escapes[*begin]};
     return output.piece(pair.data(), 2);
 }
 
@@ -233,18 +243,15 @@ public:
 private:
     // A container of which `next` entries are written.
     struct frame {
-        const cson_value* container;
+        const cson_array* array; // one of the two is null
+        const cson_object* object;
+        std::uint32_t count;
         std::uint32_t next;
         bool indent;
         bool comma_due;
     };
 
     std::uint32_t level() const { return first_level + static_cast<std::uint32_t>(open.size()); }
-
-    static std::uint32_t count_of(const cson_value* container) {
-        return cson_value_is_array(container) ? cson_value_array(container)->list.count
-                                              : cson_value_object(container)->list.count;
-    }
 
     int write_value(const cson_value* value) {
         if (value == nullptr || value->api == nullptr)
@@ -254,17 +261,21 @@ private:
         case cson_kind_null:
             return write_piece(output, "null");
         case cson_kind_boolean:
-            return write_piece(output, cson_value_bool(value) ? "true" : "false");
+            return write_piece(output, value->value != nullptr ? "true" : "false");
         case cson_kind_integer:
             return write_integer(output, cson_value_int(value));
         case cson_kind_double:
             return write_double(output, cson_value_double(value), point);
         case cson_kind_string:
-            return write_string(cson_value_string(value));
-        case cson_kind_array:
-            return begin(value, "[]");
-        case cson_kind_object:
-            return begin(value, "{}");
+            return write_string(static_cast<const cson_string*>(value->value));
+        case cson_kind_array: {
+            const auto* array = static_cast<const cson_array*>(value->value);
+            return begin({array, nullptr, array->list.count, 0, false, false}, "[]");
+        }
+        case cson_kind_object: {
+            const auto* object = static_cast<const cson_object*>(value->value);
+            return begin({nullptr, object, object->list.count, 0, false, false}, "{}");
+        }
         default:
             return cson_TypeError;
         }
@@ -275,39 +286,36 @@ private:
                             options.escape_slashes);
     }
 
-    int begin(const cson_value* container, std::string_view brackets) {
-        const std::uint32_t count = count_of(container);
+    int begin(frame opened, std::string_view brackets) {
         if (level() > options.max_depth)
             return cson_RangeError;
-        if (count == 0)
+        if (opened.count == 0)
             return write_piece(output, brackets);
-        const bool indent =
-            options.indentation != 0 && (count != 1 || options.indent_single_member);
+        opened.indent =
+            options.indentation != 0 && (opened.count != 1 || options.indent_single_member);
         const int code = write_piece(output, brackets.substr(0, 1));
         if (code != cson_OK)
             return code;
-        if (!open.push({container, 0, indent, false}))
+        if (!open.push(opened))
             return cson_AllocError;
-        return indent ? write_line_break(output, options.indentation, level()) : cson_OK;
+        return opened.indent ? write_line_break(output, options.indentation, level()) : cson_OK;
     }
 
     // Writes what is due: a comma, then the next entry or the end.
     int write_entry() {
         frame& top = open.top();
-        const std::uint32_t count = count_of(top.container);
         if (top.comma_due) {
             top.comma_due = false;
             const int code = write_comma(top.indent);
             if (code != cson_OK)
                 return code;
         }
-        if (top.next == count)
+        if (top.next == top.count)
             return end();
         const std::uint32_t index = top.next++;
-        top.comma_due = top.next != count;
-        if (cson_value_is_array(top.container))
-            return write_element(cson_value_array(top.container)->list.items[index]);
-        return write_pair(top, cson_value_object(top.container)->list.items[index]);
+        top.comma_due = top.next != top.count;
+        return top.array != nullptr ? write_element(top.array->list.items[index])
+                                    : write_pair(top, top.object->list.items[index]);
     }
 
     int write_comma(bool indent) {
@@ -323,7 +331,7 @@ private:
     }
 
     int write_pair(frame& top, const cson_kvp* pair) {
-        const cson_string* key = cson_kvp_key_string(pair);
+        const cson_string* key = key_of(pair);
         if (key == nullptr) {
             top.comma_due = false;
             return cson_OK;
@@ -334,8 +342,14 @@ private:
         return code == cson_OK ? write_element(pair->value) : code;
     }
 
+    static const cson_string* key_of(const cson_kvp* pair) {
+        const bool has_key =
+            pair != nullptr && pair->key != nullptr && pair->key->api->kind == cson_kind_string;
+        return has_key ? static_cast<const cson_string*>(pair->key->value) : nullptr;
+    }
+
     int end() {
-        const bool is_array = cson_value_is_array(open.top().container);
+        const bool is_array = open.top().array != nullptr;
         const bool indent = open.top().indent;
         open.pop();
         const int code = indent ? write_line_break(output, options.indentation, level()) : cson_OK;

@@ -202,7 +202,7 @@ TEST(Write, FilesEndInALineFeedByDefault) {
     ASSERT_EQ(cson_OK, cson_write_path(value.get(), path.c_str(), nullptr));
     std::FILE* stream = std::fopen(path.c_str(), "rb");
     char text[100] = {};
-    EXPECT_EQ(28u, std::fread(text, 1, sizeof(text), stream));
+    EXPECT_EQ(27u, std::fread(text, 1, sizeof(text), stream));
     EXPECT_STREQ("{\"a\":1, \"b\":[1, 2.5, \"x\"]}\n", text);
     std::fclose(stream);
     std::remove(path.c_str());
