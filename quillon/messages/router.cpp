@@ -1,5 +1,6 @@
 #include "quillon/messages/router.h"
 
+#include <iterator>
 #include <limits>
 #include <memory>
 
@@ -73,28 +74,32 @@ void deliver_delayed(Mailbox& box, cMessage* message) {
     box.next = 0;
 }
 
-// One pass of an update over one queue.
-class QueuePass {
+// One update. If an exception breaks it off, its time still counts for what it had not come to.
+class Update {
 public:
-    explicit QueuePass(Mailbox& mailbox) : box(mailbox) {}
+    Update(cMessageRouter& owner, float time) : router(owner), passed(time) {}
 
-    QueuePass(const QueuePass&) = delete;
-    QueuePass& operator=(const QueuePass&) = delete;
+    Update(const Update&) = delete;
+    Update& operator=(const Update&) = delete;
 
-    // After an exception, has the next update begin with the entry that was in delivery.
-    ~QueuePass() {
-        if (delivering == nullptr)
-            return;
-        std::uint32_t position = 0;
-        while (box.queue.get(position) != delivering)
-            ++position;
-        box.queue.remove(position, true);
-        box.queue.add(delivering, 0);
-        delivering->second = -std::numeric_limits<float>::infinity();
+    ~Update() {
+        if (delivering != nullptr)
+            break_off();
+        router.inWork = nullptr;
     }
 
-    void run(float passed) {
-        box.queue.remove_if([this, passed](Entry* entry) {
+    void run() {
+        work_through(router.anything);
+        for (current = router.mailboxes.begin(); current != router.mailboxes.end(); ++current)
+            work_through(*current->second);
+    }
+
+private:
+    static constexpr float overdue = -std::numeric_limits<float>::infinity();
+
+    void work_through(Mailbox& box) {
+        router.inWork = &box;
+        box.queue.remove_if([&](Entry* entry) {
             if (passed < entry->second) {
                 entry->second -= passed;
                 return false;
@@ -107,28 +112,34 @@ public:
         });
     }
 
-private:
-    Mailbox& box;
-    Entry* delivering = nullptr;
-};
+    // Puts the entry in delivery first, for the next update to go on with, and counts the rest
+    // down.
+    void break_off() {
+        Mailbox& box = *router.inWork;
+        std::uint32_t position = 0;
+        while (box.queue.get(position) != delivering)
+            ++position;
+        box.queue.remove(position, true);
+        box.queue.add(delivering, 0);
+        delivering->second = overdue;
 
-// Notes which mailbox an update works through, and forgets it whichever way the update ends.
-class Turn {
-public:
-    explicit Turn(cMessageRouter& owner) : router(owner) {}
-
-    Turn(const Turn&) = delete;
-    Turn& operator=(const Turn&) = delete;
-
-    ~Turn() { router.inWork = nullptr; }
-
-    void work_through(Mailbox& box, float passed) {
-        router.inWork = &box;
-        QueuePass(box).run(passed);
+        count_down(box, position + 1);
+        auto rest = &box == &router.anything ? router.mailboxes.begin() : std::next(current);
+        for (; rest != router.mailboxes.end(); ++rest)
+            count_down(*rest->second, 0);
     }
 
-private:
+    void count_down(const Mailbox& box, std::uint32_t position) const {
+        for (; position < box.queue.count(); ++position) {
+            float& left = box.queue.get(position)->second;
+            left = passed < left ? left - passed : overdue;
+        }
+    }
+
     cMessageRouter& router;
+    float passed;
+    DSPhashMap<Mailbox>::iterator current;
+    Entry* delivering = nullptr;
 };
 
 } // namespace
@@ -190,9 +201,5 @@ std::int16_t __messageRouter_post_message_delayed(cMessageRouter* router, cMessa
 void __messageRouter_update(cMessageRouter* router, const float& passed) {
     if (router->inWork != nullptr)
         return;
-    const float step = passed;
-    Turn turn(*router);
-    turn.work_through(router->anything, step);
-    for (const auto& [type, box] : router->mailboxes)
-        turn.work_through(*box, step);
+    Update(*router, passed).run();
 }

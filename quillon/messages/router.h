@@ -43,8 +43,8 @@ public:
     DSPhashMap<Mailbox> mailboxes; // by message type; made on demand, never removed
     Mailbox anything;
 
-    KeyIndex<Mailbox> index;         // the same mailboxes, at hand faster than through the map
-    const Mailbox* inWork = nullptr; // the mailbox that an update is working through
+    KeyIndex<Mailbox> index;   // the same mailboxes, at hand faster than through the map
+    Mailbox* inWork = nullptr; // the mailbox that an update is working through
 };
 
 } // namespace quillon
@@ -92,9 +92,9 @@ QUILLON_API std::int16_t __messageRouter_post_message_delayed(quillon::cMessageR
 // A message is due if its delay is not above `passed`; one that is queued during the update, in a
 // queue that is still in work or to come, is counted down by this update too.
 // Called from inside an update it does nothing.
-// An exception of an observer ends the update and leaves to the caller: the next update hands that
-// message to the observers behind, before any other of its queue. Delays that the update did not
-// come to are not counted down by it.
+// An exception of an observer ends the deliveries of the update, whose time still counts for every
+// delay, and leaves to the caller. The next update hands the message in question to the observers
+// behind, before any other of its queue, and delivers what else was due.
 QUILLON_API void __messageRouter_update(quillon::cMessageRouter* router, const float& passed);
 }
 

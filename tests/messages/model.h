@@ -63,10 +63,7 @@ public:
             for (auto& [type, box] : boxes)
                 work_through(box, passed);
         } catch (const Cut&) {
-            // The message in delivery goes on first of all, with the observer behind.
-            auto& queue = inWork->queue;
-            std::rotate(queue.begin(), queue.begin() + position, queue.begin() + position + 1);
-            queue.front().left = -std::numeric_limits<float>::infinity();
+            break_off(passed);
             inWork = nullptr;
             throw;
         }
@@ -91,6 +88,23 @@ private:
         std::size_t i = 0;
         while (i < box.observers.size())
             receive(box.observers[i++], message);
+    }
+
+    // The message in delivery goes on first of all, with the observer behind; time counts for all.
+    void break_off(float passed) {
+        auto& queue = inWork->queue;
+        std::rotate(queue.begin(), queue.begin() + position, queue.begin() + position + 1);
+        queue.front().left = -std::numeric_limits<float>::infinity();
+        bool reached = inWork != &anything;
+        const auto count_down = [&](Entry& entry) {
+            entry.left = passed < entry.left ? entry.left - passed : queue.front().left;
+        };
+        std::for_each(queue.begin() + position + 1, queue.end(), count_down);
+        for (auto& [type, box] : boxes)
+            if (!reached)
+                std::for_each(box.queue.begin(), box.queue.end(), count_down);
+            else
+                reached = &box != inWork;
     }
 
     static bool enlist_in(Box& box, int observer) {
