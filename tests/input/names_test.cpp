@@ -11,50 +11,37 @@ using quillon::analog_input_names;
 using quillon::digital_input_names;
 using quillon::modInput;
 
-TEST(InputNames, StandAtTheirCodes) {
-    const struct {
-        int code;
-        const char* name;
-    } rows[] = {
-        {0, "Any Key"},
-        {5, "Space"},
-        {11, "Page Down"},
-        {12, "Up"},
-        {15, "Right"},
-        {16, "A"},
-        {41, "Z"},
-        {42, "0"},
-        {51, "9"},
-        {52, "F1"},
-        {63, "F12"},
-        {64, "Keypad 0"},
-        {79, "Keypad Enter"},
-        {82, "Scroll Lock"},
-        {88, "Right Alt"},
-        {89, "~"},
-        {94, "\\"},
-        {96, "\""},
-        {99, "?"},
-        {101, "Pause"},
-        {102, "Any Mouse"},
-        {107, "Mouse Wheel Down"},
-        {108, "Pad 1 Any"},
-        {124, "Pad 1 Btn 16"},
-        {125, "Pad 1 Axis 1 Center"},
-        {126, "Pad 1 Axis 1 -"},
-        {127, "Pad 1 Axis 1 --"},
-        {128, "Pad 1 Axis 1 +"},
-        {129, "Pad 1 Axis 1 ++"},
-        {145, "Pad 1 Hat 1 Left"},
-        {153, "Pad 2 Any"},
-        {286, "Pad 4 Hat 2 Up"},
-        {287, "Pad 4 Hat 2 Down"},
-        {-1, "INVALID"},
-        {288, "INVALID"},
-    };
+std::string joined(const char* const* first, const char* const* last) {
+    std::string text;
+    for (; first != last; ++first)
+        text += std::string(text.empty() ? "" : ", ") + *first;
+    return text;
+}
 
-    for (const auto& row : rows)
-        EXPECT_STREQ(row.name, quillon::name_at(digital_input_names, row.code)) << row.code;
+TEST(InputNames, StandAtTheirCodes) {
+    const char* const* const digital = digital_input_names.data();
+    EXPECT_EQ("Any Key, Escape, Tab, Backspace, Enter, Space, Insert, Delete, Home, End, Page Up, "
+              "Page Down, Up, Down, Left, Right, A, B, C, D, E, F, G, H, I, J, K, L, M, N, O, P, "
+              "Q, R, S, T, U, V, W, X, Y, Z, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, F1, F2, F3, F4, F5, F6, "
+              "F7, F8, F9, F10, F11, F12, Keypad 0, Keypad 1, Keypad 2, Keypad 3, Keypad 4, Keypad "
+              "5, Keypad 6, Keypad 7, Keypad 8, Keypad 9, Keypad ., Keypad /, Keypad *, Keypad -, "
+              "Keypad +, Keypad Enter, Num Lock, Caps Lock, Scroll Lock, Left Shift, Right Shift, "
+              "Left Control, Right Control, Left Alt, Right Alt, ~, -, +, [, ], \\, :, \", <, >, "
+              "?, Print Screen, Pause, Any Mouse, Left Mouse, Right Mouse, Middle Mouse, Mouse "
+              "Wheel Up, Mouse Wheel Down",
+              joined(digital, digital + 108));
+    EXPECT_EQ("Pad 1 Btn 16, Pad 1 Axis 1 Center, Pad 1 Axis 1 -, Pad 1 Axis 1 --, Pad 1 Axis 1 +, "
+              "Pad 1 Axis 1 ++, Pad 1 Axis 2 Center",
+              joined(digital + 124, digital + 131));
+    EXPECT_EQ("Pad 4 Hat 1 Down, Pad 4 Hat 2 Left, Pad 4 Hat 2 Right, Pad 4 Hat 2 Up, "
+              "Pad 4 Hat 2 Down",
+              joined(digital + 283, digital + 288));
+    EXPECT_EQ("Mouse X, Mouse Y, Pad 1 Axis 1",
+              joined(analog_input_names.data(), analog_input_names.data() + 3));
+    EXPECT_EQ("Or, And, Not",
+              joined(quillon::input_logic_names.begin(), quillon::input_logic_names.end()));
+    EXPECT_STREQ("INVALID", quillon::name_at(digital_input_names, -1));
+    EXPECT_STREQ("INVALID", quillon::name_at(digital_input_names, 288));
 }
 
 TEST(InputNames, EveryNameFindsItsOwnCode) {
@@ -63,7 +50,6 @@ TEST(InputNames, EveryNameFindsItsOwnCode) {
     for (int code = 0; code < quillon::ANALOG_CODES; ++code)
         EXPECT_EQ(code, quillon::analog_code(quillon::name_at(analog_input_names, code)));
     EXPECT_EQ(quillon::NO_INPUT, quillon::digital_code("a"));
-    EXPECT_EQ(quillon::NO_INPUT, quillon::analog_code(""));
 }
 
 // A pad's row is its relative row with the pad's number put in.
@@ -71,8 +57,6 @@ TEST(InputNames, PadsFollowTheRelativeTables) {
     const auto of_pad = [](int pad, const char* relative) {
         return "Pad " + std::to_string(pad + 1) + std::string(relative).substr(3);
     };
-    ASSERT_EQ(45U, quillon::pad_input_names.size());
-    ASSERT_EQ(4U, quillon::pad_axis_names.size());
     for (std::int16_t pad = 0; pad < 4; ++pad) {
         for (std::int16_t code = 0; code < 45; ++code)
             EXPECT_EQ(of_pad(pad, quillon::pad_input_names[code]),
@@ -81,16 +65,11 @@ TEST(InputNames, PadsFollowTheRelativeTables) {
             EXPECT_EQ(of_pad(pad, quillon::pad_axis_names[axis]),
                       quillon::name_at(analog_input_names, modInput::analog_pad_code(axis, pad)));
     }
-    EXPECT_STREQ("Mouse Y", analog_input_names[1]);
-    EXPECT_STREQ("Not", quillon::input_logic_names[2]);
 }
 
-TEST(InputCodes, PadRulesWorkUnconnectedAndAreCutTo16Bits) {
-    const modInput* input = __mInput_instance();
-    EXPECT_EQ(198, input->digital_pad_code(0, 2));
-    EXPECT_EQ(17, input->analog_pad_code(3, 3));
-    EXPECT_EQ(137, input->digital_pad_code(0, 1457)); // 65,673 - 65,536
-    EXPECT_EQ(-32768, input->analog_pad_code(32766, 0));
+TEST(InputCodes, PadRulesAreCutTo16Bits) {
+    EXPECT_EQ(137, modInput::digital_pad_code(0, 1457)); // 65,673 - 65,536
+    EXPECT_EQ(-32768, modInput::analog_pad_code(32766, 0));
 }
 
 } // namespace
