@@ -9,7 +9,7 @@ using testing::StartsWith;
 
 TEST(Usage, HelpAndVersionEverywhere) {
     const ScratchFolder folder;
-    for (const std::string command : {"", "plugins", "convert"}) {
+    for (const std::string command : {"", "plugins", "convert", "inputs"}) {
         SCOPED_TRACE(command);
         const ToolRun help = run_tool(command + " --help");
         EXPECT_EQ(0, help.code);
@@ -35,6 +35,9 @@ TEST(Usage, MisuseIsAnErrorWithAHint) {
         {"--versoin", "unknown word '--versoin'; did you mean '--version'?"},
         {"plugins --jsno", "quillon plugins: unknown word '--jsno'; did you mean '--json'?"},
         {"plugins one two", "quillon plugins: unknown word 'two'"},
+        {"inputs --bind 'Left Contrl + S'", "'Left Contrl'; did you mean 'Left Control'?"},
+        {"inputs --bind 'Space Or Mause X'", "'Mause X'; did you mean 'Mouse X'?"},
+        {"inputs --frames 0", "Value 0 not in range"},
         {"convert in.png", "OUT is required\nSee 'quillon convert --help'."},
     };
 

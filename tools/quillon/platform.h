@@ -9,6 +9,9 @@ namespace tool::platform {
 
 std::filesystem::path executable();
 
+// Whether a person reads the standard output as it is written.
+bool output_is_terminal();
+
 // Keeps what the process writes to its standard output from reaching it.
 class OutputCapture {
 public:

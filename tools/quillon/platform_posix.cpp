@@ -57,6 +57,10 @@ void OutputCapture::CloseFile::operator()(std::FILE* file) const {
     std::fclose(file);
 }
 
+bool output_is_terminal() {
+    return isatty(STDOUT_FILENO) == 1;
+}
+
 OutputCapture::OutputCapture() : kept(std::tmpfile()), output(dup(STDOUT_FILENO)) {
     if (kept == nullptr || output < 0)
         throw Failure(

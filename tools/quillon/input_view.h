@@ -1,0 +1,15 @@
+// What the input module answers, as text.
+#pragma once
+
+#include "bindings.h"
+
+#include <span>
+#include <string>
+
+namespace tool {
+
+// One frame: what is pressed by display name, a bar for each axis of the mouse and of the pads that
+// are plugged in, and a line for each binding. Ends with a line's end.
+std::string input_view(std::span<const Binding> bindings);
+
+} // namespace tool
