@@ -1,13 +1,14 @@
 #include "quillon/rendercache/render_cache.h"
 
+#include "quillon/appearance/color_names.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <algorithm>
 #include <limits>
 #include <memory>
 #include <new>
-#include <random>
 #include <vector>
 
 using quillon::cColor;
@@ -15,7 +16,6 @@ using quillon::cRenderCache;
 using quillon::cVector3D;
 using testing::Each;
 using testing::ElementsAre;
-using TexCoord = quillon::cVector2D<double>;
 
 namespace {
 
@@ -30,87 +30,70 @@ struct Cleanup {
 
 using Cache = std::unique_ptr<cRenderCache, Cleanup>;
 
-Cache make_cache(std::uint32_t polys, std::uint32_t corners) {
-    Cache cache(__mGraphics_create_render_cache(polys, corners, true, true, true, true));
-    const std::size_t entries = std::size_t{polys} * corners;
-    for (float* array : {cache->positions, cache->normals, cache->tangents})
-        std::fill_n(array, entries * 3, UNTOUCHED);
-    std::fill_n(cache->texcoords, entries * 2, UNTOUCHED);
-    std::fill_n(cache->colors, entries * 4, UNTOUCHED);
-    return cache;
-}
-
 std::vector<float> floats(const float* array, std::size_t count) {
     return {array, array + count};
 }
 
-// Sources of one length each, with values that 32 bits have to round.
+// Values that 32 bits have to round, different for every element and component.
 struct Sources {
     std::vector<cVector3D> positions;
-    std::vector<TexCoord> texcoords;
+    std::vector<quillon::cVector2D<double>> texcoords;
     std::vector<cVector3D> normals;
     std::vector<cColor> colors;
 
     explicit Sources(std::size_t count) {
-        std::mt19937 random(7);
-        std::uniform_real_distribution<double> spread(-1000.0, 1000.0);
-        const auto next = [&] { return spread(random); };
-        const auto component = [&] { return static_cast<float>(spread(random)); };
         for (std::size_t i = 0; i < count; ++i) {
-            positions.emplace_back(next(), next(), next());
-            texcoords.emplace_back(next(), next());
-            normals.emplace_back(next(), next(), next());
-            colors.emplace_back(component(), component(), component(), component());
+            const double v = static_cast<double>(i) + 0.1;
+            positions.emplace_back(v, v / 3, -v / 7);
+            texcoords.emplace_back(v / 11, v / 13);
+            normals.emplace_back(v / 17, v / 19, v / 23);
+            colors.emplace_back(static_cast<float>(v), 2.0F, -3.0F, static_cast<float>(-v));
         }
+    }
+
+    void fill(cRenderCache& cache) const {
+        __mGraphics_modify_render_cache_from_verts(&cache, positions.data(), texcoords.data(),
+                                                   normals.data(), colors.data());
     }
 };
 
-using Indices = std::vector<std::uint32_t>;
-
-Indices random_indices(std::size_t count, std::uint32_t elements, unsigned seed) {
-    std::mt19937 random(seed);
-    Indices indices(count);
-    for (auto& index : indices)
-        index = static_cast<std::uint32_t>(random() % elements);
-    return indices;
-}
-
-void expect_vector(const cVector3D& vector, const float* entry) {
+void expect_floats(const cVector3D& vector, const float* entry) {
     EXPECT_EQ(static_cast<float>(vector.x), entry[0]);
     EXPECT_EQ(static_cast<float>(vector.y), entry[1]);
     EXPECT_EQ(static_cast<float>(vector.z), entry[2]);
 }
 
-void expect_entry(const cRenderCache& cache, std::size_t i, const Sources& sources,
-                  std::size_t position, std::size_t texcoord, std::size_t normal,
-                  std::size_t color) {
-    expect_vector(sources.positions[position], cache.positions + i * 3);
-    expect_vector(sources.normals[normal], cache.normals + i * 3);
-    EXPECT_EQ(static_cast<float>(sources.texcoords[texcoord].x), cache.texcoords[i * 2]);
-    EXPECT_EQ(static_cast<float>(sources.texcoords[texcoord].y), cache.texcoords[i * 2 + 1]);
-    EXPECT_EQ(0, std::memcmp(&sources.colors[color].r, cache.colors + i * 4, 4 * sizeof(float)));
+// Entry i against the elements of the four attributes: position, texcoord, normal, colour.
+void expect_entry(const cRenderCache& cache, std::size_t i, const Sources& sources, std::size_t p,
+                  std::size_t t, std::size_t n, std::size_t c) {
+    expect_floats(sources.positions[p], cache.positions + i * 3);
+    expect_floats(sources.normals[n], cache.normals + i * 3);
+    EXPECT_EQ(static_cast<float>(sources.texcoords[t].x), cache.texcoords[i * 2]);
+    EXPECT_EQ(static_cast<float>(sources.texcoords[t].y), cache.texcoords[i * 2 + 1]);
+    for (std::size_t component = 0; component < 4; ++component)
+        EXPECT_EQ(sources.colors[c][static_cast<int>(component)], cache.colors[i * 4 + component]);
 }
 
 } // namespace
 
-TEST(RenderCache, HoldsOnlyWhatIsAskedFor) {
+TEST(RenderCache, HoldsOnlyWhatIsAskedForUntilCleanup) {
     const Cache bare(__mGraphics_create_render_cache(2, 3, false, false, false, false));
     EXPECT_NE(nullptr, bare->positions);
-    EXPECT_EQ(nullptr, bare->normals);
-    EXPECT_EQ(nullptr, bare->tangents);
-    EXPECT_EQ(nullptr, bare->texcoords);
-    EXPECT_EQ(nullptr, bare->colors);
-    EXPECT_EQ(2U, bare->poly_count);
-    EXPECT_EQ(3U, bare->verts_per_poly);
-
     const Cache textured(__mGraphics_create_render_cache(0, 4, true, false, false, false));
     EXPECT_NE(nullptr, textured->texcoords);
     EXPECT_EQ(nullptr, textured->normals);
+
+    __mGraphics_render_cache_cleanup(bare.get());
+    __mGraphics_render_cache_cleanup(bare.get());
+    for (const float* array :
+         {bare->positions, bare->normals, bare->tangents, bare->texcoords, bare->colors})
+        EXPECT_EQ(nullptr, array);
+    EXPECT_EQ(2U, bare->poly_count);
 }
 
 TEST(RenderCache, CountsBeyondMemoryFailAsTheAllocatorDoes) {
     constexpr std::uint32_t most = std::numeric_limits<std::uint32_t>::max();
-    // Its four-float entries alone would wrap to a short array.
+    // The product with 2^30 alone fits; its entries of four floats would wrap to a short array.
     for (const std::uint32_t corners : {most, 1U << 30})
         EXPECT_THROW(__mGraphics_create_render_cache(most, corners, true, true, true, true),
                      std::bad_alloc);
@@ -132,22 +115,21 @@ TEST(RenderCache, UnrollsVertsAndPolysLikeThePlainRule) {
             cache.colors = cache.texcoords + corners * 2 + 1;
             cache.poly_count = polys;
             cache.verts_per_poly = 3;
-            __mGraphics_modify_render_cache_from_verts(
-                &cache, sources.positions.data(), sources.texcoords.data(), sources.normals.data(),
-                sources.colors.data());
+            sources.fill(cache);
             for (std::size_t i = 0; i < corners; ++i)
                 expect_entry(cache, i, sources, i, i, i, i);
 
-            const auto elements = static_cast<std::uint32_t>(corners);
-            const Indices p = random_indices(corners, elements, 1);
-            const Indices t = random_indices(corners, elements, 2);
-            const Indices n = random_indices(corners, elements, 3);
-            const Indices c = random_indices(corners, elements, 4);
+            std::vector<std::uint32_t> order[4];
+            for (std::uint32_t attribute = 0; attribute < 4; ++attribute)
+                for (std::size_t i = 0; i < corners; ++i)
+                    order[attribute].push_back(
+                        static_cast<std::uint32_t>((i * 40'503 + attribute * 7) % corners));
             __mGraphics_modify_render_cache_from_polys(
                 &cache, sources.positions.data(), sources.texcoords.data(), sources.normals.data(),
-                sources.colors.data(), p.data(), t.data(), n.data(), c.data());
+                sources.colors.data(), order[0].data(), order[1].data(), order[2].data(),
+                order[3].data());
             for (std::size_t i = 0; i < corners; ++i)
-                expect_entry(cache, i, sources, p[i], t[i], n[i], c[i]);
+                expect_entry(cache, i, sources, order[0][i], order[1][i], order[2][i], order[3][i]);
             for (const float* gap : {cache.normals - 1, cache.texcoords - 1, cache.colors - 1,
                                      cache.colors + corners * 4})
                 EXPECT_EQ(UNTOUCHED, *gap);
@@ -155,21 +137,9 @@ TEST(RenderCache, UnrollsVertsAndPolysLikeThePlainRule) {
     }
 }
 
-TEST(RenderCache, TinyValuesRoundToZeroAndColorsAreNotClamped) {
-    const Cache cache = make_cache(1, 1);
-    const cVector3D position(1.0e-50, -1.0, 16777217.0);
-    const cColor color(-2, 7, 0.5F, 1);
-    __mGraphics_modify_render_cache_from_verts(cache.get(), &position, nullptr, nullptr, &color);
-    EXPECT_THAT(floats(cache->positions, 3), ElementsAre(0, -1, 16777216));
-    EXPECT_THAT(floats(cache->colors, 4), ElementsAre(-2, 7, 0.5F, 1));
-    EXPECT_THAT(floats(cache->normals, 3), Each(UNTOUCHED));
-    EXPECT_THAT(floats(cache->texcoords, 2), Each(UNTOUCHED));
-    EXPECT_THAT(floats(cache->tangents, 3), Each(UNTOUCHED));
-}
-
 TEST(RenderCache, FiveCornersTakeTheFirstElement) {
     const Sources sources(2);
-    const Cache cache = make_cache(3, 5);
+    const Cache cache(__mGraphics_create_render_cache(3, 5, true, true, false, true));
     __mGraphics_modify_render_cache_from_polys(
         cache.get(), sources.positions.data(), sources.texcoords.data(), sources.normals.data(),
         sources.colors.data(), nullptr, nullptr, nullptr, nullptr);
@@ -178,55 +148,37 @@ TEST(RenderCache, FiveCornersTakeTheFirstElement) {
 }
 
 TEST(RenderCache, SkipsWhatIsMissing) {
-    const Sources sources(4);
-    const Cache bare(__mGraphics_create_render_cache(1, 4, false, false, false, false));
-    std::fill_n(bare->positions, 12, UNTOUCHED);
-    __mGraphics_modify_render_cache_from_polys(
-        bare.get(), sources.positions.data(), sources.texcoords.data(), sources.normals.data(),
-        sources.colors.data(), nullptr, nullptr, nullptr, nullptr);
-    EXPECT_THAT(floats(bare->positions, 12), Each(UNTOUCHED));
-
-    __mGraphics_modify_render_cache_from_verts(bare.get(), sources.positions.data(),
-                                               sources.texcoords.data(), sources.normals.data(),
-                                               sources.colors.data());
-    expect_vector(sources.positions[3], bare->positions + 9);
-    __mGraphics_modify_render_cache_from_verts(nullptr, sources.positions.data(), nullptr, nullptr,
-                                               nullptr);
+    const cVector3D positions[] = {{1.0e-50, -1.0, 16777217.0}};
+    const Cache cache(__mGraphics_create_render_cache(1, 1, false, true, false, false));
+    std::fill_n(cache->positions, 3, UNTOUCHED);
+    std::fill_n(cache->normals, 3, UNTOUCHED);
+    __mGraphics_modify_render_cache_from_polys(cache.get(), positions, nullptr, positions, nullptr,
+                                               nullptr, nullptr, nullptr, nullptr);
+    EXPECT_THAT(floats(cache->positions, 3), Each(UNTOUCHED));
+    __mGraphics_modify_render_cache_from_verts(cache.get(), positions, nullptr, nullptr,
+                                               &quillon::WHITE);
+    EXPECT_THAT(floats(cache->positions, 3), ElementsAre(0, -1, 16777216));
+    EXPECT_THAT(floats(cache->normals, 3), Each(UNTOUCHED));
 }
 
 TEST(RenderCache, CopiesWhatTheDestinationHolds) {
     const Sources sources(6);
-    const Cache full = make_cache(2, 3);
-    __mGraphics_modify_render_cache_from_verts(full.get(), sources.positions.data(),
-                                               sources.texcoords.data(), sources.normals.data(),
-                                               sources.colors.data());
-    const Cache plain(__mGraphics_create_render_cache(3, 4, true, true, true, false));
-    __mGraphics_copy_render_cache(nullptr, plain.get(), full.get());
-    EXPECT_EQ(floats(full->positions, 18), floats(plain->positions, 18));
-    EXPECT_EQ(floats(full->normals, 18), floats(plain->normals, 18));
-    EXPECT_EQ(floats(full->tangents, 18), floats(plain->tangents, 18));
-    EXPECT_EQ(floats(full->texcoords, 12), floats(plain->texcoords, 12));
-    EXPECT_EQ(nullptr, plain->colors);
-    EXPECT_EQ(3U, plain->poly_count);
-    EXPECT_EQ(4U, plain->verts_per_poly);
+    const Cache full(__mGraphics_create_render_cache(2, 3, true, true, true, true));
+    sources.fill(*full);
+    std::fill_n(full->tangents, 18, 4.0F);
+    const Cache larger(__mGraphics_create_render_cache(3, 4, true, true, true, false));
+    __mGraphics_copy_render_cache(nullptr, larger.get(), full.get());
+    EXPECT_EQ(floats(full->positions, 18), floats(larger->positions, 18));
+    EXPECT_EQ(floats(full->normals, 18), floats(larger->normals, 18));
+    EXPECT_EQ(floats(full->tangents, 18), floats(larger->tangents, 18));
+    EXPECT_EQ(floats(full->texcoords, 12), floats(larger->texcoords, 12));
+    EXPECT_EQ(3U, larger->poly_count);
+    EXPECT_EQ(4U, larger->verts_per_poly);
 
-    const Cache colored = make_cache(2, 3);
-    __mGraphics_copy_render_cache(nullptr, colored.get(), nullptr);
-    EXPECT_THAT(floats(colored->positions, 18), Each(UNTOUCHED));
     const Cache bare(__mGraphics_create_render_cache(2, 3, false, false, false, false));
-    std::copy_n(full->positions, 18, bare->positions);
-    __mGraphics_copy_render_cache(nullptr, colored.get(), bare.get());
-    EXPECT_EQ(floats(full->positions, 18), floats(colored->positions, 18));
-    EXPECT_THAT(floats(colored->colors, 24), Each(UNTOUCHED));
-}
-
-TEST(RenderCache, CleanupTwiceIsHarmless) {
-    const Cache cache = make_cache(2, 3);
-    for (int i = 0; i < 2; ++i) {
-        __mGraphics_render_cache_cleanup(cache.get());
-        for (const float* array :
-             {cache->positions, cache->normals, cache->tangents, cache->texcoords, cache->colors})
-            EXPECT_EQ(nullptr, array);
-    }
-    EXPECT_EQ(2U, cache->poly_count);
+    std::fill_n(bare->positions, 18, 5.0F);
+    __mGraphics_copy_render_cache(nullptr, full.get(), nullptr);
+    __mGraphics_copy_render_cache(nullptr, full.get(), bare.get());
+    EXPECT_THAT(floats(full->positions, 18), Each(5));
+    expect_floats(sources.normals[5], full->normals + 15);
 }
