@@ -98,14 +98,13 @@ template <class Stores, class Source, class Element>
 void unroll_by(float* array, const Source* source, Element element, std::size_t first,
                std::size_t end) {
     constexpr std::size_t width = WIDTH<Source>;
-    std::size_t corner = first;
-    const auto flatten_one = [&] {
+    const auto flatten_one = [=](std::size_t corner) {
         flatten(source[element(corner)], array + corner * width);
-        ++corner;
     };
 
-    while (corner < end && !quillon::platform::is_store_aligned(array + corner * width))
-        flatten_one();
+    std::size_t corner = first;
+    for (; corner < end && !quillon::platform::is_store_aligned(array + corner * width); ++corner)
+        flatten_one(corner);
     for (; end - corner >= GROUP; corner += GROUP) {
         alignas(quillon::platform::STORE_ALIGNMENT) float group[GROUP * width];
         for (std::size_t i = 0; i < GROUP; ++i)
@@ -113,8 +112,8 @@ void unroll_by(float* array, const Source* source, Element element, std::size_t 
         for (std::size_t i = 0; i < GROUP * width; i += 4)
             Stores::put(array + corner * width + i, group + i);
     }
-    while (corner < end)
-        flatten_one();
+    for (; corner < end; ++corner)
+        flatten_one(corner);
 }
 
 // The same where both arrays exist, by the stores that suit a cache of `total` corners.
