@@ -121,8 +121,9 @@ Float power_of_two_below(Float positive) {
 //
 // Between two powers of two all angles share one unit, so every step there is rounded alike: to the
 // same multiple of that unit, once a first step has settled a tie. That multiple times a number of
-// steps, and what remains, are multiples of the unit too, hence exact. The last step before the
-// lower power of two is left for the next call, since the division may have rounded upward.
+// steps, and what remains, are multiples of the unit too, hence exact. The last step that would
+// stay above the lower power of two is left for the next call: before rounding it may lead below,
+// where the unit is finer.
 template <class Float>
 Float stepped_down(Float angle) {
     const Float floor = power_of_two_below(angle);

@@ -89,7 +89,7 @@ TEST(PhysicsCollision, StopsTheSideThatStruck) {
         {"rests exactly on top", {0, 3, 1, 0}, 0.5, false, {0, 3, 1, 0}, "b"},
         {"leaves upward", {0, 2.75, 0, 1}, 0.5, false, {0, 2.75, 0, 1}, ""},
         {"comes up from below", {0, -2.25, 1, 1}, 0.5, false, {0, -3, 1, 0}, "t"},
-        {"strikes the right side", {5.75, 0, -1, -1}, 0.5, false, {6, 0, 0, -1}, "l"},
+        {"touches the right side", {6, 0, -1, -1}, 0.5, false, {6, 0, 0, -1}, "l"},
         {"strikes the left side", {-5.75, 0, 1, 1}, 0.5, false, {-6, 0, 0, 1}, "r"},
         {"at rest inside: lifted, then lowered", {0, 0, 0, 0}, 0.5, false, {0, -3, 0, 0}, "bt"},
         {"position kept", {0, 2.75, 1, -1}, 0.5, true, {0, 2.75, 1, 0}, "b"},
