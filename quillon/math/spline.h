@@ -39,10 +39,12 @@ QUILLON_API void __cSpline3d_add_control_point(quillon::cSpline3D& s,
 // Set `out` to the path at `t`: on the straight line between two points, or on a cubic Bezier
 // segment whose tangent at a point bisects the directions of its two segments.
 //
-// An open spline stays at its last point beyond the end, and goes on along its first segment's
-// curve below 0, where points before the first are the first. A closed one wraps, with corners at
-// its first and its last point, where tangents are one-sided. A spline without points gives (0, 0,
-// 0). `t` is limited to 2^30 either way; one that is no number gives no numbers.
+// An open spline is its last point beyond the end and its first below -1; between -1 and 0 its
+// first segment goes on. A closed one wraps, with corners at its first and its last point, where
+// tangents are one-sided.
+//
+// A spline without points gives zeros. `t` is limited to 2^30 either way, and one that is no number
+// gives no numbers.
 QUILLON_API void __cSpline3d_get_hard_value(const quillon::cSpline3D& s, quillon::cVector3D& out,
                                             double t);
 QUILLON_API void __cSpline3d_get_smooth_value(const quillon::cSpline3D& s, quillon::cVector3D& out,
