@@ -1,5 +1,6 @@
 #include "quillon/math/quaternion.h"
 
+#include "quillon/math/lanes.h"
 #include "quillon/math/matrix.h"
 #include "quillon/math/text_fields.h"
 #include "quillon/math/trig_tables.h"
@@ -8,9 +9,11 @@
 
 #include <cmath>
 
+using quillon::both;
 using quillon::cMatrix3D;
 using quillon::cQuaternion;
 using quillon::cVector3D;
+using quillon::Pair;
 
 namespace {
 
@@ -138,11 +141,20 @@ void __cQuaternion_subtract(cQuaternion& q, const cQuaternion& b) {
     q.set(q.x - b.x, q.y - b.y, q.z - b.z, q.w - b.w);
 }
 
+// Two components at once. What a pair holds with both signs goes to the first component as it is
+// and to the second negated.
 void __cQuaternion_multiply(cQuaternion& q, const cQuaternion& b) {
-    q.set(q.x * b.w + q.y * b.z - q.z * b.y + q.w * b.x,
-          -q.x * b.z + q.y * b.w + q.z * b.x + q.w * b.y,
-          q.x * b.y - q.y * b.x + q.z * b.w + q.w * b.z,
-          -q.x * b.x - q.y * b.y - q.z * b.z + q.w * b.w);
+    const Pair qx{q.x, -q.x};
+    const Pair qy = both(q.y);
+    const Pair qz{q.z, -q.z};
+    const Pair qw = both(q.w);
+    const Pair xy{b.x, b.y};
+    const Pair yx{b.y, b.x};
+    const Pair zw{b.z, b.w};
+    const Pair wz{b.w, b.z};
+    const Pair first = qx * wz + qy * zw - qz * yx + qw * xy;
+    const Pair second = qx * yx - qy * xy + qz * wz + qw * zw;
+    q.set(first[0], first[1], second[0], second[1]);
 }
 
 void __cQuaternion_from_string(cQuaternion& q, const char* text) {
