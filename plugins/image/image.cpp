@@ -140,7 +140,10 @@ bool save_bitmap(const char* name, std::uint16_t width, std::uint16_t height,
 
 Picture make_picture(std::uint32_t width, std::uint32_t height) {
     if (width > MAX_SIDE || height > MAX_SIDE || std::uint64_t{width} * height > MAX_PIXELS)
-        throw std::runtime_error("the picture is larger than this plug-in reads");
+        throw std::runtime_error(
+            "the picture is larger than this plug-in reads: " + std::to_string(width) + " x " +
+            std::to_string(height) + " pixels, where " + std::to_string(MAX_SIDE) + " a side and " +
+            std::to_string(MAX_PIXELS) + " in all are the most");
     const std::size_t bytes = std::size_t{width} * height * 4;
     return {static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(height),
             std::make_unique_for_overwrite<std::uint8_t[]>(bytes)};

@@ -75,7 +75,8 @@ void guarded(Session& session, Step step) {
 void read_header(Reader& reader) {
     guarded(reader, [&reader] {
         png_set_read_fn(reader.png, &reader, on_read);
-        png_set_user_limits(reader.png, MAX_SIDE, MAX_SIDE);
+        // make_picture refuses what is too large, in clearer words.
+        png_set_user_limits(reader.png, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
         // Texts, profiles and the like can be large once unpacked, and nothing here reads them.
         png_set_keep_unknown_chunks(reader.png, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
         png_read_info(reader.png, reader.info);

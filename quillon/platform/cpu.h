@@ -3,7 +3,8 @@
 
 namespace quillon::platform {
 
-#if defined(__x86_64__) && !defined(QUILLON_NO_AVX2)
+// Not on Windows: GCC aligns stacks to 16 bytes there, and spills AVX registers as if it were 32.
+#if defined(__x86_64__) && !defined(_WIN32) && !defined(QUILLON_NO_AVX2)
 
 template <auto kernel, typename... Arguments>
 [[gnu::target("avx2")]] void run_with_avx2(Arguments... arguments) {

@@ -1,0 +1,178 @@
+// `quillon palette [OUT]`
+#include "canvas.h"
+#include "color_text.h"
+#include "command.h"
+#include "quillon/appearance/color_names.h"
+#include "quillon/appearance/gradient.h"
+#include "quillon/appearance/material_names.h"
+#include "quillon/math/vector.h"
+
+#include <CLI/CLI.hpp>
+#include <cmath>
+#include <iomanip>
+#include <iostream>
+
+namespace tool {
+namespace {
+
+using quillon::cColor;
+using quillon::cMaterial;
+
+constexpr int MARGIN = 16;
+constexpr int WIDTH = 1016;
+constexpr int TITLE_HEIGHT = 26;
+constexpr int LABEL_HEIGHT = 12;
+
+constexpr int COLOR_COLUMNS = 9;
+constexpr int COLOR_WIDTH = (WIDTH - 2 * MARGIN) / COLOR_COLUMNS;
+constexpr int COLOR_HEIGHT = 46;
+
+constexpr int GRADIENT_HEIGHT = 24;
+constexpr int GRADIENT_LABEL_WIDTH = 90;
+
+constexpr int MATERIAL_COLUMNS = 7;
+constexpr int MATERIAL_WIDTH = (WIDTH - 2 * MARGIN) / MATERIAL_COLUMNS;
+constexpr int MATERIAL_HEIGHT = 104;
+constexpr int BALL_RADIUS = 40;
+
+constexpr cColor BACKGROUND(0.13F, 0.13F, 0.15F, 1);
+constexpr cColor INK(0.85F, 0.85F, 0.85F, 1);
+
+constexpr int rows_of(std::size_t count, int columns) {
+    return (static_cast<int>(count) + columns - 1) / columns;
+}
+
+// A chequered ground, on which transparency shows.
+void chequer(Canvas& canvas, int x, int y, int width, int height) {
+    constexpr int SQUARE = 6;
+    for (int row = 0; row < height; ++row)
+        for (int column = 0; column < width; ++column)
+            canvas.blend(x + column, y + row,
+                         (row / SQUARE + column / SQUARE) % 2 == 0 ? quillon::GREY
+                                                                   : quillon::CHARCOAL);
+}
+
+int draw_title(Canvas& canvas, int y, const std::string& text) {
+    canvas.write(MARGIN, y + 8, text, quillon::WHITE);
+    return y + TITLE_HEIGHT;
+}
+
+int draw_colors(Canvas& canvas, int y) {
+    int index = 0;
+    for (const auto& [name, color] : quillon::NAMED_COLORS) {
+        const int left = MARGIN + index % COLOR_COLUMNS * COLOR_WIDTH;
+        const int top = y + index / COLOR_COLUMNS * COLOR_HEIGHT;
+        chequer(canvas, left, top, COLOR_WIDTH - 8, COLOR_HEIGHT - LABEL_HEIGHT - 8);
+        canvas.fill(left, top, COLOR_WIDTH - 8, COLOR_HEIGHT - LABEL_HEIGHT - 8, color);
+        canvas.write(left, top + COLOR_HEIGHT - LABEL_HEIGHT - 4, std::string(name), INK);
+        ++index;
+    }
+    return y + rows_of(quillon::NAMED_COLORS.size(), COLOR_COLUMNS) * COLOR_HEIGHT;
+}
+
+int draw_gradients(Canvas& canvas, int y) {
+    constexpr int LEFT = MARGIN + GRADIENT_LABEL_WIDTH;
+    constexpr int BAR_WIDTH = WIDTH - MARGIN - LEFT;
+    for (const std::string_view name : quillon::GRADIENT_NAMES) {
+        const quillon::cGradient* gradient = __nsGradient_gradient_table(std::string(name));
+        chequer(canvas, LEFT, y, BAR_WIDTH, GRADIENT_HEIGHT - 6);
+        for (int x = 0; x < BAR_WIDTH; ++x)
+            canvas.fill(LEFT + x, y, 1, GRADIENT_HEIGHT - 6,
+                        gradient->function(static_cast<float>(x) / (BAR_WIDTH - 1)));
+        canvas.write(MARGIN, y + 5, std::string(name), INK);
+        y += GRADIENT_HEIGHT;
+    }
+    return y;
+}
+
+// A point of a ball, lit from above on the left; (x, y) of the unit circle, y downwards. Phong's
+// model with the light's half vector.
+cColor lit(const cMaterial& material, float x, float y) {
+    const quillon::cVector3D normal(x, -y, std::sqrt(std::max(0.0F, 1 - x * x - y * y)));
+    const quillon::cVector3D light = quillon::cVector3D(-0.5, 0.6, 0.8).normalized();
+    const quillon::cVector3D half = (light + quillon::cVector3D(0, 0, 1)).normalized();
+    const auto diffuse = static_cast<float>(std::max(0.0, normal.dot(light)));
+    const auto specular =
+        static_cast<float>(std::pow(std::max(0.0, normal.dot(half)), material.shininess));
+    cColor color = material.diffuse;
+    for (int channel = 0; channel < 3; ++channel)
+        color[channel] = 0.3F * material.ambient[channel] + diffuse * material.diffuse[channel] +
+                         (diffuse > 0 ? specular : 0) * material.specular[channel];
+    return color;
+}
+
+void draw_ball(Canvas& canvas, int centre_x, int centre_y, const cMaterial& material) {
+    for (int y = -BALL_RADIUS; y <= BALL_RADIUS; ++y)
+        for (int x = -BALL_RADIUS; x <= BALL_RADIUS; ++x)
+            if (x * x + y * y <= BALL_RADIUS * BALL_RADIUS)
+                canvas.blend(centre_x + x, centre_y + y,
+                             lit(material, static_cast<float>(x) / BALL_RADIUS,
+                                 static_cast<float>(y) / BALL_RADIUS));
+}
+
+int draw_materials(Canvas& canvas, int y) {
+    int index = 0;
+    for (const auto& [name, material] : quillon::NAMED_MATERIALS) {
+        const int left = MARGIN + index % MATERIAL_COLUMNS * MATERIAL_WIDTH;
+        const int top = y + index / MATERIAL_COLUMNS * MATERIAL_HEIGHT;
+        draw_ball(canvas, left + BALL_RADIUS, top + BALL_RADIUS, material);
+        canvas.write(left, top + 2 * BALL_RADIUS + 6, std::string(name), INK);
+        ++index;
+    }
+    return y + rows_of(quillon::NAMED_MATERIALS.size(), MATERIAL_COLUMNS) * MATERIAL_HEIGHT;
+}
+
+ExitCode draw_palette(const std::string& file) {
+    constexpr int HEIGHT =
+        3 * TITLE_HEIGHT + rows_of(quillon::NAMED_COLORS.size(), COLOR_COLUMNS) * COLOR_HEIGHT +
+        static_cast<int>(quillon::GRADIENT_NAMES.size()) * GRADIENT_HEIGHT +
+        rows_of(quillon::NAMED_MATERIALS.size(), MATERIAL_COLUMNS) * MATERIAL_HEIGHT;
+    open_graphics();
+    Canvas canvas(WIDTH, HEIGHT, BACKGROUND);
+    int y = draw_colors(canvas, draw_title(canvas, 0, "Colours"));
+    y = draw_gradients(canvas, draw_title(canvas, y, "Gradients, from 0 to 1"));
+    draw_materials(canvas, draw_title(canvas, y, "Materials"));
+    save_picture(file, canvas.picture());
+    std::cout << file << ": " << WIDTH << " x " << HEIGHT << " pixels\n";
+    return SUCCESS;
+}
+
+// A row of the printed tables: columns of equal width.
+void print_cells(const std::vector<std::string>& cells) {
+    for (std::size_t i = 0; i + 1 < cells.size(); ++i)
+        std::cout << std::left << std::setw(27) << cells[i];
+    std::cout << cells.back() << '\n';
+}
+
+ExitCode print_palette() {
+    print_cells({"colour", "red#green#blue#alpha#"});
+    for (const auto& [name, color] : quillon::NAMED_COLORS)
+        print_cells({std::string(name), text_of(color)});
+    std::cout << '\n';
+    print_cells({"gradient", "at 0", "at 0.5", "at 1"});
+    for (const std::string_view name : quillon::GRADIENT_NAMES) {
+        const auto at = [&](float t) {
+            return text_of(__nsGradient_gradient_table(std::string(name))->function(t));
+        };
+        print_cells({std::string(name), at(0), at(0.5F), at(1)});
+    }
+    std::cout << '\n';
+    print_cells({"material", "ambient", "diffuse", "specular", "shininess"});
+    for (const auto& [name, material] : quillon::NAMED_MATERIALS) {
+        std::ostringstream shininess;
+        shininess << material.shininess;
+        print_cells({std::string(name), text_of(material.ambient), text_of(material.diffuse),
+                     text_of(material.specular), shininess.str()});
+    }
+    return SUCCESS;
+}
+
+} // namespace
+
+Action declare_palette(CLI::App& app) {
+    auto file = std::make_shared<std::string>();
+    app.add_option("OUT", *file, "The picture to save; without it the palette is printed as text");
+    return [file] { return file->empty() ? print_palette() : draw_palette(*file); };
+}
+
+} // namespace tool
