@@ -1,15 +1,13 @@
 // Picture files of every kind, made for the tests; a failure to make one ends the program.
 #pragma once
 
-#include <cstdint>
+#include "image_plugin.h"
+
 #include <functional>
-#include <vector>
 
 #include <cstdio>
 #include <jpeglib.h>
 #include <png.h>
-
-using Bytes = std::vector<std::uint8_t>;
 
 struct PngKind {
     std::uint32_t width;

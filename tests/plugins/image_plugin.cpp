@@ -3,12 +3,9 @@
 #include "plugins/image/image.h"
 #include "quillon/platform/loader.h"
 
-#include <cstdlib>
+#include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <memory>
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -17,20 +14,6 @@ Function* image_function(const char* name) {
     static void* const library = quillon::platform::load_library(IMAGE_FILE);
     return reinterpret_cast<Function*>(quillon::platform::find_function(library, name));
 }
-
-struct ScratchFolder {
-    ScratchFolder() : path((fs::temp_directory_path() / "quillon-XXXXXX").string()) {
-        if (mkdtemp(path.data()) == nullptr)
-            std::abort();
-    }
-
-    ScratchFolder(const ScratchFolder&) = delete;
-    ScratchFolder& operator=(const ScratchFolder&) = delete;
-
-    ~ScratchFolder() { fs::remove_all(path); }
-
-    std::string path;
-};
 
 } // namespace
 
@@ -61,22 +44,11 @@ Loaded load_image(const std::string& file) {
     return loaded;
 }
 
-Loaded load_image_bytes(const std::vector<std::uint8_t>& bytes) {
-    const std::string name = scratch_file("bytes");
+Loaded load_image_bytes(const Bytes& bytes) {
     // Some file systems wait for the disk when a file is truncated and written again.
-    fs::remove(name);
-    std::ofstream(name, std::ios::binary)
+    std::filesystem::remove("bytes");
+    std::ofstream("bytes", std::ios::binary)
         .write(reinterpret_cast<const char*>(bytes.data()),
                static_cast<std::streamsize>(bytes.size()));
-    return load_image(name);
-}
-
-std::vector<std::uint8_t> bytes_of_file(const std::string& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-std::string scratch_file(const std::string& name) {
-    static const ScratchFolder folder;
-    return folder.path + "/" + name;
+    return load_image("bytes");
 }

@@ -4,14 +4,15 @@
 #include "quillon/core/interfaces.h"
 
 #include <cstdint>
-#include <filesystem>
 #include <string>
 #include <vector>
+
+using Bytes = std::vector<std::uint8_t>;
 
 struct Loaded {
     std::uint16_t width = 1;
     std::uint16_t height = 1;
-    std::vector<std::uint8_t> rgba;
+    Bytes rgba;
     bool has_buffer = true;
     std::string error;
 };
@@ -20,9 +21,5 @@ const quillon::GraphicsTable& image_table();
 std::string image_error();
 
 Loaded load_image(const std::string& file);
-Loaded load_image_bytes(const std::vector<std::uint8_t>& bytes);
-
-std::vector<std::uint8_t> bytes_of_file(const std::string& file);
-
-// A name for a file in a folder that is removed when the program ends.
-std::string scratch_file(const std::string& name);
+// Through the file "bytes" of the current directory.
+Loaded load_image_bytes(const Bytes& bytes);
