@@ -19,7 +19,10 @@ std::string text_of(const fs::path& file) {
 TEST(Documents, QuotedExamplesAreTheFiles) {
     const std::string promise = "<!-- quotes ";
     int quotes = 0;
-    for (const fs::directory_entry& document : fs::directory_iterator(SOURCE_FOLDER "/docs")) {
+    for (const fs::directory_entry& document :
+         fs::recursive_directory_iterator(SOURCE_FOLDER "/docs")) {
+        if (document.path().extension() != ".md")
+            continue;
         const std::string text = text_of(document.path());
         for (std::size_t at = text.find(promise); at != std::string::npos;
              at = text.find(promise, at + 1)) {
