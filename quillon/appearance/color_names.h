@@ -71,8 +71,7 @@ namespace quillon {
 
 QUILLON_NAMED_COLORS(QUILLON_COLOR_CONSTANT)
 
-inline constexpr std::array<Named<cColor>, 53> NAMED_COLORS{
-    {QUILLON_NAMED_COLORS(QUILLON_COLOR_ROW)}};
+constexpr std::array<Named<cColor>, 53> NAMED_COLORS{{QUILLON_NAMED_COLORS(QUILLON_COLOR_ROW)}};
 
 #undef QUILLON_COLOR_ROW
 #undef QUILLON_COLOR_CONSTANT

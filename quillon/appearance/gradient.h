@@ -19,8 +19,8 @@ struct cGradient {
 };
 
 // What __nsGradient_gradient_table knows, in table order.
-inline constexpr std::array<std::string_view, 7> GRADIENT_NAMES{
-    "Fade", "Monochrome", "Health", "Mana", "Skin", "Flame", "Hue"};
+constexpr std::array<std::string_view, 7> GRADIENT_NAMES{"Fade", "Monochrome", "Health", "Mana",
+                                                         "Skin", "Flame",      "Hue"};
 
 } // namespace quillon
 
