@@ -157,10 +157,8 @@ public:
 
 private:
     bool advance() {
-        if (parser.state == cson_state_string)
-            return take_run();
         if (parser.type != 0 || parser.state > cson_state_first_element)
-            return step();
+            return parser.state == cson_state_string ? take_run() : step();
         at = skip_white(at, end);
         if (at == end)
             return true;
@@ -262,7 +260,9 @@ private:
         const auto length = static_cast<std::uint32_t>(quote - at - 1);
         at = quote + 1;
         parser.state = cson_state_complete;
-        return accept(builder.string(text, length));
+        if (!accept(builder.string(text, length)))
+            return false;
+        return at == end || !closes_value(*at) || take_behind_value();
     }
 
     bool take_key() {
@@ -273,7 +273,9 @@ private:
         const auto length = static_cast<std::uint32_t>(quote - at - 1);
         at = quote + 1;
         parser.state = cson_state_colon;
-        return accept(builder.key(text, length));
+        if (!accept(builder.key(text, length)))
+            return false;
+        return at == end || *at != ':' || take_colon();
     }
 
     // Single steps report numbers and keywords at the character that closes them; so these are
@@ -286,7 +288,7 @@ private:
     bool accept_closed(int code, bytes_at closing) {
         at = code == cson_OK ? closing : closing + 1;
         parser.state = cson_state_complete;
-        return accept(code);
+        return accept(code) && take_behind_value();
     }
 
     bool take_number() {

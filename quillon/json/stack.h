@@ -48,10 +48,12 @@ public:
 
 private:
     static constexpr const char* tag = "cson_stack";
+    static constexpr std::size_t entry_bytes = sizeof(std::array<Entry, 1>);
 
     bool grow() {
         const bool is_inner = entries == inner.data();
-        void* block = cson_resize(is_inner ? nullptr : entries, capacity * 2 * sizeof(Entry), tag);
+        const std::size_t bytes = capacity * 2 * entry_bytes;
+        void* block = cson_resize(is_inner ? nullptr : entries, bytes, tag);
         if (block == nullptr)
             return false;
         if (is_inner)

@@ -83,7 +83,7 @@ constexpr std::uint32_t many_pairs = 64;
 
 // False if two pairs have the same key, or if there is no memory to tell.
 bool keys_are_unique(const cson_kvp_list& list) {
-    const std::size_t bytes = list.count * sizeof(cson_kvp*);
+    const std::size_t bytes = list.count * sizeof(void*);
     auto* sorted = static_cast<cson_kvp**>(cson_resize(nullptr, bytes, "cson_kvp_list_sorted"));
     if (sorted == nullptr)
         return false;

@@ -37,6 +37,8 @@ public:
         return code;
     }
 
+    static bool quote(bytes_at, std::uint32_t) { return false; }
+
 private:
     cson_sink sink;
     void* state;
@@ -56,6 +58,16 @@ public:
         }
         append(bytes, count);
         return cson_OK;
+    }
+
+    // Adds a quoted run; false, with nothing added, if the buffer would have to grow.
+    bool quote(bytes_at bytes, std::uint32_t count) {
+        if (std::uint64_t{buffer.used} + count + 2 >= buffer.capacity)
+            return false;
+        append("\"", 1);
+        append(bytes, count);
+        append("\"", 1);
+        return true;
     }
 
     // Grows where single bytes would have made it grow.
@@ -90,17 +102,30 @@ private:
         return cson_buffer_reserve_bytes(&buffer, static_cast<std::uint32_t>(capacity));
     }
 
-    // Most pieces have a byte or two, for which a call would take longer than the copy.
     void append(const void* bytes, std::uint32_t count) {
-        unsigned char* target = buffer.mem + buffer.used;
-        const auto* source = static_cast<bytes_at>(bytes);
-        if (count <= 2) {
+        copy(buffer.mem + buffer.used, static_cast<bytes_at>(bytes), count);
+        buffer.used += count;
+    }
+
+    // Most pieces are so short that a call would take longer than the copy.
+    static void copy(unsigned char* target, bytes_at source, std::uint32_t count) {
+        if (count > 16) {
+            std::memcpy(target, source, count);
+        } else if (count >= 8) {
+            copy_ends<8>(target, source, count);
+        } else if (count >= 4) {
+            copy_ends<4>(target, source, count);
+        } else {
             for (std::uint32_t i = 0; i < count; ++i)
                 target[i] = source[i];
-        } else {
-            std::memcpy(target, source, count);
         }
-        buffer.used += count;
+    }
+
+    // Copies the first and the last `Size` bytes, which may overlap.
+    template <std::size_t Size>
+    static void copy_ends(unsigned char* target, bytes_at source, std::uint32_t count) {
+        std::memcpy(target, source, Size);
+        std::memcpy(target + count - Size, source + count - Size, Size);
     }
 
     cson_buffer& buffer;
@@ -176,6 +201,8 @@ int write_quoted(Output& output, const char* text, std::uint32_t length, bool es
         return write_piece(output, "\"\"");
     auto at = reinterpret_cast<bytes_at>(text);
     const bytes_at end = at + length;
+    if (skip_raw(at, end, escape_slashes) == end && output.quote(at, length))
+        return cson_OK;
     int code = write_piece(output, "\"");
     while (code == cson_OK && at < end && *at != 0) {
         const bytes_at stop = skip_raw(at, end, escape_slashes);
@@ -319,11 +346,10 @@ private:
     }
 
     int write_comma(bool indent) {
+        if (!indent)
+            return output.run(reinterpret_cast<bytes_at>(", "), 2);
         const int code = write_piece(output, ",");
-        if (code != cson_OK)
-            return code;
-        return indent ? write_line_break(output, options.indentation, level())
-                      : write_piece(output, " ");
+        return code == cson_OK ? write_line_break(output, options.indentation, level()) : code;
     }
 
     int write_element(const cson_value* element) {
