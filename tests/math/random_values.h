@@ -72,4 +72,28 @@ testing::AssertionResult close_to(const Object& a, const Object& b, int count, d
     return testing::AssertionSuccess();
 }
 
+// With the tables up, and numbers to work on.
+class Rotations : public testing::Test {
+protected:
+    static void SetUpTestSuite() { __init_trig_tables(); }
+
+    static void TearDownTestSuite() { __clear_trig_tables(); }
+
+    // `multiply` gives the bits that `plainly` gives, also for an object times itself.
+    template <class Object, class Draw>
+    void compare_products(void (*multiply)(Object&, const Object&),
+                          void (*plainly)(Object&, const Object&), Draw draw, int components) {
+        for (int i = 0; i < 20000; ++i) {
+            Object product = draw();
+            const Object b = i % 8 == 0 ? product : draw();
+            Object expected = product;
+            plainly(expected, b);
+            multiply(product, i % 8 == 0 ? product : b);
+            ASSERT_TRUE(same_bits(expected, product, components)) << i;
+        }
+    }
+
+    Numbers numbers;
+};
+
 } // namespace quillon

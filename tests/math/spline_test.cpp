@@ -111,15 +111,6 @@ TEST(Spline3D, WholeParametersGiveThePoints) {
     }
 }
 
-TEST(Spline3D, StraightPointsGiveAStraightPath) {
-    const cVector3D far = b * 4.0;
-    const cSpline3D s(false, &a, &b, &far);
-    for (double t = 0.0; t <= 2.0; t += 0.1) {
-        const cVector3D v = value_at(__cSpline3d_get_smooth_value, s, t);
-        EXPECT_NEAR(0.0, v.cross(b).length(), 1e-14) << t;
-    }
-}
-
 TEST(Spline3D, NoParameterAndNoSplineReadsOutsideTheArray) {
     constexpr double infinity = std::numeric_limits<double>::infinity();
     const cSpline3D none;
