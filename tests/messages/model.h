@@ -19,6 +19,15 @@ public:
     std::function<void(int observer, int message)> receive;
     std::function<void(int message)> destroyed;
 
+    Model() = default;
+    Model(const Model&) = delete;
+    Model& operator=(const Model&) = delete;
+
+    // What still waits is not destroyed by the router either.
+    ~Model() {
+        destroyed = [](int) {};
+    }
+
     bool enlist(int observer, std::uint32_t type) { return enlist_in(boxes[type], observer); }
 
     bool enlist_for_anything(int observer) { return enlist_in(anything, observer); }
@@ -46,8 +55,7 @@ public:
 
     int post_delayed(std::uint32_t type, int message, float delay) {
         const std::shared_ptr<int> holder(new int(message), [this](int* number) {
-            if (!dying)
-                destroyed(*number);
+            destroyed(*number);
             delete number;
         });
         boxes[type].queue.push_back({holder, delay});
@@ -69,8 +77,6 @@ public:
         }
         inWork = nullptr;
     }
-
-    bool dying = false;
 
 private:
     struct Entry {

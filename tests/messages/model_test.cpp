@@ -106,7 +106,6 @@ TEST(RouterModel, AgreesOverAMillionOperations) {
             on_model.step();
             ASSERT_EQ(on_model.log, on_router.log) << "seed " << seed << ", step " << step;
         }
-        model.dying = true;
     }
 }
 
