@@ -5,6 +5,8 @@
 #include "quillon/json/stack.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
 #include <string_view>
 
 namespace quillon {
@@ -99,6 +101,15 @@ bool keys_are_unique(const cson_kvp_list& list) {
 
 class copier {
 public:
+    copier() = default;
+    copier(const copier&) = delete;
+    copier& operator=(const copier&) = delete;
+
+    ~copier() {
+        for (const known_key& known : known_keys)
+            cson_value_release(known.copy);
+    }
+
     // The copy, or null.
     cson_value* copy(const cson_value* source) {
         cson_value* root = begin(source);
@@ -119,6 +130,26 @@ private:
         std::uint32_t next;
         bool unique_keys;
     };
+
+    // A key that was copied lately, with an owner of its own: many pairs share one.
+    struct known_key {
+        const cson_value* source;
+        cson_value* copy;
+    };
+
+    cson_value* copy_key(const cson_value* source) {
+        const auto address = reinterpret_cast<std::uintptr_t>(source);
+        known_key& known = known_keys[address / sizeof(cson_value) % known_keys.size()];
+        if (known.source == source)
+            return known.copy;
+        cson_value* made = copy_scalar(source);
+        if (made == nullptr)
+            return nullptr;
+        cson_value_release(known.copy);
+        known = {source, made};
+        cson_count_owner(made);
+        return made;
+    }
 
     // Copies a scalar, or opens a container of the same capacity for its entries.
     cson_value* begin(const cson_value* source) {
@@ -207,11 +238,10 @@ private:
         const cson_kvp* pair = source.items[index];
         if (pair == nullptr || pair->key == nullptr)
             return true;
-        cson_value* key = copy_scalar(pair->key);
+        cson_value* key = copy_key(pair->key);
         cson_value* member = key != nullptr ? begin(pair->value) : nullptr;
         if (member != nullptr && store(target, key, member, unique_keys))
             return true;
-        cson_value_release(key);
         cson_value_release(member);
         return false;
     }
@@ -224,6 +254,7 @@ private:
 
     cson_pool pool;
     cson_stack<frame> open;
+    std::array<known_key, 64> known_keys = {};
 };
 
 // --- Combine -----------------------------------------------------------------------------------
