@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <string>
 #include <string_view>
 
 namespace quillon::input_sdl {
@@ -37,6 +38,18 @@ std::int16_t mouse_code(Uint8 button) {
     }
 }
 
+// The Wayland client library complains on standard error, past SDL, where it has no folder to look
+// for a display in. A driver that the user chose by SDL's own variable is tried all the same.
+void skip_wayland_without_its_folder() {
+    if (SDL_getenv("XDG_RUNTIME_DIR") != nullptr)
+        return;
+    std::string drivers;
+    for (int i = 0; i < SDL_GetNumVideoDrivers(); ++i)
+        if (const std::string driver = SDL_GetVideoDriver(i); driver != "wayland")
+            drivers += (drivers.empty() ? "" : ",") + driver;
+    SDL_SetHint(SDL_HINT_VIDEODRIVER, drivers.c_str());
+}
+
 } // namespace
 
 bool Device::open() {
@@ -53,6 +66,7 @@ bool Device::open() {
 }
 
 bool Device::open_display() {
+    skip_wayland_without_its_folder();
     if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0)
         return fail(SDL_GetError());
     const std::string_view driver = SDL_GetCurrentVideoDriver();

@@ -14,7 +14,7 @@ namespace quillon {
 //
 // The library gives the values no meaning of its own.
 // Flat form: 20 bytes, the fields in their order.
-class cMaterial final : cSerializable {
+class cMaterial final : public cSerializable {
 public:
     cColor ambient;
     cColor diffuse;
