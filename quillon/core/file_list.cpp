@@ -32,7 +32,7 @@ public:
         auto text = std::make_unique<char[]>(name.size() + 1);
         std::memcpy(text.get(), name.c_str(), name.size() + 1);
         *end = new cFileListEntry{text.get(), nullptr};
-        text.release();
+        static_cast<void>(text.release());
         end = &(*end)->next;
     }
 
@@ -76,7 +76,7 @@ void modFileOperations::collect_files(const std::string& folder, DSParray<std::s
     for (; chain != nullptr; Chain::drop_first(chain)) {
         auto name = std::make_unique<std::string>(chain->name);
         names.add(name.get(), DSP_APPEND);
-        name.release();
+        static_cast<void>(name.release());
     }
 }
 

@@ -39,7 +39,7 @@ std::unique_ptr<cPlugin> load_plugin(const std::string& path) {
     if (std::ranges::find(entry_points, nullptr) != std::end(entry_points))
         return nullptr;
     auto plugin = std::make_unique<cPlugin>(library.get(), entry_points);
-    library.release();
+    static_cast<void>(library.release());
     return plugin;
 }
 
@@ -144,7 +144,7 @@ void __mCore_parse_folder_for_plugins(const char* folder) {
             continue;
         }
         plugins().add(plugin.get(), DSP_APPEND);
-        plugin.release();
+        static_cast<void>(plugin.release());
         run_end_of_life_before_exit_handlers();
     }
 }
