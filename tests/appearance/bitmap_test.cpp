@@ -1,3 +1,4 @@
+#include "bench/appearance/plain_filters.h"
 #include "quillon/appearance/bitmap.h"
 #include "quillon/appearance/color_names.h"
 #include "quillon/appearance/filters.h"
@@ -5,7 +6,6 @@
 #include "quillon/core/modules.h"
 #include "tests/appearance/expect_color.h"
 #include "tests/appearance/guarded_bitmap.h"
-#include "tests/appearance/plain_filters.h"
 
 #include <gmock/gmock.h>
 

