@@ -74,6 +74,7 @@ bool __cBitmap_save(std::string name, std::uint16_t width, std::uint16_t height,
                     std::uint8_t* pixels) {
     return __mGraphics_instance()->save_bitmap(name, width, height, pixels);
 }
+
 // NOLINTEND(performance-unnecessary-value-param)
 
 void __cBitmap_get_pixel(quillon::cColor& out, const std::uint8_t* pixels, std::int32_t index) {

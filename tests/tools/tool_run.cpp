@@ -17,9 +17,9 @@ std::string take_file(const std::string& name) {
 
 } // namespace
 
-ToolRun run_tool(const std::string& arguments) {
+ToolRun run_tool(const std::string& arguments, const std::string& environment) {
     // A redirection among the arguments stands last and so wins.
-    const std::string line = "> tool.out 2> tool.err " TOOL_FILE " " + arguments;
+    const std::string line = environment + " > tool.out 2> tool.err " TOOL_FILE " " + arguments;
     const int status = std::system(line.c_str());
     const int code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     return {code, take_file("tool.out"), take_file("tool.err")};

@@ -9,5 +9,6 @@ struct ToolRun {
     std::string error;
 };
 
-// `arguments` goes through the shell, and the current directory is the tool's.
-ToolRun run_tool(const std::string& arguments);
+// `arguments` goes through the shell, and the current directory is the tool's. `environment` holds
+// assignments, as the shell takes them before a command.
+ToolRun run_tool(const std::string& arguments, const std::string& environment = "");
