@@ -5,15 +5,11 @@
 #include <algorithm>
 #include <array>
 #include <string>
-#include <type_traits>
 
 using quillon::cColor;
 using quillon::cLight;
 using quillon::cMaterial;
 
-static_assert(!std::is_convertible_v<cColor*, quillon::cSerializable*>);
-static_assert(!std::is_convertible_v<cLight*, quillon::cSerializable*>);
-static_assert(!std::is_convertible_v<cMaterial*, quillon::cSerializable*>);
 static_assert(!std::has_virtual_destructor_v<cMaterial>);
 
 namespace {
