@@ -37,7 +37,7 @@ constexpr std::uint8_t wrapped_byte_from_component(float component) {
 //
 // Flat form: r, g, b, a as one byte each, clamped to 0 to 1, 4 bytes.
 // An index outside 0 to 3 refers to a scratch zero, which is shared and belongs to no colour.
-class cColor : public cSerializable {
+class cColor : cSerializable {
 public:
     float r;
     float g;

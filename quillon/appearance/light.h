@@ -13,7 +13,7 @@ namespace quillon {
 //
 // The library gives the values no meaning of its own.
 // Flat form: 61 bytes, the fields in their order.
-class cLight final : public cSerializable {
+class cLight final : cSerializable {
 public:
     cColor diffuse = WHITE;
     cColor specular = WHITE;

@@ -14,7 +14,7 @@ namespace quillon {
 //
 // The library gives the values no meaning of its own.
 // Flat form: 20 bytes, the fields in their order.
-class cMaterial final : public cSerializable {
+class cMaterial final : cSerializable {
 public:
     cColor ambient;
     cColor diffuse;

@@ -10,6 +10,11 @@ using quillon::cColor;
 using quillon::cLight;
 using quillon::cMaterial;
 
+// The contract is theirs alone: callers use the operations, and convert nothing.
+static_assert(!std::is_convertible_v<cColor*, quillon::cSerializable*>);
+static_assert(!std::is_convertible_v<cLight*, quillon::cSerializable*>);
+static_assert(!std::is_convertible_v<cMaterial*, quillon::cSerializable*>);
+
 static_assert(!std::has_virtual_destructor_v<cMaterial>);
 
 namespace {
