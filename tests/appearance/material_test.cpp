@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <string>
+#include <type_traits>
 
 using quillon::cColor;
 using quillon::cLight;
