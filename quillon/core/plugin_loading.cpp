@@ -29,15 +29,19 @@ struct ReleaseLibrary {
     void operator()(void* library) const { platform::release_library(library); }
 };
 
-// The plug-in in the file, or null if it does not load or lacks an entry point.
-std::unique_ptr<cPlugin> load_plugin(const std::string& path) {
+// The plug-in in the file, or null, with a line that says so, if it does not load or lacks an entry
+// point.
+std::unique_ptr<cPlugin> load_plugin(const char* folder, const std::string& name) {
+    const std::string path = std::string(folder) + "/" + name;
     std::unique_ptr<void, ReleaseLibrary> library(platform::load_library(path));
     void* entry_points[std::size(ENTRY_POINTS)];
-    std::ranges::transform(ENTRY_POINTS, entry_points, [&library](const char* name) {
-        return platform::find_function(library.get(), name);
+    std::ranges::transform(ENTRY_POINTS, entry_points, [&library](const char* entry_point) {
+        return platform::find_function(library.get(), entry_point);
     });
-    if (std::ranges::find(entry_points, nullptr) != std::end(entry_points))
+    if (std::ranges::find(entry_points, nullptr) != std::end(entry_points)) {
+        std::printf("ERROR: Attempt to load module %s failed\n", name.c_str());
         return nullptr;
+    }
     auto plugin = std::make_unique<cPlugin>(library.get(), entry_points);
     static_cast<void>(library.release());
     return plugin;
@@ -137,12 +141,9 @@ void __mCore_parse_folder_for_plugins(const char* folder) {
     DSParray<std::string> names(false);
     __mFileOps_instance()->collect_files(folder, names, platform::LIBRARY_EXTENSION);
     for (std::uint32_t i = 0; i < names.count(); ++i) {
-        const std::string& name = *names.get(i);
-        std::unique_ptr<cPlugin> plugin = load_plugin(std::string(folder) + "/" + name);
-        if (plugin == nullptr) {
-            std::printf("ERROR: Attempt to load module %s failed\n", name.c_str());
+        std::unique_ptr<cPlugin> plugin = load_plugin(folder, *names.get(i));
+        if (plugin == nullptr)
             continue;
-        }
         plugins().add(plugin.get(), DSP_APPEND);
         static_cast<void>(plugin.release());
         run_end_of_life_before_exit_handlers();

@@ -75,6 +75,16 @@ TEST_P(RefusedFile, GivesTheErrorLineAndTheScanGoesOn) {
 INSTANTIATE_TEST_SUITE_P(Loading, RefusedFile, testing::ValuesIn(REFUSALS),
                          [](const auto& row) { return row.param.name; });
 
+TEST(Loading, ARefusedFileIsNamedBeforeItIsReleased) {
+    const ScratchFolder folder;
+    folder.add_plugins({"says_farewell"});
+    LoadedLibrary library;
+    CaptureStdout();
+    EXPORT_OF(library, __mCore_parse_folder_for_plugins)("plugin");
+    EXPECT_EQ(GetCapturedStdout(),
+              "ERROR: Attempt to load module 0_says_farewell.so failed\nfarewell\n");
+}
+
 TEST(Loading, MissingAndEmptyFoldersLoadNothingAndPrintNothing) {
     const ScratchFolder folder;
     LoadedLibrary library;
