@@ -13,6 +13,7 @@
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 namespace fs = std::filesystem;
@@ -80,10 +81,8 @@ const Format& format_of_name(const char* name) {
     return found == std::end(FORMATS) ? FORMATS[0] : *found;
 }
 
-void write_file(const char* name, const PictureView& picture) {
-    File file(std::fopen(name, "wb"));
-    if (file == nullptr)
-        throw std::system_error(errno, std::generic_category());
+// Writes to the open file and closes it.
+void write_file(File file, const char* name, const PictureView& picture) {
     format_of_name(name).write(picture, file.get());
     if (std::fclose(file.release()) != 0)
         throw std::system_error(errno, std::generic_category());
@@ -127,8 +126,11 @@ bool save_bitmap(const char* name, std::uint16_t width, std::uint16_t height,
     return succeeds("save", name, [&] {
         if (pixels == nullptr || width == 0 || height == 0)
             throw std::runtime_error("there are no pixels to write");
+        File file(std::fopen(name, "wb"));
+        if (file == nullptr)
+            throw std::system_error(errno, std::generic_category());
         try {
-            write_file(name, {width, height, pixels});
+            write_file(std::move(file), name, {width, height, pixels});
         } catch (...) {
             remove_leftover(name);
             throw;

@@ -14,7 +14,7 @@
 // letter case, and PNG under every other name.
 // - JPEG has no alpha, so that channel is dropped; quality 95, colour at full resolution.
 // - A failed save gives false; image_last_error tells the reason. No half-written file is left:
-//   whatever stood under the name is then gone.
+//   what stood under the name is then gone, unless it could not be opened for writing.
 //
 // Neither entry throws. Both are for one thread at a time.
 #pragma once

@@ -6,6 +6,8 @@
 
 #include <fstream>
 
+#include <sys/resource.h>
+
 namespace fs = std::filesystem;
 using testing::HasSubstr;
 
@@ -83,4 +85,21 @@ TEST(ImageSave, FailuresGiveFalseAndTheReasonAndLeaveNoFile) {
     }
     EXPECT_TRUE(fs::exists("/dev/full"));
     EXPECT_FALSE(image_table().save_bitmap("null.png", 5, 5, nullptr));
+}
+
+TEST(ImageSave, AFileThatCannotBeOpenedStays) {
+    const ScratchFolder folder;
+    std::ofstream("old.png") << "kept";
+    ASSERT_NE(nullptr, image_table().save_bitmap);
+
+    rlimit files{};
+    getrlimit(RLIMIT_NOFILE, &files);
+    const rlimit none = {0, files.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &none);
+    const bool saved = save("old.png", 1, 1, Bytes(4));
+    setrlimit(RLIMIT_NOFILE, &files);
+
+    EXPECT_FALSE(saved);
+    EXPECT_THAT(image_error(), HasSubstr("Too many open files"));
+    EXPECT_EQ(4u, fs::file_size("old.png"));
 }
