@@ -158,7 +158,10 @@ private:
                 continue;
             if (service.interface() == nullptr)
                 return why_module_stayed_free(plugin, service);
-            taken.push_back(service.keyword + (" by " + quoted(servers[i]->get_plugin_name())));
+            // A plug-in that changes its answers cannot be told for the server of its module.
+            const std::string server =
+                servers[i] == nullptr ? "another" : quoted(servers[i]->get_plugin_name());
+            taken.push_back(service.keyword + (" by " + server));
         }
         return taken.empty() ? "serves none of the five modules"
                              : "every module that it serves is taken: " + joined(taken);
