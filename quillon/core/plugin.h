@@ -33,7 +33,8 @@
 
 // The six that every plug-in defines. The last four are called before `initialize`, many times.
 
-// Gets ready, or says no; `parameters` holds what the host filed by name_hash of a name.
+// Gets ready, or says no and may be asked again; `parameters` holds what the host filed by
+// name_hash of a name.
 QUILLON_PLUGIN_EXPORT bool initialize(quillon::DSPrefHashMap<void>* parameters);
 QUILLON_PLUGIN_EXPORT void shutdown();
 // Texts that stay valid as long as the plug-in is loaded. Only the purpose "Module" is connected.
