@@ -16,16 +16,22 @@
 namespace quillon {
 namespace {
 
-// A chain under construction, which frees itself unless it is released.
+// A chain that frees itself unless it is released.
 class Chain {
 public:
     Chain() = default;
+
+    explicit Chain(cFileListEntry* first) : head(first) {
+        while (*end != nullptr)
+            end = &(*end)->next;
+    }
+
     Chain(const Chain&) = delete;
     Chain& operator=(const Chain&) = delete;
 
     ~Chain() {
         while (head != nullptr)
-            drop_first(head);
+            drop_first();
     }
 
     void append(const std::string& name) {
@@ -38,10 +44,12 @@ public:
 
     cFileListEntry* release() { return std::exchange(head, nullptr); }
 
-    static void drop_first(cFileListEntry*& chain) {
-        const std::unique_ptr<cFileListEntry> first(chain);
-        const std::unique_ptr<char[]> name(first->name);
-        chain = first->next;
+    const cFileListEntry* first() const { return head; }
+
+    void drop_first() {
+        const std::unique_ptr<cFileListEntry> dropped(head);
+        const std::unique_ptr<char[]> name(dropped->name);
+        head = dropped->next;
     }
 
 private:
@@ -72,9 +80,9 @@ bool ends_with_one_of(std::string_view name, const std::vector<std::string_view>
 
 void modFileOperations::collect_files(const std::string& folder, DSParray<std::string>& names,
                                       const std::string& filter) const {
-    cFileListEntry* chain = __mFileOps_collect_files(folder.c_str(), filter.c_str());
-    for (; chain != nullptr; Chain::drop_first(chain)) {
-        auto name = std::make_unique<std::string>(chain->name);
+    Chain chain(__mFileOps_collect_files(folder.c_str(), filter.c_str()));
+    for (; chain.first() != nullptr; chain.drop_first()) {
+        auto name = std::make_unique<std::string>(chain.first()->name);
         names.add(name.get(), DSP_APPEND);
         static_cast<void>(name.release());
     }
