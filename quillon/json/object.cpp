@@ -150,7 +150,7 @@ cson_value* cson_object_detach(cson_object* object, const char* key) {
     if (find(object, view_of(key)) == nullptr)
         return nullptr;
     cson_value* member = dissolve(take_out(object, view_of(key)));
-    if (!cson_value_is_shared(member) && member->refcount > 0)
+    if (member != nullptr && !cson_value_is_shared(member) && member->refcount > 0)
         --member->refcount;
     return member;
 }

@@ -119,10 +119,13 @@ TEST(Object, KeysAndMembersOutliveTheirReading) {
 
 TEST(Object, DetachedMemberBelongsToTheCaller) {
     const cson_tracking_allocator allocator;
-    Value value = tree("{\"a\":[1],\"b\":true}");
+    Value value = tree("{\"a\":[1],\"b\":true,\"c\":null}");
     const Value member(cson_object_detach(object(value), "a"));
     EXPECT_EQ(0u, member->refcount);
     EXPECT_EQ(cson_value_true(), cson_object_detach(object(value), "b"));
+    cson_object_find(object(value), "c", nullptr)->value = nullptr;
+    EXPECT_EQ(nullptr, cson_object_detach(object(value), "c"));
+    EXPECT_EQ(0u, object(value)->list.count);
     value.reset();
     EXPECT_EQ("[1]", text_of(member.get()));
 }
