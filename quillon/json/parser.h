@@ -2,8 +2,7 @@
 // trees.
 //
 // The grammar is JSON whose top level is an object or an array, with two additions: comments
-// between
-// "/*" and "*/" where they are allowed, and a number may end in its decimal point.
+// between "/*" and "*/" where they are allowed, and a number may end in its decimal point.
 #pragma once
 
 #include "quillon/json/value.h"
