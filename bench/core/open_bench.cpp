@@ -83,7 +83,6 @@ void Open(benchmark::State& state) {
         time_in_child(state, [open] { open(); });
     dlclose(library);
     benchmark::DoNotOptimize(quiet);
-    state.SetComplexityN(state.range(0));
 }
 
 void BareLoader(benchmark::State& state) {
@@ -102,7 +101,6 @@ void BareLoader(benchmark::State& state) {
                     benchmark::DoNotOptimize(dlsym(handle, name));
             }
         });
-    state.SetComplexityN(state.range(0));
 }
 
 } // namespace
