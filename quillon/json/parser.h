@@ -138,8 +138,8 @@ struct cson_read_info {
 // UnknownError for an input of blanks and comments alone.
 //
 // An integer beyond 32 bits is the nearest one. Values of one tree share blocks of memory, so they
-// belong to one thread together, and one that is kept holds up to 32 KiB of its neighbours; a copy
-// stands alone.
+// belong to one thread together, and one that is kept holds its neighbours' memory, up to half of
+// the tree's or 8 MiB; a copy stands alone.
 int cson_read(cson_value** out, cson_reader reader, void* state, const cson_read_options* options,
               cson_read_info* info);
 

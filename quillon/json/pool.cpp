@@ -10,9 +10,10 @@ namespace {
 
 constexpr const char* chunk_tag = "cson_chunk";
 constexpr std::size_t header_bytes = 16;
-// Big enough that the allocator is seldom asked, small enough that one value that outlives its
-// document holds little.
-constexpr std::size_t largest_chunk = 32 * 1024;
+// Growing that far, a chunk is as big as all before it together. An allocator that adapts itself to
+// what it gets back then keeps that memory for the next document, where many small chunks would go
+// back to the system and come anew, page by page.
+constexpr std::size_t largest_chunk = 8192 * 1024;
 constexpr std::size_t largest_block = 512;
 
 } // namespace
