@@ -6,7 +6,7 @@
 namespace quillon {
 
 cson_value* cson_value_make_array() {
-    return cson_value_new(cson_kind_array, 0);
+    return cson_build_container(nullptr, cson_kind_array);
 }
 
 int cson_array_size(const cson_array* array, std::uint32_t* count) {
@@ -66,7 +66,19 @@ int cson_array_put(cson_array* array, std::uint32_t index, cson_value* value) {
 }
 
 int cson_array_push(cson_array* array, cson_value* value) {
-    return cson_build_push(nullptr, array, value);
+    if (array == nullptr || value == nullptr)
+        return cson_ArgError;
+    cson_value_list* list = &array->list;
+    if (list->count == std::numeric_limits<std::uint32_t>::max())
+        return cson_RangeError;
+    if (!cson_grow_for_one(list, 7, cson_value_list_reserve))
+        return cson_AllocError;
+    if (list->count == list->capacity)
+        return cson_array_put(array, list->count, value);
+    const int code = cson_value_retain(value);
+    if (code == cson_OK)
+        list->items[list->count++] = value;
+    return code;
 }
 
 } // namespace quillon

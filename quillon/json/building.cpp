@@ -11,95 +11,54 @@ namespace {
 
 constexpr std::uint32_t most = std::numeric_limits<std::uint32_t>::max();
 
-// In front of a list's entries.
-struct storage_header {
-    std::uint32_t distance; // as in cson_value
-    std::uint32_t unused;   // keeps the entries aligned
-};
-
-const char* tag_of(const cson_value_list*) {
-    return "cson_value_list_reserve";
+// Gives the list new storage, as it has none or stands in a reading's or copy's memory.
+template <class List>
+bool move(List* list, std::uint32_t capacity) {
+    auto* entries = reinterpret_cast<void* const*>(list->items);
+    const List moved = {cson_build_storage(nullptr, list, capacity, entries, list->capacity),
+                        list->count, capacity};
+    if (moved.items == nullptr)
+        return false;
+    cson_free_storage(list);
+    *list = moved;
+    return true;
 }
 
-const char* tag_of(const cson_kvp_list*) {
-    return "cson_kvp_list_reserve";
-}
-
-storage_header* header_of(void* items) {
-    return static_cast<storage_header*>(items) - 1;
-}
-
-// Moves storage from a pool to a new place.
-void* move_storage(cson_pool* pool, void* items, std::size_t old_bytes, std::size_t bytes,
-                   const char* tag) {
-    std::uint32_t distance = 0;
-    void* block = cson_take(pool, bytes, tag, distance);
-    if (block == nullptr)
-        return nullptr;
-    auto* header = new (block) storage_header{distance, 0};
-    if (items != nullptr) {
-        std::memcpy(header + 1, items, old_bytes);
-        cson_give_back(header_of(items), header_of(items)->distance, tag);
-    }
-    return header + 1;
-}
-
-void* resize_storage(cson_pool* pool, void* items, std::uint32_t old_capacity,
-                     std::uint32_t capacity, const char* tag) {
+template <class List>
+bool resize(List* list, std::uint32_t capacity) {
     constexpr std::size_t entry = sizeof(void*);
-    if (std::size_t{capacity} >
-        (std::numeric_limits<std::size_t>::max() - sizeof(storage_header)) / entry)
-        return nullptr;
-    const std::size_t bytes = sizeof(storage_header) + capacity * entry;
-    if (items == nullptr || header_of(items)->distance != 0)
-        return move_storage(pool, items, old_capacity * entry, bytes, tag);
-    auto* header = static_cast<storage_header*>(cson_resize(header_of(items), bytes, tag));
-    return header != nullptr ? header + 1 : nullptr;
+    constexpr std::size_t limit = std::numeric_limits<std::size_t>::max() / entry - 1;
+    cson_storage_header* header = list->items != nullptr ? cson_header_of(list) : nullptr;
+    if (header == nullptr || header->distance != 0)
+        return move(list, capacity);
+    void* block = std::size_t{capacity} <= limit
+                      ? cson_resize(header, sizeof(*header) + capacity * entry, cson_tag_of(list))
+                      : nullptr;
+    if (block == nullptr)
+        return false;
+    list->items =
+        reinterpret_cast<decltype(list->items)>(static_cast<cson_storage_header*>(block) + 1);
+    std::memset(list->items + list->capacity, 0, (capacity - list->capacity) * entry);
+    list->capacity = capacity;
+    return true;
 }
 
 template <class List>
-void free_storage(List* list) {
-    if (list->items != nullptr)
-        cson_give_back(header_of(list->items), header_of(list->items)->distance, tag_of(list));
-    *list = {};
-}
-
-template <class List>
-std::uint32_t reserve(cson_pool* pool, List* list, std::uint32_t capacity) {
+std::uint32_t reserve(List* list, std::uint32_t capacity) {
     if (list == nullptr)
         return 0;
-    if (capacity == 0) {
-        free_storage(list);
-        return 0;
-    }
-    if (capacity <= list->capacity)
-        return list->capacity;
-    void* items = resize_storage(pool, list->items, list->capacity, capacity, tag_of(list));
-    if (items == nullptr)
-        return list->capacity;
-    list->items = static_cast<decltype(list->items)>(items);
-    const std::uint32_t added = capacity - list->capacity;
-    std::memset(list->items + list->capacity, 0, added * sizeof(void*));
-    list->capacity = capacity;
-    return capacity;
-}
-
-// Grows one entry before the list is full: from nothing to `first`, then to twice the count.
-template <class List>
-bool grow_for_one(cson_pool* pool, List* list, std::uint32_t first) {
-    if (list->capacity != 0 && list->count != list->capacity - 1)
-        return true;
-    if (list->count > most / 2)
-        return false;
-    const std::uint32_t wanted = list->count == 0 ? first : list->count * 2;
-    return reserve(pool, list, wanted) >= wanted;
+    if (capacity == 0)
+        cson_free_storage(list);
+    else if (capacity > list->capacity)
+        resize(list, capacity);
+    return list->capacity;
 }
 
 template <class List, class Entry>
-int push(cson_pool* pool, List* list, Entry* entry) {
+int push(List* list, Entry* entry) {
     if (list == nullptr || entry == nullptr)
         return cson_ArgError;
-    if (list->count == most || reserve(pool, list, list->count + 1) <= list->count)
+    if (list->count == most || reserve(list, list->count + 1) <= list->count)
         return cson_AllocError;
     list->items[list->count++] = entry;
     return cson_OK;
@@ -124,78 +83,25 @@ void clear(List* list, void (*disposer)(Entry*)) {
     for (std::uint32_t i = 0; disposer != nullptr && i < list->count; ++i)
         if (list->items[i] != nullptr)
             disposer(list->items[i]);
-    reserve(nullptr, list, 0);
+    reserve(list, 0);
 }
 
 } // namespace
 
-cson_value* cson_build_value(cson_pool* pool, std::uint32_t kind, std::uint32_t extra) {
-    if (kind < cson_kind_integer || kind > cson_kind_object)
-        return nullptr;
-    const std::size_t bytes = std::size_t{cson_kinds[kind].payload_bytes} + extra;
-    cson_value* value = cson_build_record(pool, kind, bytes);
-    if (value != nullptr)
-        std::memset(value->value, 0, bytes);
-    return value;
-}
-
-std::uint32_t cson_build_reserve(cson_pool* pool, cson_value_list* list, std::uint32_t capacity) {
-    return reserve(pool, list, capacity);
-}
-
-std::uint32_t cson_build_reserve(cson_pool* pool, cson_kvp_list* list, std::uint32_t capacity) {
-    return reserve(pool, list, capacity);
-}
-
-int cson_build_push(cson_pool* pool, cson_array* array, cson_value* value) {
-    if (array == nullptr || value == nullptr)
-        return cson_ArgError;
-    cson_value_list* list = &array->list;
-    if (list->count == most)
-        return cson_RangeError;
-    if (!grow_for_one(pool, list, 7))
-        return cson_AllocError;
-    if (list->count == list->capacity)
-        return cson_array_put(array, list->count, value);
-    const int code = cson_value_retain(value);
-    if (code == cson_OK)
-        list->items[list->count++] = value;
-    return code;
-}
-
-int cson_build_append(cson_pool* pool, cson_object* object, cson_value* key, cson_value* value,
-                      std::uint32_t first) {
-    if (!grow_for_one(pool, &object->list, first))
-        return cson_AllocError;
-    cson_kvp* pair = cson_build_kvp(pool);
-    if (pair == nullptr)
-        return cson_AllocError;
-    const int code = push(pool, &object->list, pair);
-    if (code != cson_OK) {
-        cson_give_back(pair, pair->distance, cson_kvp_tag);
-        return code;
-    }
-    pair->key = key;
-    pair->value = value;
-    cson_count_owner(key);
-    cson_count_owner(value);
-    return cson_OK;
-}
-
 std::uint32_t cson_value_list_reserve(cson_value_list* list, std::uint32_t capacity) {
-    return reserve(nullptr, list, capacity);
+    return reserve(list, capacity);
 }
 
 std::uint32_t cson_kvp_list_reserve(cson_kvp_list* list, std::uint32_t capacity) {
-    return reserve(nullptr, list, capacity);
+    return reserve(list, capacity);
 }
 
 int cson_value_list_push(cson_value_list* list, cson_value* entry) {
-    return push(nullptr, list, entry);
+    return push(list, entry);
 }
 
 int cson_kvp_list_push(cson_kvp_list* list, cson_kvp* entry) {
-    return push(nullptr, list, entry);
+    return push(list, entry);
 }
 
 int cson_value_list_visit(cson_value_list* list, int (*visitor)(cson_value*, void*), void* state) {

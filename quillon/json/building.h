@@ -4,9 +4,11 @@
 #include "quillon/json/allocator.h"
 #include "quillon/json/containers.h"
 #include "quillon/json/pool.h"
+#include "quillon/json/text_scan.h"
 #include "quillon/json/value.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <limits>
@@ -40,6 +42,20 @@ inline bool cson_value_has_kind(const cson_value* value, std::uint32_t kind) {
     return value != nullptr && value->api != nullptr && value->api->kind == kind;
 }
 
+// In front of a list's entries.
+struct cson_storage_header {
+    std::uint32_t distance; // as in cson_value
+    std::uint32_t unused;   // keeps the entries aligned
+};
+
+inline const char* cson_tag_of(const cson_value_list*) {
+    return "cson_value_list_reserve";
+}
+
+inline const char* cson_tag_of(const cson_kvp_list*) {
+    return "cson_kvp_list_reserve";
+}
+
 // Memory from the pool, or for a null pool a block of its own.
 inline void* cson_take(cson_pool* pool, std::size_t bytes, const char* tag,
                        std::uint32_t& distance) {
@@ -61,8 +77,14 @@ inline cson_value* cson_build_record(cson_pool* pool, std::uint32_t kind, std::s
     return new (block) cson_value{&cson_kinds[kind].api, value + 1, 0, distance};
 }
 
-// As the operations of the same name; a null pool gives every block an allocation of its own.
-cson_value* cson_build_value(cson_pool* pool, std::uint32_t kind, std::uint32_t extra);
+// An empty array or object, or null.
+inline cson_value* cson_build_container(cson_pool* pool, std::uint32_t kind) {
+    static_assert(sizeof(cson_array) == sizeof(cson_object));
+    cson_value* value = cson_build_record(pool, kind, sizeof(cson_array));
+    if (value != nullptr)
+        std::memset(value->value, 0, sizeof(cson_array));
+    return value;
+}
 
 inline cson_value* cson_build_string(cson_pool* pool, const char* text, std::uint32_t length) {
     if (text == nullptr || length == 0 || *text == 0)
@@ -76,7 +98,7 @@ inline cson_value* cson_build_string(cson_pool* pool, const char* text, std::uin
     auto* string = cson_payload<cson_string>(value);
     auto* own_text = reinterpret_cast<char*>(string + 1);
     string->length = length;
-    std::memcpy(own_text, text, length);
+    cson_copy_bytes(own_text, text, length);
     own_text[length] = 0;
     return value;
 }
@@ -99,20 +121,58 @@ inline cson_value* cson_build_double(cson_pool* pool, double number) {
     return value;
 }
 
-inline cson_kvp* cson_build_kvp(cson_pool* pool) {
+// A pair with its two owners still to be counted, or null.
+inline cson_kvp* cson_build_kvp(cson_pool* pool, cson_value* key, cson_value* value) {
     std::uint32_t distance = 0;
     void* block = cson_take(pool, sizeof(cson_kvp), cson_kvp_tag, distance);
-    return block != nullptr ? new (block) cson_kvp{nullptr, nullptr, distance} : nullptr;
+    return block != nullptr ? new (block) cson_kvp{key, value, distance} : nullptr;
 }
 
-std::uint32_t cson_build_reserve(cson_pool* pool, cson_value_list* list, std::uint32_t capacity);
-std::uint32_t cson_build_reserve(cson_pool* pool, cson_kvp_list* list, std::uint32_t capacity);
-int cson_build_push(cson_pool* pool, cson_array* array, cson_value* value);
+// New storage of a list with its first entries, the others null; or null.
+template <class List>
+auto cson_build_storage(cson_pool* pool, const List* list, std::uint32_t capacity,
+                        void* const* entries, std::uint32_t count) -> decltype(list->items) {
+    constexpr std::size_t entry = sizeof(void*);
+    constexpr std::size_t most = std::numeric_limits<std::size_t>::max();
+    if (std::size_t{capacity} > (most - sizeof(cson_storage_header)) / entry)
+        return nullptr;
+    std::uint32_t distance = 0;
+    void* block = cson_take(pool, sizeof(cson_storage_header) + capacity * entry, cson_tag_of(list),
+                            distance);
+    if (block == nullptr)
+        return nullptr;
+    auto* header = new (block) cson_storage_header{distance, 0};
+    auto* items = reinterpret_cast<decltype(list->items)>(header + 1);
+    if (count != 0)
+        std::memcpy(items, entries, count * entry);
+    std::memset(items + count, 0, (capacity - count) * entry);
+    return items;
+}
 
-// Adds a pair at the end without a lookup, growing from `first` entries, and retains both.
-int cson_build_append(cson_pool* pool, cson_object* object, cson_value* key, cson_value* value,
-                      std::uint32_t first);
-int cson_build_put(cson_pool* pool, cson_object* object, cson_string* key, cson_value* value);
+template <class List>
+cson_storage_header* cson_header_of(const List* list) {
+    return reinterpret_cast<cson_storage_header*>(list->items) - 1;
+}
+
+template <class List>
+void cson_free_storage(List* list) {
+    if (list->items != nullptr)
+        cson_give_back(cson_header_of(list), cson_header_of(list)->distance, cson_tag_of(list));
+    *list = {};
+}
+
+// What a push does to a list first: one entry before it is full, room for twice the count, from
+// nothing for `first`. False without memory.
+template <class List>
+bool cson_grow_for_one(List* list, std::uint32_t first,
+                       std::uint32_t (*reserve)(List*, std::uint32_t)) {
+    if (list->capacity != 0 && list->count != list->capacity - 1)
+        return true;
+    if (list->count > std::numeric_limits<std::uint32_t>::max() / 2)
+        return false;
+    const std::uint32_t wanted = list->count == 0 ? first : list->count * 2;
+    return reserve(list, wanted) >= wanted;
+}
 
 // The pair of a key, which here may be empty, or null.
 cson_kvp* cson_build_find(const cson_object* object, const cson_string* key);

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <charconv>
 #include <clocale>
 #include <cstring>
@@ -27,12 +28,6 @@ bytes_at skip_plain(bytes_at at, bytes_at end) {
         [](unsigned char c) { return c < 0x20 || c == '"' || c == '\\'; });
 }
 
-bytes_at skip_white(bytes_at at, bytes_at end) {
-    while (at < end && *at <= ' ' && cson_is_white(*at))
-        ++at;
-    return at;
-}
-
 bool is_digit(unsigned char c) {
     return static_cast<unsigned char>(c - '0') <= 9;
 }
@@ -46,43 +41,54 @@ constexpr std::array<double, 23> powers_of_ten = {1e0,  1e1,  1e2,  1e3,  1e4,  
                                                   1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
                                                   1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 
+// True if eight bytes are digits.
+bool are_digits(std::uint64_t bytes) {
+    const std::uint64_t values = bytes ^ cson_ones * '0';
+    return ((values | (values + cson_ones * (0x80 - 10))) & cson_high_bits) == 0;
+}
+
+// The number that eight digits make, the first of them in the lowest byte: pairs, then fours, then
+// all are put together side by side.
+std::uint64_t eight_digits(std::uint64_t bytes) {
+    bytes = (bytes & cson_ones * 0x0F) * (1 + (10 << 8)) >> 8;
+    bytes = (bytes & 0x00FF00FF00FF00FF) * (1 + (100 << 16)) >> 16;
+    return (bytes & 0x0000FFFF0000FFFF) * (1 + (std::uint64_t{10000} << 32)) >> 32;
+}
+
 // A number of the grammar, taken apart.
 class number_token {
 public:
     // False for what is no number. Whether another character may follow is for the caller to see.
-    bool scan(bytes_at at, bytes_at block_end) {
+    // A byte ahead of `limit` has to be none of a number's.
+    bool scan(bytes_at at, bytes_at limit) {
         begin = at;
-        end = block_end;
         negative = *at == '-';
-        at += negative ? 1 : 0;
-        const bytes_at integer = at;
-        at = take_digits(at);
-        const bool leading_zero = at != integer && *integer == '0';
+        const bytes_at integer = at + (negative ? 1 : 0);
+        at = take_digits(integer);
+        const bool leading_zero = *integer == '0';
         if (at == integer || (leading_zero && at - integer > 1))
             return false;
         digits = at - integer;
-        const bool point = at < end && *at == '.';
-        if (point) {
-            const bytes_at behind = take_digits(at + 1);
-            decimals = behind - at - 1;
+        if (*at == '.') {
+            is_float = true;
+            const bytes_at fraction = at + 1;
+            at = take_digits(take_eights(fraction, limit));
+            decimals = at - fraction;
             digits += decimals;
-            at = behind;
         }
-        exponent = at < end && (*at | 0x20) == 'e';
-        is_float = point || exponent;
-        if (exponent)
-            at = leading_zero && !point ? nullptr : skip_exponent(at + 1);
+        if ((*at | 0x20) == 'e') {
+            at = leading_zero && !is_float ? nullptr : skip_exponent(at + 1);
+            is_float = exponent = true;
+        }
         end = at;
         return at != nullptr;
     }
 
     // The value as the conversions of single steps give it; false where these must do it.
     bool to_integer(std::int32_t& number) const {
-        constexpr std::uint64_t largest = 0x7FFFFFFF;
-        if (digits > exact_digits || mantissa > largest)
+        if (digits > exact_digits || mantissa > 0x7FFFFFFF)
             return false;
-        const auto magnitude = static_cast<std::int32_t>(mantissa);
-        number = negative ? -magnitude : magnitude;
+        number = static_cast<std::int32_t>(signed_mantissa());
         return true;
     }
 
@@ -90,8 +96,7 @@ public:
     bool to_double(double& number) const {
         constexpr std::uint64_t largest = std::uint64_t{1} << 53;
         if (!exponent && digits <= exact_digits && mantissa <= largest) {
-            const double magnitude = static_cast<double>(mantissa) / powers_of_ten[decimals];
-            number = negative ? -magnitude : magnitude;
+            number = static_cast<double>(signed_mantissa()) / powers_of_ten[decimals];
             return true;
         }
         const char* last = reinterpret_cast<const char*>(end);
@@ -105,17 +110,34 @@ public:
 private:
     static constexpr std::size_t exact_digits = 19; // of which every number fits the mantissa
 
+    // Without a branch, as signs come at random.
+    std::int64_t signed_mantissa() const {
+        const std::int64_t sign = negative ? -1 : 0;
+        return (static_cast<std::int64_t>(mantissa) ^ sign) - sign;
+    }
+
+    bytes_at take_eights(bytes_at at, bytes_at limit) {
+        while (std::endian::native == std::endian::little && limit - at >= 8) {
+            const auto bytes = cson_load<std::uint64_t>(at);
+            if (!are_digits(bytes))
+                break;
+            mantissa = mantissa * 100000000 + eight_digits(bytes);
+            at += 8;
+        }
+        return at;
+    }
+
     bytes_at take_digits(bytes_at at) {
-        for (; at < end && is_digit(*at); ++at)
+        for (; is_digit(*at); ++at)
             mantissa = mantissa * 10 + (*at - std::uint64_t{'0'});
         return at;
     }
 
-    bytes_at skip_exponent(bytes_at at) const {
-        if (at < end && (*at == '+' || *at == '-'))
+    static bytes_at skip_exponent(bytes_at at) {
+        if (*at == '+' || *at == '-')
             ++at;
         const bytes_at first = at;
-        while (at < end && is_digit(*at))
+        while (is_digit(*at))
             ++at;
         return at != first ? at : nullptr;
     }
@@ -143,69 +165,107 @@ class feeder {
 public:
     feeder(cson_push_parser& used_parser, cson_tree_builder& used_builder, bytes_at bytes,
            std::uint32_t count)
-        : parser(used_parser), builder(used_builder), at(bytes), end(bytes + count) {}
+        : parser(used_parser), builder(used_builder), at(bytes), end(bytes + count), limit(end) {
+        while (limit != bytes && !closes_value(limit[-1]))
+            --limit;
+    }
 
     // False on a failure, with the position behind the offending byte.
     bool run() {
-        while (at < end)
-            if (!advance())
-                return false;
-        return true;
+        bool ok = true;
+        while (ok && at < end) {
+            if (parser.state == cson_state_string)
+                ok = take_run();
+            else if (parser.type == 0 && resume())
+                ok = take_tokens();
+            else
+                ok = step();
+        }
+        return ok;
     }
 
     bytes_at position() const { return at; }
 
 private:
-    bool advance() {
-        if (parser.type != 0 || parser.state > cson_state_first_element)
-            return parser.state == cson_state_string ? take_run() : step();
-        at = skip_white(at, end);
-        if (at == end)
-            return true;
-        switch (parser.state) {
-        case cson_state_complete:
-            return take_behind_value();
-        case cson_state_value:
-        case cson_state_first_element:
-            return take_value();
-        case cson_state_key:
-        case cson_state_first_key:
-            return *at == '"' ? take_key() : step();
-        case cson_state_colon:
-            return *at == ':' ? take_colon() : step();
-        default:
-            return step();
-        }
-    }
-
     bool step() { return cson_push_parser_step(&parser, *at++) != 0; }
 
-    // Goes on if the builder took what it was given.
-    bool accept(int code) {
-        builder.error = code;
-        return code == cson_OK;
+    // Between tokens, all there is to know is the state and what kind of container is being filled.
+    bool resume() {
+        const signed char mode = cson_mode_of(parser);
+        state = parser.state;
+        behind_comma = mode == cson_mode_array ? cson_state_value : cson_state_key;
+        return state >= cson_state_complete && state <= cson_state_first_element &&
+               mode != cson_mode_done;
     }
 
-    bool take_colon() {
-        ++at;
-        return cson_await_member(parser);
+    // Leaves the parser as single steps would have left it.
+    void suspend() {
+        const signed char mode = cson_mode_of(parser);
+        parser.state = state;
+        if (mode == cson_mode_key || mode == cson_mode_object)
+            parser.stack[parser.top] = state == cson_state_complete || state == cson_state_value
+                                           ? cson_mode_object
+                                           : cson_mode_key;
     }
 
-    bool take_behind_value() {
-        switch (*at) {
-        case ',':
-            ++at;
-            return cson_await_next(parser);
-        case ']':
-            return leave(cson_mode_array);
-        case '}':
-            return leave(cson_mode_object);
-        default:
-            return step();
+    // Takes tokens up to one that isn't plain or not in sight, and gives that one's first byte to
+    // the single step.
+    bool take_tokens() {
+        bool ok = true;
+        while (ok && at < limit) {
+            while (*at <= ' ' && cson_is_white(*at))
+                at = skip_blanks(at + 1);
+            ok = take_token();
         }
+        if (builder.error != cson_OK)
+            return false;
+        suspend();
+        return at == end || step();
+    }
+
+    // Indentation, eight blanks at a time.
+    bytes_at skip_blanks(bytes_at from) const {
+        constexpr std::uint64_t blanks = cson_ones * ' ';
+        while (limit - from >= 8 && cson_load<std::uint64_t>(from) == blanks)
+            from += 8;
+        while (*from == ' ')
+            ++from;
+        return from;
+    }
+
+    // False, with `at` on it, for a token that isn't plain, and on a failure of the builder.
+    bool take_token() {
+        switch (state) {
+        case cson_state_first_element:
+            if (*at == ']')
+                return leave();
+            [[fallthrough]];
+        case cson_state_value:
+            return take_value();
+        case cson_state_first_key:
+            if (*at == '}')
+                return leave();
+            [[fallthrough]];
+        case cson_state_key:
+            return *at == '"' && take_key();
+        case cson_state_colon:
+            return *at == ':' && pass(cson_state_value);
+        default:
+            if (*at == ',')
+                return pass(behind_comma);
+            return *at == (behind_comma == cson_state_value ? ']' : '}') && leave();
+        }
+    }
+
+    bool pass(std::uint8_t next_state) {
+        ++at;
+        state = next_state;
+        return true;
     }
 
     bool take_value() {
+        if (*at == '-' || is_digit(*at))
+            return take_number();
         switch (*at) {
         case '"':
             return take_string();
@@ -213,23 +273,40 @@ private:
             return enter(cson_kind_array, cson_mode_array);
         case '{':
             return enter(cson_kind_object, cson_mode_key);
-        case 't':
-        case 'f':
-        case 'n':
-            return take_keyword();
         default:
-            return *at == '-' || is_digit(*at) ? take_number() : step();
+            return take_keyword();
         }
     }
 
     bool enter(std::uint32_t kind, signed char mode) {
+        if (parser.top == parser.depth || parser.top + 1 == parser.stack_capacity)
+            return false;
         ++at;
-        return accept(builder.begin_container(kind)) && cson_enter_container(parser, mode);
+        if (!accept(builder.begin_container(kind)))
+            return false;
+        parser.stack[++parser.top] = mode;
+        const bool is_array = mode == cson_mode_array;
+        state = is_array ? cson_state_first_element : cson_state_first_key;
+        behind_comma = is_array ? cson_state_value : cson_state_key;
+        return true;
     }
 
-    bool leave(signed char mode) {
+    // Behind the outermost container there is nothing to be taken.
+    bool leave() {
         ++at;
-        return accept(builder.end_container()) && cson_leave_container(parser, mode);
+        if (!accept(builder.end_container()))
+            return false;
+        --parser.top;
+        parser.state = cson_state_complete;
+        return resume();
+    }
+
+    // Goes on if the builder took what it was given.
+    bool accept(int code) {
+        if (code == cson_OK)
+            return true;
+        builder.error = code;
+        return false;
     }
 
     // Fills the token buffer to the brim before it grows, as single steps do.
@@ -246,86 +323,88 @@ private:
         return at == end || step();
     }
 
-    // The closing quote of a string without escapes, or null where it isn't in sight.
-    bytes_at closing_quote() const {
-        const bytes_at stop = skip_plain(at + 1, end);
-        return stop != end && *stop == '"' ? stop : nullptr;
+    // The text between the quote at `at` and the next one, and goes behind that; null with a length
+    // of 0, and stays, where escapes are in it or its end isn't in sight.
+    std::string_view take_text() {
+        const bytes_at quote = skip_plain(at + 1, limit);
+        if (quote == limit || *quote != '"')
+            return {};
+        const char* text = reinterpret_cast<const char*>(at + 1);
+        at = quote + 1;
+        return {text, reinterpret_cast<const char*>(quote)};
     }
 
     bool take_string() {
-        const bytes_at quote = closing_quote();
-        if (quote == nullptr)
-            return step();
-        const char* text = reinterpret_cast<const char*>(at + 1);
-        const auto length = static_cast<std::uint32_t>(quote - at - 1);
-        at = quote + 1;
-        parser.state = cson_state_complete;
-        if (!accept(builder.string(text, length)))
+        const std::string_view text = take_text();
+        if (text.data() == nullptr ||
+            !accept(builder.string(text.data(), static_cast<std::uint32_t>(text.size()))))
             return false;
-        return at == end || !closes_value(*at) || take_behind_value();
+        state = cson_state_complete;
+        return *at != ',' || pass(behind_comma);
     }
 
     bool take_key() {
-        const bytes_at quote = closing_quote();
-        if (quote == nullptr)
-            return step();
-        const char* text = reinterpret_cast<const char*>(at + 1);
-        const auto length = static_cast<std::uint32_t>(quote - at - 1);
-        at = quote + 1;
-        parser.state = cson_state_colon;
-        if (!accept(builder.key(text, length)))
+        const std::string_view text = take_text();
+        if (text.data() == nullptr ||
+            !accept(builder.key(text.data(), static_cast<std::uint32_t>(text.size()))))
             return false;
-        return at == end || *at != ':' || take_colon();
+        state = cson_state_colon;
+        return *at != ':' || pass(cson_state_value);
     }
 
     // Single steps report numbers and keywords at the character that closes them; so these are
     // taken only together with the sight of it, and a failure is that character's.
     bytes_at closing_character(bytes_at behind) const {
-        const bytes_at closing = skip_white(behind, end);
-        return closing != end && closes_value(*closing) ? closing : nullptr;
+        while (*behind <= ' ' && cson_is_white(*behind))
+            ++behind;
+        return closes_value(*behind) ? behind : nullptr;
     }
 
     bool accept_closed(int code, bytes_at closing) {
-        at = code == cson_OK ? closing : closing + 1;
-        parser.state = cson_state_complete;
-        return accept(code) && take_behind_value();
+        at = closing;
+        state = cson_state_complete;
+        if (accept(code))
+            return *at != ',' || pass(behind_comma);
+        ++at;
+        return false;
     }
 
     bool take_number() {
         number_token token;
-        if (!token.scan(at, end))
-            return step();
+        if (!token.scan(at, limit))
+            return false;
         const bytes_at closing = closing_character(token.end);
         if (closing == nullptr)
-            return step();
+            return false;
         if (token.is_float) {
             double number = 0.0;
-            if (!takes_floats || !token.to_double(number))
-                return step();
-            return accept_closed(builder.number(number), closing);
+            return takes_floats && token.to_double(number) &&
+                   accept_closed(builder.number(number), closing);
         }
         std::int32_t integer = 0;
-        if (!token.to_integer(integer))
-            return step();
-        return accept_closed(builder.integer(integer), closing);
+        return token.to_integer(integer) && accept_closed(builder.integer(integer), closing);
     }
 
     bool take_keyword() {
-        const auto left = static_cast<std::size_t>(end - at);
+        const auto left = static_cast<std::size_t>(limit - at);
         for (const auto& [text, value] : keywords) {
             if (left <= text.size() || std::memcmp(at, text.data(), text.size()) != 0)
                 continue;
             const bytes_at closing = closing_character(at + text.size());
-            if (closing != nullptr)
-                return accept_closed(builder.constant(value), closing);
+            return closing != nullptr && accept_closed(builder.constant(value), closing);
         }
-        return step();
+        return false;
     }
 
     cson_push_parser& parser;
     cson_tree_builder& builder;
     bytes_at at;
     bytes_at end;
+    // Behind the last byte that ends every number and row of blanks: ahead of it, scans of those
+    // come to their end by themselves.
+    bytes_at limit;
+    std::uint8_t state = cson_state_start;
+    std::uint8_t behind_comma = cson_state_start;
     // A decimal point of several bytes is cut off in the token buffer, whose conversion ends there.
     const bool takes_floats = std::strlen(std::localeconv()->decimal_point) == 1;
 };

@@ -62,7 +62,7 @@ private:
         const cson_value* before = innermost;
         while (list->count != 0 && innermost == before)
             drop(list->items[--list->count]);
-        return finish(list, before, cson_value_list_reserve);
+        return finish(list, before);
     }
 
     bool empty(cson_kvp_list* list) {
@@ -75,15 +75,14 @@ private:
             drop(pair->value);
             cson_give_back(pair, pair->distance, cson_kvp_tag);
         }
-        return finish(list, before, cson_kvp_list_reserve);
+        return finish(list, before);
     }
 
     template <class List>
-    bool finish(List* list, const cson_value* before,
-                std::uint32_t (*reserve)(List*, std::uint32_t)) const {
+    bool finish(List* list, const cson_value* before) const {
         if (innermost != before)
             return false;
-        reserve(list, 0);
+        cson_free_storage(list);
         return true;
     }
 

@@ -41,6 +41,23 @@ cson_kvp* find(const cson_object* object, std::string_view key) {
     return object != nullptr && !key.empty() ? pair_of(object, key) : nullptr;
 }
 
+// Adds a pair at the end and counts the two owners.
+int append(cson_object* object, cson_value* key, cson_value* value) {
+    if (!cson_grow_for_one(&object->list, 6, cson_kvp_list_reserve))
+        return cson_AllocError;
+    cson_kvp* pair = cson_build_kvp(nullptr, key, value);
+    if (pair == nullptr)
+        return cson_AllocError;
+    const int code = cson_kvp_list_push(&object->list, pair);
+    if (code != cson_OK) {
+        cson_give_back(pair, pair->distance, cson_kvp_tag);
+        return code;
+    }
+    cson_count_owner(key);
+    cson_count_owner(value);
+    return cson_OK;
+}
+
 // Puts key and member in the place of the old ones, which go last: the new ones may live by them.
 void overwrite(cson_kvp* pair, cson_value* key, cson_value* value) {
     cson_count_owner(key);
@@ -85,7 +102,7 @@ int drop(cson_object* object, std::string_view key) {
 } // namespace
 
 cson_value* cson_value_make_object() {
-    return cson_value_new(cson_kind_object, 0);
+    return cson_build_container(nullptr, cson_kind_object);
 }
 
 cson_kvp* cson_object_find(const cson_object* object, const char* key, std::uint32_t* index) {
@@ -103,7 +120,11 @@ cson_value* cson_object_get_string(const cson_object* object, const cson_string*
     return cson_kvp_value(find(object, view_of(key)));
 }
 
-int cson_build_put(cson_pool* pool, cson_object* object, cson_string* key, cson_value* value) {
+cson_kvp* cson_build_find(const cson_object* object, const cson_string* key) {
+    return pair_of(object, view_of(key));
+}
+
+int cson_object_put_string(cson_object* object, cson_string* key, cson_value* value) {
     if (object == nullptr || key == nullptr)
         return cson_ArgError;
     if (value == nullptr)
@@ -115,17 +136,9 @@ int cson_build_put(cson_pool* pool, cson_object* object, cson_string* key, cson_
         return cson_RangeError;
     cson_kvp* pair = pair_of(object, view_of(key));
     if (pair == nullptr)
-        return cson_build_append(pool, object, key_value, value, 6);
+        return append(object, key_value, value);
     overwrite(pair, key_value, value);
     return cson_OK;
-}
-
-cson_kvp* cson_build_find(const cson_object* object, const cson_string* key) {
-    return pair_of(object, view_of(key));
-}
-
-int cson_object_put_string(cson_object* object, cson_string* key, cson_value* value) {
-    return cson_build_put(nullptr, object, key, value);
 }
 
 int cson_object_put_text(cson_object* object, const char* key, cson_value* value) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <bit>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 
@@ -37,6 +38,54 @@ inline const unsigned char* cson_skip(const unsigned char* at, const unsigned ch
     while (at < end && !stops(*at))
         ++at;
     return at;
+}
+
+template <class Word>
+Word cson_load(const void* bytes) {
+    Word word = 0;
+    std::memcpy(&word, bytes, sizeof(word));
+    return word;
+}
+
+// True if the first and the last bytes of `count`, which may overlap, are the same.
+template <class Word>
+bool cson_same_ends(const void* a, const void* b, std::size_t count) {
+    const auto* left = static_cast<const unsigned char*>(a);
+    const auto* right = static_cast<const unsigned char*>(b);
+    const std::size_t last = count - sizeof(Word);
+    return ((cson_load<Word>(left) ^ cson_load<Word>(right)) |
+            (cson_load<Word>(left + last) ^ cson_load<Word>(right + last))) == 0;
+}
+
+// Compares bytes that mostly are few.
+inline bool cson_same_bytes(const void* a, const void* b, std::size_t count) {
+    if (count > 16 || count < 4)
+        return std::memcmp(a, b, count) == 0;
+    return count >= 8 ? cson_same_ends<std::uint64_t>(a, b, count)
+                      : cson_same_ends<std::uint32_t>(a, b, count);
+}
+
+// Copies the first and the last `Size` bytes of `count`, which may overlap.
+template <std::size_t Size>
+void cson_copy_ends(void* target, const void* source, std::size_t count) {
+    auto* to = static_cast<unsigned char*>(target);
+    const auto* from = static_cast<const unsigned char*>(source);
+    std::memcpy(to, from, Size);
+    std::memcpy(to + count - Size, from + count - Size, Size);
+}
+
+// Copies bytes that mostly are so few that a call would take longer than the copy.
+inline void cson_copy_bytes(void* target, const void* source, std::size_t count) {
+    if (count > 16)
+        std::memcpy(target, source, count);
+    else if (count >= 8)
+        cson_copy_ends<8>(target, source, count);
+    else if (count >= 4)
+        cson_copy_ends<4>(target, source, count);
+    else if (count >= 2)
+        cson_copy_ends<2>(target, source, count);
+    else if (count == 1)
+        cson_copy_ends<1>(target, source, count);
 }
 
 } // namespace quillon

@@ -84,7 +84,7 @@ private:
 constexpr std::uint32_t many_pairs = 64;
 
 // False if two pairs have the same key, or if there is no memory to tell.
-bool keys_are_unique(const cson_kvp_list& list) {
+bool many_keys_are_unique(const cson_kvp_list& list) {
     const std::size_t bytes = list.count * sizeof(void*);
     auto* sorted = static_cast<cson_kvp**>(cson_resize(nullptr, bytes, "cson_kvp_list_sorted"));
     if (sorted == nullptr)
@@ -97,6 +97,39 @@ bool keys_are_unique(const cson_kvp_list& list) {
                         }) == end;
     cson_free(sorted, "cson_kvp_list_sorted");
     return unique;
+}
+
+// Compares only keys that fall on one of 64 bits.
+bool few_keys_are_unique(const cson_kvp_list& list) {
+    std::uint64_t seen = 0;
+    for (std::uint32_t i = 0; i < list.count; ++i) {
+        const std::string_view key = key_of(list.items[i]);
+        const auto ends =
+            key.empty() ? 0u : static_cast<unsigned>(key.front() * 7 + key.back() * 5);
+        const std::uint64_t bit = std::uint64_t{1} << (ends + key.size()) % 64;
+        const bool maybe_seen = (seen & bit) != 0;
+        seen |= bit;
+        if (maybe_seen && std::any_of(list.items, list.items + i, [key](const cson_kvp* earlier) {
+                return key_of(earlier) == key;
+            }))
+            return false;
+    }
+    return true;
+}
+
+bool is_whole(const cson_kvp* pair) {
+    return pair != nullptr && cson_value_has_kind(pair->key, cson_kind_string);
+}
+
+// True if every entry becomes a pair of the copy.
+bool copies_pair_by_pair(const cson_kvp_list& list) {
+    return std::all_of(list.items, list.items + list.count, is_whole) &&
+           (list.count > many_pairs ? many_keys_are_unique(list) : few_keys_are_unique(list));
+}
+
+// What putting `count` pairs into a list of as many entries makes of its capacity.
+std::uint32_t capacity_of_copy(std::uint32_t count) {
+    return count == 1 ? 6 : std::max(count, 2 * (count - 1));
 }
 
 class copier {
@@ -114,7 +147,8 @@ public:
     cson_value* copy(const cson_value* source) {
         cson_value* root = begin(source);
         while (root != nullptr && !open.empty()) {
-            if (!copy_next_entry()) {
+            const bool is_array = open.top().source->api->kind == cson_kind_array;
+            if (!(is_array ? copy_elements() : copy_pairs())) {
                 cson_value_release(root);
                 return nullptr;
             }
@@ -128,7 +162,7 @@ private:
         const cson_value* source;
         cson_value* copy;
         std::uint32_t next;
-        bool unique_keys;
+        bool pair_by_pair;
     };
 
     // A key that was copied lately, with an owner of its own: many pairs share one.
@@ -142,7 +176,7 @@ private:
         known_key& known = known_keys[address / sizeof(cson_value) % known_keys.size()];
         if (known.source == source)
             return known.copy;
-        cson_value* made = copy_scalar(source);
+        cson_value* made = begin(source);
         if (made == nullptr)
             return nullptr;
         cson_value_release(known.copy);
@@ -151,105 +185,126 @@ private:
         return made;
     }
 
-    // Copies a scalar, or opens a container of the same capacity for its entries.
+    // Copies a scalar, or opens a container for its entries.
     cson_value* begin(const cson_value* source) {
-        if (cson_value_is_array(source))
-            return begin_container(source, cson_value_array(source)->list);
-        if (cson_value_is_object(source))
-            return begin_container(source, cson_value_object(source)->list);
-        return copy_scalar(source);
-    }
-
-    cson_value* copy_scalar(const cson_value* source) {
-        if (cson_value_is_undefined(source))
+        if (source == nullptr || source->api == nullptr)
             return nullptr;
         cson_pool* small = open.empty() ? nullptr : &pool;
         switch (source->api->kind) {
         case cson_kind_null:
             return cson_value_null_constant();
         case cson_kind_boolean:
-            return cson_value_from_bool(cson_value_bool(source));
+            return cson_value_from_bool(source->value != nullptr);
         case cson_kind_integer:
             return cson_build_int(small, cson_value_int(source));
         case cson_kind_double:
             return cson_build_double(small, cson_value_double(source));
-        case cson_kind_string:
-            return cson_build_string(small, cson_value_text(source),
-                                     cson_string_size(cson_value_string(source)));
+        case cson_kind_string: {
+            const auto* string = static_cast<const cson_string*>(source->value);
+            return cson_build_string(small, cson_string_text(string), string->length);
+        }
+        case cson_kind_array:
+            return begin_array(source, cson_payload<cson_array>(source)->list);
+        case cson_kind_object:
+            return begin_object(source, cson_payload<cson_object>(source)->list);
         default:
             return nullptr;
         }
     }
 
+    cson_value* begin_array(const cson_value* source, const cson_value_list& list) {
+        return begin_container<cson_value_list>(source, list.count, true);
+    }
+
+    cson_value* begin_object(const cson_value* source, const cson_kvp_list& list) {
+        const bool pair_by_pair = copies_pair_by_pair(list);
+        const std::uint32_t capacity =
+            pair_by_pair && list.count != 0 ? capacity_of_copy(list.count) : list.count;
+        return begin_container<cson_kvp_list>(source, capacity, pair_by_pair);
+    }
+
     template <class List>
-    cson_value* begin_container(const cson_value* source, const List& list) {
-        cson_value* made = cson_build_value(&pool, source->api->kind, 0);
+    cson_value* begin_container(const cson_value* source, std::uint32_t capacity,
+                                bool pair_by_pair) {
+        cson_value* made = cson_build_container(&pool, source->api->kind);
         if (made == nullptr)
             return nullptr;
-        auto* made_list = cson_payload<List>(made);
-        const bool unique = prepare(list);
-        if (cson_build_reserve(&pool, made_list, list.count) < list.count ||
-            !open.push({source, made, 0, unique})) {
-            cson_value_release(made);
-            return nullptr;
+        auto* list = cson_payload<List>(made);
+        if (capacity != 0)
+            list->items = cson_build_storage(&pool, list, capacity, nullptr, 0);
+        if ((capacity == 0 || list->items != nullptr) &&
+            open.push({source, made, 0, pair_by_pair})) {
+            list->capacity = capacity;
+            return made;
         }
-        return made;
+        cson_value_release(made);
+        return nullptr;
     }
 
-    static bool prepare(const cson_value_list&) { return true; }
-
-    static bool prepare(const cson_kvp_list& list) {
-        return list.count > many_pairs && keys_are_unique(list);
-    }
-
-    bool copy_next_entry() {
-        frame& top = open.top();
-        const std::uint32_t index = top.next++;
-        if (cson_value_is_array(top.source))
-            return copy_element(cson_value_array(top.source)->list, cson_value_array(top.copy),
-                                index);
-        return copy_pair(cson_value_object(top.source)->list, cson_value_object(top.copy), index,
-                         top.unique_keys);
-    }
-
-    bool copy_element(const cson_value_list& source, cson_array* target, std::uint32_t index) {
-        if (index >= source.count) {
-            target->list.count = source.count;
-            open.pop();
-            return true;
+    // Both go on to the end of the container on top, or up to one within, which comes first.
+    bool copy_elements() {
+        const std::size_t depth = open.size();
+        const cson_value_list& source = cson_payload<cson_array>(open.top().source)->list;
+        cson_value_list& target = cson_payload<cson_array>(open.top().copy)->list;
+        while (open.size() == depth) {
+            const std::uint32_t index = open.top().next++;
+            if (index == source.count) {
+                open.pop();
+                return true;
+            }
+            target.count = index + 1;
+            if (source.items[index] == nullptr)
+                continue;
+            cson_value* entry = begin(source.items[index]);
+            if (entry == nullptr)
+                return false;
+            target.items[index] = entry;
+            cson_count_owner(entry);
         }
-        if (source.items[index] == nullptr)
-            return true;
-        cson_value* entry = begin(source.items[index]);
-        if (entry == nullptr)
-            return false;
-        target->list.items[index] = entry;
-        target->list.count = index + 1;
-        cson_count_owner(entry);
         return true;
     }
 
-    bool copy_pair(const cson_kvp_list& source, cson_object* target, std::uint32_t index,
-                   bool unique_keys) {
-        if (index >= source.count) {
-            open.pop();
-            return true;
+    bool copy_pairs() {
+        const std::size_t depth = open.size();
+        const cson_kvp_list& source = cson_payload<cson_object>(open.top().source)->list;
+        auto* target = cson_payload<cson_object>(open.top().copy);
+        const bool pair_by_pair = open.top().pair_by_pair;
+        while (open.size() == depth) {
+            const std::uint32_t index = open.top().next++;
+            if (index == source.count) {
+                open.pop();
+                return true;
+            }
+            const cson_kvp* pair = source.items[index];
+            if (pair == nullptr || pair->key == nullptr)
+                continue;
+            if (!(pair_by_pair ? add_pair(target, pair) : put_pair(target, pair)))
+                return false;
         }
-        const cson_kvp* pair = source.items[index];
-        if (pair == nullptr || pair->key == nullptr)
-            return true;
-        cson_value* key = copy_key(pair->key);
-        cson_value* member = key != nullptr ? begin(pair->value) : nullptr;
-        if (member != nullptr && store(target, key, member, unique_keys))
+        return true;
+    }
+
+    bool add_pair(cson_object* target, const cson_kvp* source) {
+        cson_value* key = copy_key(source->key);
+        cson_kvp* pair = key != nullptr ? cson_build_kvp(&pool, key, nullptr) : nullptr;
+        if (pair == nullptr)
+            return false;
+        target->list.items[target->list.count++] = pair;
+        cson_count_owner(key);
+        pair->value = begin(source->value);
+        if (pair->value != nullptr)
+            cson_count_owner(pair->value);
+        return pair->value != nullptr;
+    }
+
+    bool put_pair(cson_object* target, const cson_kvp* source) {
+        cson_value* key = copy_key(source->key);
+        cson_value* member = key != nullptr ? begin(source->value) : nullptr;
+        if (member != nullptr &&
+            cson_object_put_string(target, cson_value_string(key), member) == cson_OK)
             return true;
         cson_value_release(member);
         return false;
-    }
-
-    bool store(cson_object* target, cson_value* key, cson_value* member, bool unique_keys) {
-        if (unique_keys)
-            return cson_build_append(&pool, target, key, member, 6) == cson_OK;
-        return cson_build_put(&pool, target, cson_value_string(key), member) == cson_OK;
     }
 
     cson_pool pool;

@@ -1,8 +1,9 @@
 #include "quillon/json/tree_builder.h"
 
-#include <algorithm>
-#include <cstring>
-#include <utility>
+#include "quillon/json/text_scan.h"
+
+#include <bit>
+#include <limits>
 
 namespace quillon {
 namespace {
@@ -18,34 +19,72 @@ std::uint32_t grown_capacity(std::size_t count, std::uint32_t first) {
                : 0;
 }
 
+// The first and the last bytes, up to eight of each.
+std::uint64_t sample_of(const char* text, std::uint32_t length) {
+    if (length >= 8)
+        return cson_load<std::uint64_t>(text) ^
+               std::rotl(cson_load<std::uint64_t>(text + length - 8), 29);
+    if (length >= 4)
+        return cson_load<std::uint32_t>(text) |
+               std::uint64_t{cson_load<std::uint32_t>(text + length - 4)} << 32;
+    const auto at = [text](std::uint32_t i) {
+        return std::uint64_t{static_cast<unsigned char>(text[i])};
+    };
+    return length != 0 ? at(0) | at(length / 2) << 8 | at(length - 1) << 16 : 0;
+}
+
+// One of `Count`, a power of two, by a multiplicative hash.
+template <std::size_t Count>
+std::size_t slot_of(const char* text, std::uint32_t length) {
+    constexpr std::uint64_t golden_ratio = 0x9E3779B97F4A7C15;
+    return (sample_of(text, length) + length) * golden_ratio >> (65 - std::bit_width(Count));
+}
+
+// Gives a list, which is empty, its entries; false without memory.
 template <class List>
-bool reserve_grown(cson_pool& pool, List* list, std::size_t count, std::uint32_t first) {
+bool fill(cson_pool& pool, List* list, void* const* entries, std::size_t count,
+          std::uint32_t first) {
+    if (count == 0)
+        return true;
     const std::uint32_t capacity = grown_capacity(count, first);
-    return capacity != 0 && cson_build_reserve(&pool, list, capacity) == capacity;
+    const auto used = static_cast<std::uint32_t>(count);
+    if (capacity != 0)
+        *list = {cson_build_storage(&pool, list, capacity, entries, used), used, capacity};
+    if (list->items == nullptr)
+        *list = {};
+    return list->items != nullptr;
 }
 
 bool has_text(const cson_value* string, const char* text, std::uint32_t length) {
     const auto* held = cson_payload<cson_string>(string);
-    return held->length == length && std::memcmp(held + 1, text, length) == 0;
-}
-
-std::size_t hash_of(const char* text, std::uint32_t length) {
-    const auto at = [text](std::uint32_t i) { return static_cast<unsigned char>(text[i]); };
-    return length != 0 ? length + at(0) * 3u + at(length / 2) * 7u + at(length - 1) * 31u : 0;
+    return held->length == length && cson_same_bytes(held + 1, text, length);
 }
 
 } // namespace
 
 cson_tree_builder::~cson_tree_builder() {
-    for (; !entries.empty(); entries.pop())
-        cson_value_release(entries.top());
     for (; !open.empty(); open.pop())
-        cson_value_release(open.top().value);
+        drop_entries(open.top());
     cson_value_release(root);
 }
 
+// Frees what waits for the list of a container; the container itself is one of its parent's.
+void cson_tree_builder::drop_entries(const open_container& container) {
+    const bool is_array = container.value->api->kind == cson_kind_array;
+    for (; entries.size() > container.first; entries.pop()) {
+        if (is_array) {
+            cson_value_release(static_cast<cson_value*>(entries.top()));
+            continue;
+        }
+        auto* pair = static_cast<cson_kvp*>(entries.top());
+        cson_value_release(pair->key);
+        cson_value_release(pair->value);
+        cson_give_back(pair, pair->distance, cson_kvp_tag);
+    }
+}
+
 int cson_tree_builder::begin_container(std::uint32_t kind) {
-    cson_value* container = cson_build_value(&pool, kind, 0);
+    cson_value* container = cson_build_container(&pool, kind);
     if (container == nullptr)
         return cson_AllocError;
     if (root != nullptr) {
@@ -57,77 +96,52 @@ int cson_tree_builder::begin_container(std::uint32_t kind) {
         cson_count_owner(container);
         ++value_count;
     }
-    if (!open.push({container, entries.size()}))
-        return cson_AllocError;
-    cson_count_owner(container);
-    return cson_OK;
+    return open.push({container, entries.size()}) ? cson_OK : cson_AllocError;
 }
 
 int cson_tree_builder::end_container() {
     if (open.empty())
         return cson_RangeError;
     const auto [container, first] = open.top();
-    const int code = container->api->kind == cson_kind_array
-                         ? fill(&cson_payload<cson_array>(container)->list, first)
-                         : fill(&cson_payload<cson_object>(container)->list, first);
-    if (code != cson_OK)
-        return code;
+    const std::size_t count = entries.size() - first;
+    void* const* begin = entries.from(first);
+    const bool is_array = container->api->kind == cson_kind_array;
+    const bool filled =
+        is_array ? fill(pool, &cson_payload<cson_array>(container)->list, begin, count, 7)
+                 : fill(pool, &cson_payload<cson_object>(container)->list, begin, count, 5);
+    if (!filled)
+        return cson_AllocError;
     entries.shrink(first);
     open.pop();
-    cson_value_release(container);
     return cson_OK;
-}
-
-int cson_tree_builder::fill(cson_value_list* list, std::size_t first) {
-    const std::size_t count = entries.size() - first;
-    if (count == 0)
-        return cson_OK;
-    if (!reserve_grown(pool, list, count, 7))
-        return cson_AllocError;
-    std::copy_n(entries.from(first), count, list->items);
-    list->count = static_cast<std::uint32_t>(count);
-    return cson_OK;
-}
-
-int cson_tree_builder::fill(cson_kvp_list* list, std::size_t first) {
-    const std::size_t count = (entries.size() - first) / 2;
-    if (count == 0)
-        return cson_OK;
-    if (!reserve_grown(pool, list, count, 5))
-        return cson_AllocError;
-    cson_value** entry = entries.from(first);
-    for (std::size_t i = 0; i < count; ++i) {
-        cson_kvp* pair = cson_build_kvp(&pool);
-        if (pair == nullptr)
-            return cson_AllocError;
-        pair->key = std::exchange(*entry++, nullptr);
-        pair->value = std::exchange(*entry++, nullptr);
-        list->items[list->count++] = pair;
-    }
-    return cson_OK;
-}
-
-int cson_tree_builder::key(const char* text, std::uint32_t length) {
-    cson_value* value = key_value(text, length);
-    if (value == nullptr)
-        return cson_AllocError;
-    const int code = file(value);
-    if (code == cson_OK)
-        ++key_count;
-    else if (value->refcount == 0)
-        cson_value_release(value);
-    return code;
 }
 
 // The string is made anew unless the tree holds it already: members of many objects share a key.
-cson_value* cson_tree_builder::key_value(const char* text, std::uint32_t length) {
-    cson_value*& known = known_keys[hash_of(text, length) % known_keys.size()];
+int cson_tree_builder::key(const char* text, std::uint32_t length) {
+    cson_value*& known = known_keys[slot_of<known_key_count>(text, length)];
     if (known != nullptr && has_text(known, text, length))
-        return known;
+        return file_key(known);
     cson_value* made = cson_build_string(&pool, text, length);
     if (!cson_value_is_shared(made))
         known = made;
-    return made;
+    return file_key(made);
+}
+
+int cson_tree_builder::file_key(cson_value* value) {
+    if (value == nullptr)
+        return cson_AllocError;
+    cson_kvp* pair = cson_build_kvp(&pool, value, nullptr);
+    if (pair != nullptr && entries.push(pair)) {
+        cson_count_owner(value);
+        waiting = pair;
+        ++key_count;
+        return cson_OK;
+    }
+    if (pair != nullptr)
+        cson_give_back(pair, pair->distance, cson_kvp_tag);
+    if (value->refcount == 0)
+        cson_value_release(value);
+    return cson_AllocError;
 }
 
 int cson_tree_builder::handle(int event, const cson_push_data* data) {

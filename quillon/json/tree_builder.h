@@ -8,7 +8,9 @@
 #include "quillon/json/value.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <utility>
 
 namespace quillon {
 
@@ -16,7 +18,7 @@ namespace quillon {
 //
 // A container gets its list when it ends, with the capacity that adding its entries one by one
 // would have given. Up to then they wait behind those of the containers around it: the elements of
-// an array, keys and members of an object in turn.
+// an array, the pairs of an object.
 class cson_tree_builder {
 public:
     cson_tree_builder() = default;
@@ -49,6 +51,8 @@ public:
     std::uint32_t value_count = 0;
 
 private:
+    static constexpr std::size_t known_key_count = 256;
+
     // A container that has begun, and where its entries begin.
     struct open_container {
         cson_value* value;
@@ -59,32 +63,28 @@ private:
     int add(cson_value* value) {
         if (value == nullptr)
             return cson_AllocError;
-        const int code = file(value);
-        if (code == cson_OK)
-            ++value_count;
-        else
+        if (waiting != nullptr) {
+            std::exchange(waiting, nullptr)->value = value;
+        } else if (!entries.push(value)) {
             cson_value_release(value);
-        return code;
-    }
-
-    int file(cson_value* value) {
-        if (!entries.push(value))
             return cson_AllocError;
+        }
         cson_count_owner(value);
+        ++value_count;
         return cson_OK;
     }
 
     int handle(int event, const cson_push_data* data);
-    cson_value* key_value(const char* text, std::uint32_t length);
-    int fill(cson_value_list* list, std::size_t first);
-    int fill(cson_kvp_list* list, std::size_t first);
+    int file_key(cson_value* value);
+    void drop_entries(const open_container& container);
 
     cson_value* root = nullptr;
+    cson_kvp* waiting = nullptr; // the pair whose key has come, for its member
     cson_stack<open_container> open;
-    cson_stack<cson_value*> entries;
+    cson_stack<void*> entries;
     cson_pool pool;
     // Keys of this tree that may come again, by a hash. No owners: their pairs live longer.
-    std::array<cson_value*, 256> known_keys = {};
+    std::array<cson_value*, known_key_count> known_keys = {};
 };
 
 } // namespace quillon

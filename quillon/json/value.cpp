@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstring>
 #include <limits>
 
 namespace quillon {
@@ -98,7 +99,13 @@ const char* cson_error_name(int code) {
 }
 
 cson_value* cson_value_new(std::uint32_t kind, std::uint32_t extra) {
-    return cson_build_value(nullptr, kind, extra);
+    if (kind < cson_kind_integer || kind > cson_kind_object)
+        return nullptr;
+    const std::size_t bytes = std::size_t{cson_kinds[kind].payload_bytes} + extra;
+    cson_value* value = cson_build_record(nullptr, kind, bytes);
+    if (value != nullptr)
+        std::memset(value->value, 0, bytes);
+    return value;
 }
 
 cson_value* cson_value_from_bool(bool flag) {

@@ -103,29 +103,8 @@ private:
     }
 
     void append(const void* bytes, std::uint32_t count) {
-        copy(buffer.mem + buffer.used, static_cast<bytes_at>(bytes), count);
+        cson_copy_bytes(buffer.mem + buffer.used, bytes, count);
         buffer.used += count;
-    }
-
-    // Most pieces are so short that a call would take longer than the copy.
-    static void copy(unsigned char* target, bytes_at source, std::uint32_t count) {
-        if (count > 16) {
-            std::memcpy(target, source, count);
-        } else if (count >= 8) {
-            copy_ends<8>(target, source, count);
-        } else if (count >= 4) {
-            copy_ends<4>(target, source, count);
-        } else {
-            for (std::uint32_t i = 0; i < count; ++i)
-                target[i] = source[i];
-        }
-    }
-
-    // Copies the first and the last `Size` bytes, which may overlap.
-    template <std::size_t Size>
-    static void copy_ends(unsigned char* target, bytes_at source, std::uint32_t count) {
-        std::memcpy(target, source, Size);
-        std::memcpy(target + count - Size, source + count - Size, Size);
     }
 
     cson_buffer& buffer;
