@@ -309,9 +309,18 @@ private:
         return false;
     }
 
-    // Fills the token buffer to the brim before it grows, as single steps do.
+    // Takes the plain bytes and short escapes that come next in a string, and leaves what is behind
+    // them to the single step.
     bool take_run() {
-        const bytes_at stop = skip_plain(at, end);
+        do {
+            if (!append_until(skip_plain(at, end)))
+                return false;
+        } while (take_escape());
+        return at == end || step();
+    }
+
+    // Fills the token buffer to the brim before it grows, as single steps do.
+    bool append_until(bytes_at stop) {
         while (at < stop) {
             const std::uint32_t room = parser.buffer_capacity - 1 - parser.buffer_count;
             const auto piece = std::min(static_cast<std::uint32_t>(stop - at), std::max(room, 1u));
@@ -320,7 +329,16 @@ private:
             if (!appended)
                 return false;
         }
-        return at == end || step();
+        return true;
+    }
+
+    // Only where both characters would fit into the token buffer, as they do for a moment.
+    bool take_escape() {
+        if (end - at < 2 || *at != '\\' || parser.buffer_capacity - parser.buffer_count < 3)
+            return false;
+        const unsigned char meaning = cson_escape_meaning(at[1]);
+        at += meaning != 0 ? 2 : 0;
+        return meaning != 0 && cson_append_bytes(parser, &meaning, 1);
     }
 
     // The text between the quote at `at` and the next one, and goes behind that; null with a length

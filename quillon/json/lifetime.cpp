@@ -58,10 +58,18 @@ public:
     }
 
 private:
+    // What comes next mostly stands below: entries go from the last to the first.
+    static void fetch_ahead(const void* entry) {
+        __builtin_prefetch(static_cast<const char*>(entry) - 1024);
+    }
+
     bool empty(cson_value_list* list) {
         const cson_value* before = innermost;
-        while (list->count != 0 && innermost == before)
-            drop(list->items[--list->count]);
+        while (list->count != 0 && innermost == before) {
+            cson_value* entry = list->items[--list->count];
+            fetch_ahead(entry);
+            drop(entry);
+        }
         return finish(list, before);
     }
 
@@ -71,6 +79,7 @@ private:
             cson_kvp* pair = list->items[--list->count];
             if (pair == nullptr)
                 continue;
+            fetch_ahead(pair);
             drop(pair->key);
             drop(pair->value);
             cson_give_back(pair, pair->distance, cson_kvp_tag);

@@ -86,34 +86,12 @@ bool append(cson_push_parser& parser, unsigned char byte) {
     return cson_append_bytes(parser, &byte, 1);
 }
 
-// The byte that an escape's letter stands for, or 0 where there is none.
-unsigned char escape_meaning(std::int32_t letter) {
-    switch (letter) {
-    case '"':
-    case '/':
-    case '\\':
-        return static_cast<unsigned char>(letter);
-    case 'b':
-        return '\b';
-    case 'f':
-        return '\f';
-    case 'n':
-        return '\n';
-    case 'r':
-        return '\r';
-    case 't':
-        return '\t';
-    default:
-        return 0;
-    }
-}
-
 bool add_escaped(cson_push_parser& parser, std::int32_t letter) {
     parser.escaped = false;
     if (letter == 'u') // stays with its backslash for the decoder
         return append(parser, 'u');
     trim(parser, 1);
-    const unsigned char meaning = escape_meaning(letter);
+    const unsigned char meaning = cson_escape_meaning(letter);
     if (meaning == 0)
         return fail(parser, cson_push_invalid_escape);
     return append(parser, meaning);
@@ -472,6 +450,27 @@ void configure(cson_push_parser& parser, const cson_push_parser_config& config) 
 }
 
 } // namespace
+
+unsigned char cson_escape_meaning(std::int32_t letter) {
+    switch (letter) {
+    case '"':
+    case '/':
+    case '\\':
+        return static_cast<unsigned char>(letter);
+    case 'b':
+        return '\b';
+    case 'f':
+        return '\f';
+    case 'n':
+        return '\n';
+    case 'r':
+        return '\r';
+    case 't':
+        return '\t';
+    default:
+        return 0;
+    }
+}
 
 bool cson_push_mode(cson_push_parser& parser, signed char mode) {
     if (parser.depth >= 0 && parser.top == parser.depth)

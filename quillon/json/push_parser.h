@@ -63,6 +63,9 @@ inline bool cson_enter_container(cson_push_parser& parser, signed char mode) {
 // What a closing bracket does once the container's end is reported.
 bool cson_leave_container(cson_push_parser& parser, signed char mode);
 
+// The byte that an escape's letter stands for; 0 for "u" and for what is no such letter.
+unsigned char cson_escape_meaning(std::int32_t letter);
+
 // Adds bytes to the token buffer as they are; false without memory.
 bool cson_append_bytes(cson_push_parser& parser, const unsigned char* bytes, std::uint32_t count);
 

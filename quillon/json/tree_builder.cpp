@@ -3,21 +3,10 @@
 #include "quillon/json/text_scan.h"
 
 #include <bit>
-#include <limits>
+#include <utility>
 
 namespace quillon {
 namespace {
-
-// What a list that grows one entry before it is full has come to with `count` entries, 0 where that
-// is more than a list can have.
-std::uint32_t grown_capacity(std::size_t count, std::uint32_t first) {
-    std::uint64_t capacity = first;
-    while (capacity <= count)
-        capacity = (capacity - 1) * 2;
-    return capacity <= std::numeric_limits<std::uint32_t>::max()
-               ? static_cast<std::uint32_t>(capacity)
-               : 0;
-}
 
 // The first and the last bytes, up to eight of each.
 std::uint64_t sample_of(const char* text, std::uint32_t length) {
@@ -38,21 +27,6 @@ template <std::size_t Count>
 std::size_t slot_of(const char* text, std::uint32_t length) {
     constexpr std::uint64_t golden_ratio = 0x9E3779B97F4A7C15;
     return (sample_of(text, length) + length) * golden_ratio >> (65 - std::bit_width(Count));
-}
-
-// Gives a list, which is empty, its entries; false without memory.
-template <class List>
-bool fill(cson_pool& pool, List* list, void* const* entries, std::size_t count,
-          std::uint32_t first) {
-    if (count == 0)
-        return true;
-    const std::uint32_t capacity = grown_capacity(count, first);
-    const auto used = static_cast<std::uint32_t>(count);
-    if (capacity != 0)
-        *list = {cson_build_storage(&pool, list, capacity, entries, used), used, capacity};
-    if (list->items == nullptr)
-        *list = {};
-    return list->items != nullptr;
 }
 
 bool has_text(const cson_value* string, const char* text, std::uint32_t length) {
@@ -83,36 +57,12 @@ void cson_tree_builder::drop_entries(const open_container& container) {
     }
 }
 
-int cson_tree_builder::begin_container(std::uint32_t kind) {
-    cson_value* container = cson_build_container(&pool, kind);
+int cson_tree_builder::begin_root(cson_value* container) {
     if (container == nullptr)
         return cson_AllocError;
-    if (root != nullptr) {
-        const int code = add(container);
-        if (code != cson_OK)
-            return code;
-    } else {
-        root = container;
-        cson_count_owner(container);
-        ++value_count;
-    }
-    return open.push({container, entries.size()}) ? cson_OK : cson_AllocError;
-}
-
-int cson_tree_builder::end_container() {
-    if (open.empty())
-        return cson_RangeError;
-    const auto [container, first] = open.top();
-    const std::size_t count = entries.size() - first;
-    void* const* begin = entries.from(first);
-    const bool is_array = container->api->kind == cson_kind_array;
-    const bool filled =
-        is_array ? fill(pool, &cson_payload<cson_array>(container)->list, begin, count, 7)
-                 : fill(pool, &cson_payload<cson_object>(container)->list, begin, count, 5);
-    if (!filled)
-        return cson_AllocError;
-    entries.shrink(first);
-    open.pop();
+    root = container;
+    cson_count_owner(container);
+    ++value_count;
     return cson_OK;
 }
 

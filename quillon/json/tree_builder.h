@@ -10,6 +10,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <utility>
 
 namespace quillon {
@@ -26,8 +27,27 @@ public:
     cson_tree_builder& operator=(const cson_tree_builder&) = delete;
     ~cson_tree_builder();
 
-    int begin_container(std::uint32_t kind);
-    int end_container();
+    int begin_container(std::uint32_t kind) {
+        cson_value* container = cson_build_container(&pool, kind);
+        const int code = root != nullptr ? add(container) : begin_root(container);
+        if (code != cson_OK)
+            return code;
+        return open.push({container, entries.size()}) ? cson_OK : cson_AllocError;
+    }
+
+    int end_container() {
+        if (open.empty())
+            return cson_RangeError;
+        const auto [container, first] = open.top();
+        const bool is_array = container->api == &cson_kinds[cson_kind_array].api;
+        if (!(is_array ? fill(&cson_payload<cson_array>(container)->list, first, 7)
+                       : fill(&cson_payload<cson_object>(container)->list, first, 5)))
+            return cson_AllocError;
+        entries.shrink(first);
+        open.pop();
+        return cson_OK;
+    }
+
     int key(const char* text, std::uint32_t length);
 
     int integer(std::int32_t number) { return add(cson_build_int(&pool, number)); }
@@ -74,6 +94,35 @@ private:
         return cson_OK;
     }
 
+    // Gives a list, which is empty, the entries that wait for it; false without memory.
+    template <class List>
+    bool fill(List* list, std::size_t first, std::uint32_t first_capacity) {
+        const std::size_t count = entries.size() - first;
+        if (count == 0)
+            return true;
+        const std::uint32_t capacity = grown_capacity(count, first_capacity);
+        list->items = capacity != 0 ? cson_build_storage(&pool, list, capacity, entries.from(first),
+                                                         static_cast<std::uint32_t>(count))
+                                    : nullptr;
+        if (list->items == nullptr)
+            return false;
+        list->count = static_cast<std::uint32_t>(count);
+        list->capacity = capacity;
+        return true;
+    }
+
+    // What a list that grows one entry before it is full has come to with `count` entries, 0 where
+    // that is more than a list can have.
+    static std::uint32_t grown_capacity(std::size_t count, std::uint32_t first) {
+        std::uint64_t capacity = first;
+        while (capacity <= count)
+            capacity = (capacity - 1) * 2;
+        return capacity <= std::numeric_limits<std::uint32_t>::max()
+                   ? static_cast<std::uint32_t>(capacity)
+                   : 0;
+    }
+
+    int begin_root(cson_value* container);
     int handle(int event, const cson_push_data* data);
     int file_key(cson_value* value);
     void drop_entries(const open_container& container);
