@@ -60,13 +60,16 @@ public:
 private:
     // What comes next mostly stands below: entries go from the last to the first.
     static void fetch_ahead(const void* entry) {
-        __builtin_prefetch(static_cast<const char*>(entry) - 1024);
+        __builtin_prefetch(
+            reinterpret_cast<const void*>(reinterpret_cast<std::uintptr_t>(entry) - 1024));
     }
 
     bool empty(cson_value_list* list) {
         const cson_value* before = innermost;
         while (list->count != 0 && innermost == before) {
             cson_value* entry = list->items[--list->count];
+            if (entry == nullptr)
+                continue;
             fetch_ahead(entry);
             drop(entry);
         }

@@ -244,7 +244,8 @@ private:
 
     // What comes next mostly stands above: a tree is made in the order of this walk.
     static void fetch_ahead(const void* entry) {
-        __builtin_prefetch(static_cast<const char*>(entry) + 512);
+        __builtin_prefetch(
+            reinterpret_cast<const void*>(reinterpret_cast<std::uintptr_t>(entry) + 512));
     }
 
     // Both go on to the end of the container on top, or up to one within, which comes first.
