@@ -1,6 +1,14 @@
-// Marks the flat functions that the shared library exports.
+// What marks the names of the public headers for compilers and linkers.
 #pragma once
 
+// Lets a host call an export without the stub that binds it lazily, a fifth of an empty call.
+#if defined(__GNUC__) && !defined(__clang__) && defined(__ELF__)
+    #define QUILLON_DIRECT __attribute__((noplt))
+#else
+    #define QUILLON_DIRECT
+#endif
+
+// Marks the flat functions that the shared library exports.
 #if defined(_WIN32)
     #if defined(QUILLON_STATIC)
         #define QUILLON_API
@@ -10,7 +18,7 @@
         #define QUILLON_API __declspec(dllimport)
     #endif
 #else
-    #define QUILLON_API __attribute__((visibility("default")))
+    #define QUILLON_API __attribute__((visibility("default"))) QUILLON_DIRECT
 #endif
 
 // Marks a variable of a header that each loaded file keeps to itself: the dynamic linker ties no

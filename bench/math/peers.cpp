@@ -1,5 +1,17 @@
 #include "bench/math/peers.h"
 
+namespace {
+
+struct Indexed {
+    quillon::cMatrix3D matrix;
+
+    [[gnu::noinline]] double& operator[](int index) { return matrix[index]; }
+
+    [[gnu::noinline]] const double& operator[](int index) const { return matrix[index]; }
+};
+
+} // namespace
+
 namespace peers {
 
 void multiply(glm::dmat3& m, const glm::dmat3& b) {
@@ -40,6 +52,12 @@ void rotate(quillon::cVector3D& v, const quillon::cMatrix3D& m) {
 
 void rotate(quillon::cVector3D& v, const quillon::cQuaternion& q) {
     plain::rotate(v, q);
+}
+
+void rotate_indexed(quillon::cVector3D& v, const quillon::cQuaternion& q) {
+    Indexed m;
+    plain::from_quaternion(m, q);
+    plain::rotate(v, m);
 }
 
 void slerp(glm::dquat& q, const glm::dquat& a, const glm::dquat& b, double t) {

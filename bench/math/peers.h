@@ -23,6 +23,10 @@ void rotate(Eigen::Vector3d& v, const Eigen::Matrix3d& m);
 void rotate(quillon::cVector3D& v, const quillon::cMatrix3D& m);
 void rotate(quillon::cVector3D& v, const quillon::cQuaternion& q);
 
+// The same where the compiler doesn't see through the indexed access to the matrix: as it is when
+// operator[] stands in a source file of its own.
+void rotate_indexed(quillon::cVector3D& v, const quillon::cQuaternion& q);
+
 void slerp(glm::dquat& q, const glm::dquat& a, const glm::dquat& b, double t);
 void slerp(Eigen::Quaterniond& q, const Eigen::Quaterniond& a, const Eigen::Quaterniond& b,
            double t);

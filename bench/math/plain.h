@@ -31,7 +31,9 @@ inline void multiply(cQuaternion& q, const cQuaternion& b) {
     q.set(x, y, z, w);
 }
 
-inline void from_quaternion(cMatrix3D& m, const cQuaternion& q) {
+// `Matrix` is anything with nine elements under an index.
+template <class Matrix>
+void from_quaternion(Matrix&& m, const cQuaternion& q) {
     const double x = q[0];
     const double y = q[1];
     const double z = q[2];
@@ -70,11 +72,13 @@ inline void slerp(cQuaternion& q, const cQuaternion& a, const cQuaternion& b, do
 }
 
 // Row or column `first` of a matrix, its elements `step` apart, times a vector.
-inline double dot(const cMatrix3D& m, int first, int step, const cVector3D& v) {
+template <class Matrix>
+double dot(const Matrix& m, int first, int step, const cVector3D& v) {
     return m[first] * v[0] + m[first + step] * v[1] + m[first + 2 * step] * v[2];
 }
 
-inline void rotate(cVector3D& v, const cMatrix3D& m) {
+template <class Matrix>
+void rotate(cVector3D& v, const Matrix& m) {
     const cVector3D turned(dot(m, 0, 1, v), dot(m, 3, 1, v), dot(m, 6, 1, v));
     v = turned;
 }

@@ -121,5 +121,7 @@ BENCHMARK_TEMPLATE(in_place, cVector3D, cQuaternion, __cVector3d_rotate_by_quate
     ->Name("vector_by_quaternion/quillon");
 BENCHMARK_TEMPLATE(in_place, cVector3D, cQuaternion, peers::rotate)
     ->Name("vector_by_quaternion/plain");
+BENCHMARK_TEMPLATE(in_place, cVector3D, cQuaternion, peers::rotate_indexed)
+    ->Name("vector_by_quaternion/plain_indexed");
 
 } // namespace

@@ -4,15 +4,18 @@
 #include "quillon/math/quaternion.h"
 #include "quillon/math/text_fields.h"
 #include "quillon/math/trig_tables.h"
+#include "quillon/platform/cpu.h"
 #include "quillon/platform/random.h"
 
 #include <cmath>
 
-using quillon::both;
 using quillon::cMatrix3D;
 using quillon::cQuaternion;
 using quillon::cVector3D;
+using quillon::load;
 using quillon::Pair;
+using quillon::Quad;
+using quillon::store;
 using quillon::trig::direction_at;
 
 namespace {
@@ -114,25 +117,27 @@ void __cMatrix3d_subtract(cMatrix3D& m, const cMatrix3D& b) {
             m.m[row][column] -= b.m[row][column];
 }
 
-// Two columns at once and the third beside them; `b` may be `m`, so nothing is stored before the
-// end.
-void __cMatrix3d_multiply(cMatrix3D& m, const cMatrix3D& b) {
-    const Pair b0{b.m[0][0], b.m[0][1]};
-    const Pair b1{b.m[1][0], b.m[1][1]};
-    const Pair b2{b.m[2][0], b.m[2][1]};
-    const double last[] = {b.m[0][2], b.m[1][2], b.m[2][2]};
-    Pair pairs[3];
-    double thirds[3];
+// A row at once; the fourth lane of a row is overwritten by the row below. `b` may be `m`, so
+// nothing is stored before the end.
+QUILLON_CPU_CLONES void __cMatrix3d_multiply(cMatrix3D& m, const cMatrix3D& b) {
+    double* const elements = &m.m[0][0];
+    const double* const others = &b.m[0][0];
+    Quad b0;
+    Quad b1;
+    Quad b2; // its last element is the matrix's last, so it is read one earlier and shifted
+    load(b0, others);
+    load(b1, others + 3);
+    load(b2, others + 5);
+    b2 = __builtin_shufflevector(b2, b2, 1, 2, 3, 3);
+    Quad rows[3];
     for (int row = 0; row < 3; ++row) {
-        const auto& a = m.m[row];
-        pairs[row] = both(a[0]) * b0 + both(a[1]) * b1 + both(a[2]) * b2;
-        thirds[row] = a[0] * last[0] + a[1] * last[1] + a[2] * last[2];
+        const double* const a = elements + 3 * row;
+        rows[row] = a[0] * b0 + a[1] * b1 + a[2] * b2;
     }
-    for (int row = 0; row < 3; ++row) {
-        m.m[row][0] = pairs[row][0];
-        m.m[row][1] = pairs[row][1];
-        m.m[row][2] = thirds[row];
-    }
+    store(elements, rows[0]);
+    store(elements + 3, rows[1]);
+    store(elements + 6, Pair{rows[2][0], rows[2][1]});
+    elements[8] = rows[2][2];
 }
 
 double __cMatrix3d_get_determinant(const cMatrix3D& m) {
@@ -203,7 +208,7 @@ void __cVector3d_rotate_backwards_by_matrix(cVector3D& v, const cMatrix3D& m) {
     turn_back(v, m.m);
 }
 
-void __cVector3d_rotate_by_quaternion(cVector3D& v, const cQuaternion& q) {
+QUILLON_CPU_CLONES void __cVector3d_rotate_by_quaternion(cVector3D& v, const cQuaternion& q) {
     turn(v, Rotation(q).m);
 }
 

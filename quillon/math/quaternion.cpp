@@ -5,15 +5,18 @@
 #include "quillon/math/text_fields.h"
 #include "quillon/math/trig_tables.h"
 #include "quillon/math/trigonometry.h"
+#include "quillon/platform/cpu.h"
 #include "quillon/platform/random.h"
 
 #include <cmath>
+#include <limits>
 
-using quillon::both;
 using quillon::cMatrix3D;
 using quillon::cQuaternion;
 using quillon::cVector3D;
-using quillon::Pair;
+using quillon::load;
+using quillon::Quad;
+using quillon::store;
 
 namespace {
 
@@ -141,20 +144,19 @@ void __cQuaternion_subtract(cQuaternion& q, const cQuaternion& b) {
     q.set(q.x - b.x, q.y - b.y, q.z - b.z, q.w - b.w);
 }
 
-// Two components at once. What a pair holds with both signs goes to the first component as it is
-// and to the second negated.
-void __cQuaternion_multiply(cQuaternion& q, const cQuaternion& b) {
-    const Pair qx{q.x, -q.x};
-    const Pair qy = both(q.y);
-    const Pair qz{q.z, -q.z};
-    const Pair qw = both(q.w);
-    const Pair xy{b.x, b.y};
-    const Pair yx{b.y, b.x};
-    const Pair zw{b.z, b.w};
-    const Pair wz{b.w, b.z};
-    const Pair first = qx * wz + qy * zw - qz * yx + qw * xy;
-    const Pair second = qx * yx - qy * xy + qz * wz + qw * zw;
-    q.set(first[0], first[1], second[0], second[1]);
+// All four components at once, a term of each in turn. Negating a factor is exact.
+QUILLON_CPU_CLONES void __cQuaternion_multiply(cQuaternion& q, const cQuaternion& b) {
+    using Bits = std::int64_t __attribute__((vector_size(sizeof(Quad))));
+    constexpr auto minus = std::numeric_limits<std::int64_t>::min();
+    Quad xyzw;
+    load(xyzw, &b.x);
+    const auto wzyx = reinterpret_cast<Bits>(__builtin_shufflevector(xyzw, xyzw, 3, 2, 1, 0));
+    const auto zwxy = reinterpret_cast<Bits>(__builtin_shufflevector(xyzw, xyzw, 2, 3, 0, 1));
+    const auto yxwz = reinterpret_cast<Bits>(__builtin_shufflevector(xyzw, xyzw, 1, 0, 3, 2));
+    const Quad product = q.x * reinterpret_cast<Quad>(wzyx ^ Bits{0, minus, 0, minus}) +
+                         q.y * reinterpret_cast<Quad>(zwxy ^ Bits{0, 0, minus, minus}) +
+                         q.z * reinterpret_cast<Quad>(yxwz ^ Bits{minus, 0, 0, minus}) + q.w * xyzw;
+    store(&q.x, product);
 }
 
 void __cQuaternion_from_string(cQuaternion& q, const char* text) {

@@ -2,6 +2,7 @@
 
 #include "quillon/math/lanes.h"
 #include "quillon/math/text_fields.h"
+#include "quillon/platform/cpu.h"
 
 #include <algorithm>
 #include <bit>
@@ -12,10 +13,10 @@
 #include <limits>
 #include <string_view>
 
-using quillon::both;
 using quillon::cSpline3D;
 using quillon::cVector3D;
 using quillon::Pair;
+using quillon::Quad;
 using quillon::square_roots;
 
 namespace {
@@ -53,93 +54,100 @@ Place place_of(const cSpline3D& s, double t) {
     return place;
 }
 
-// The point at any index, wrapped or clamped; the spline has at least one.
-const cVector3D& point_at(const cSpline3D& s, std::int32_t index) {
-    if (index >= 0 && index < s.count)
-        return s.points[index];
+[[gnu::noinline]] const cVector3D& point_beyond(const cSpline3D& s, std::int32_t index) {
     if (!s.closed)
         return s.points[index < 0 ? 0 : s.count - 1];
     const std::int32_t rest = index % s.count;
     return s.points[rest < 0 ? rest + s.count : rest];
 }
 
-// Vectors at both ends of a segment, worked on at once: lane 0 where it starts, lane 1 where it
-// ends. Square roots and divisions are what a segment costs, and a pair of them takes as long as
-// one.
-struct Ends {
-    Pair x;
-    Pair y;
-    Pair z;
+// The point at any index, wrapped or clamped; the spline has at least one.
+[[gnu::always_inline]] inline const cVector3D& point_at(const cSpline3D& s, std::int32_t index) {
+    if (index >= 0 && index < s.count) [[likely]]
+        return s.points[index];
+    return point_beyond(s, index);
+}
 
-    static Ends of(const cVector3D& start, const cVector3D& end) {
-        return {Pair{start.x, end.x}, Pair{start.y, end.y}, Pair{start.z, end.z}};
-    }
-
-    Ends swapped() const { return {Pair{x[1], x[0]}, Pair{y[1], y[0]}, Pair{z[1], z[0]}}; }
-
-    Ends operator+(const Ends& b) const { return {x + b.x, y + b.y, z + b.z}; }
-
-    Ends operator-(const Ends& b) const { return {x - b.x, y - b.y, z - b.z}; }
-
-    Ends operator*(Pair factor) const { return {x * factor, y * factor, z * factor}; }
-
-    Ends operator/(Pair divisor) const { return {x / divisor, y / divisor, z / divisor}; }
-
-    Pair lengths() const { return square_roots(x * x + y * y + z * z); }
-
-    // As cVector3D::normalized, given the lengths: dividing by a length of exactly 1 changes
-    // nothing.
-    Ends units(Pair lengths) const { return *this / (lengths == both(0.0) ? both(1.0) : lengths); }
-
-    cVector3D start() const { return {x[0], y[0], z[0]}; }
-
-    cVector3D end() const { return {x[1], y[1], z[1]}; }
-};
-
-// The cubic Bezier segment from one point to the next, its inner control points taken three times.
+// The cubic Bezier segment from one point to the next: in each component the points at its two
+// ends, and the control points between them, taken three times.
 struct Segment {
-    Ends points;
-    Ends handles;
+    Pair ends[3];
+    Pair handles[3];
 
-    cVector3D at(double u) const {
+    void at(cVector3D& out, double u) const {
         const double v = 1.0 - u;
-        const Ends outer = points * Pair{v * v * v, u * u * u};
-        const Ends inner = handles * Pair{v * v * u, v * u * u};
-        return outer.start() + inner.start() + inner.end() + outer.end();
+        const Pair outer{v * v * v, u * u * u};
+        const Pair inner{v * v * u, v * u * u};
+        double sums[3];
+        for (int c = 0; c < 3; ++c) {
+            const Pair far = ends[c] * outer;
+            const Pair near = handles[c] * inner;
+            sums[c] = far[0] + near[0] + near[1] + far[1];
+        }
+        out.set(sums[0], sums[1], sums[2]);
     }
 };
+
+// Divides vectors by their lengths, as cVector3D::normalized does: dividing by a length of exactly
+// 1 changes nothing. Gives the lengths.
+template <class Lanes>
+[[gnu::always_inline]] inline void normalize(Lanes (&vectors)[3], Lanes& lengths) {
+    const auto& [x, y, z] = vectors;
+    square_roots(lengths, x * x + y * y + z * z);
+    const Lanes divisors = lengths == Lanes{} ? Lanes{} + 1.0 : lengths;
+    for (Lanes& component : vectors)
+        component /= divisors;
+}
 
 // The segment that leaves point `index`: tangents bisect the unit chords that meet at an end, where
 // two do, and handles are a third of the chord long.
-Segment segment_at(const cSpline3D& s, std::int32_t index) {
-    const Ends points = Ends::of(point_at(s, index), point_at(s, index + 1));
-    const Ends inward = points.swapped() - points;
-    const Pair length = both(inward.lengths()[0]);
-    Ends tangents = inward.units(length);
-    const bool starts_path = index <= 0;
-    const bool ends_path = index >= s.count - 2;
-    if (!starts_path || !ends_path) {
-        const Ends outward = points - Ends::of(point_at(s, index - 1), point_at(s, index + 2));
-        const Ends sums = tangents + outward.units(outward.lengths());
-        const Ends bisectors = sums.units(sums.lengths());
-        tangents = Ends::of(starts_path ? tangents.start() : bisectors.start(),
-                            ends_path ? tangents.end() : bisectors.end());
+//
+// Square roots and divisions are what a segment costs, and four of them take little longer than
+// one. So lanes 0 and 1 hold the segment's chord as seen from its start and its end, lanes 2 and 3
+// those of its neighbours.
+[[gnu::always_inline]] inline void read_segment(Segment& segment, const cSpline3D& s,
+                                                std::int32_t index) {
+    const double* const before = &point_at(s, index - 1).x;
+    const double* const start = &point_at(s, index).x;
+    const double* const end = &point_at(s, index + 1).x;
+    const double* const after = &point_at(s, index + 2).x;
+
+    Quad chords[3];
+    for (int c = 0; c < 3; ++c)
+        chords[c] =
+            Quad{end[c], start[c], start[c], end[c]} - Quad{start[c], end[c], before[c], after[c]};
+    Quad lengths;
+    normalize(chords, lengths);
+
+    Pair tangents[3];
+    for (int c = 0; c < 3; ++c)
+        tangents[c] = Pair{chords[c][0], chords[c][1]} + Pair{chords[c][2], chords[c][3]};
+    Pair sums;
+    normalize(tangents, sums);
+
+    using Mask = decltype(sums == sums);
+    const Mask alone{-(index <= 0), -(index >= s.count - 2)};
+    for (int c = 0; c < 3; ++c) {
+        const Pair tangent = alone ? Pair{chords[c][0], chords[c][1]} : tangents[c];
+        segment.ends[c] = Pair{start[c], end[c]};
+        segment.handles[c] = (segment.ends[c] + tangent * lengths[0] / 3.0) * 3.0;
     }
-    return {points, (points + tangents * length / both(3.0)) * both(3.0)};
 }
 
 // Reads a smooth path at one parameter after another; neighbours mostly share a segment.
 class SmoothReader {
 public:
-    explicit SmoothReader(const cSpline3D& spline) : s(spline), segment(segment_at(spline, 0)) {}
+    explicit SmoothReader(const cSpline3D& spline) : s(spline) { read_segment(segment, s, index); }
 
     cVector3D at(double t) {
         const Place place = place_of(s, t);
         if (place.index != index) {
             index = place.index;
-            segment = segment_at(s, index);
+            read_segment(segment, s, index);
         }
-        return segment.at(place.fraction);
+        cVector3D value;
+        segment.at(value, place.fraction);
+        return value;
     }
 
 private:
@@ -214,13 +222,15 @@ void __cSpline3d_get_hard_value(const cSpline3D& s, cVector3D& out, double t) {
     out = start + (end - start) * place.fraction;
 }
 
-void __cSpline3d_get_smooth_value(const cSpline3D& s, cVector3D& out, double t) {
+QUILLON_CPU_CLONES void __cSpline3d_get_smooth_value(const cSpline3D& s, cVector3D& out, double t) {
     if (s.count <= 0) {
         out = quillon::VECTOR3D_ZERO;
         return;
     }
     const Place place = place_of(s, t);
-    out = segment_at(s, place.index).at(place.fraction);
+    Segment segment;
+    read_segment(segment, s, place.index);
+    segment.at(out, place.fraction);
 }
 
 double __cSpline3d_get_value_closest_to(const cSpline3D& s, const cVector3D& target,

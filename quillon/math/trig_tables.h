@@ -2,8 +2,10 @@
 #pragma once
 
 #include "quillon/math/constants.h"
+#include "quillon/platform/convert.h"
 
 #include <cstdint>
+#include <limits>
 
 namespace quillon::trig {
 
@@ -18,17 +20,17 @@ extern double sines[circle_entries];
 
 // `position` truncated toward zero and wrapped into 0 to `entries - 1`; 0 where it fits no integer.
 template <std::int32_t entries>
-[[gnu::always_inline]] inline std::int32_t wrapped_index(double position) {
-    if (position > -1.0 && position < entries) [[likely]]
-        return static_cast<std::int32_t>(position);
-    constexpr double beyond = 9223372036854775808.0;
-    if (!(position > -beyond && position < beyond))
+[[gnu::always_inline]] inline std::int64_t wrapped_index(double position) {
+    const std::int64_t whole = platform::truncated(position);
+    if (static_cast<std::uint64_t>(whole) < entries) [[likely]]
+        return whole;
+    if (whole == std::numeric_limits<std::int64_t>::min())
         return 0;
-    const auto rest = static_cast<std::int32_t>(static_cast<std::int64_t>(position) % entries);
+    const std::int64_t rest = whole % entries;
     return rest < 0 ? rest + entries : rest;
 }
 
-[[gnu::always_inline]] inline std::int32_t circle_index(double degrees) {
+[[gnu::always_inline]] inline std::int64_t circle_index(double degrees) {
     return wrapped_index<circle_entries>(degrees * 200.0 + 0.5);
 }
 
@@ -44,7 +46,7 @@ struct Direction {
 
 // cosTR and sinTR of one angle in one look-up.
 [[gnu::always_inline]] inline Direction direction_at(double radians) {
-    const std::int32_t index = circle_index(to_degrees(radians));
+    const std::int64_t index = circle_index(to_degrees(radians));
     return {cosines[index], sines[index]};
 }
 

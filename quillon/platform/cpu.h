@@ -1,6 +1,8 @@
 // Runs a kernel with the widest vectors that the machine offers.
 #pragma once
 
+#include <cstddef> // where the C library names itself
+
 namespace quillon::platform {
 
 // Not on Windows: GCC aligns stacks to 16 bytes there, and spills AVX registers as if it were 32.
@@ -19,7 +21,7 @@ template <auto kernel, typename... Arguments>
 // QUILLON_NO_AVX2 leaves the path of older machines alone; our tests run both.
 template <auto kernel, typename... Arguments>
 void run_vectorised(Arguments... arguments) {
-    if (__builtin_cpu_supports("avx2"))
+    if (__builtin_cpu_supports("avx2")) [[likely]]
         run_with_avx2<kernel>(arguments...);
     else
         kernel(arguments...);
@@ -36,3 +38,12 @@ void run_vectorised(Arguments... arguments) {
 #endif
 
 } // namespace quillon::platform
+
+// Compiles a function twice, for AVX2 and for any x86-64, and lets the dynamic loader pick. For
+// functions so short that the test in run_vectorised would show. Where the compiler or the loader
+// can't, it is one function, for any x86-64: Clang takes no declaration without the attribute.
+#if defined(__x86_64__) && defined(__GLIBC__) && !defined(__clang__) && !defined(QUILLON_NO_AVX2)
+    #define QUILLON_CPU_CLONES __attribute__((target_clones("avx2", "default")))
+#else
+    #define QUILLON_CPU_CLONES
+#endif
