@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstddef>
 #include <cstring>
 #include <memory>
@@ -194,18 +193,7 @@ void bare_traffic(const Model& model) {
     }
 }
 
-cVector3D plain_tangent(const cVector3D* p, const TexCoord* uv) {
-    const cVector3D e1 = p[1] - p[0];
-    const cVector3D e2 = p[2] - p[0];
-    const double dv1 = uv[1].y - uv[0].y;
-    const double dv2 = uv[2].y - uv[0].y;
-    const double det = (uv[1].x - uv[0].x) * dv2 - (uv[2].x - uv[0].x) * dv1;
-    if (std::fabs(det) < 0.0001)
-        return {1.0, 0.0, 0.0};
-    return ((e1 * dv2 - e2 * dv1) * (1.0 / det)).normalized();
-}
-
-// A plain reading of the tangents: polygon by polygon through the flat function's formula.
+// A plain reading of the tangents: polygon by polygon through the flat function.
 void plain_tangents(const Model& model) {
     const cRenderCache& cache = *model.cache;
     for (std::size_t poly = 0; poly < cache.poly_count; ++poly) {
@@ -217,7 +205,8 @@ void plain_tangents(const Model& model) {
             p[c].set(position[0], position[1], position[2]);
             uv[c] = {cache.texcoords[(entry + c) * 2], cache.texcoords[(entry + c) * 2 + 1]};
         }
-        const cVector3D tangent = plain_tangent(p, uv);
+        cVector3D tangent;
+        __tarn_find_tangent_from_tri(tangent, p, uv);
         for (std::size_t c = 0; c < cache.verts_per_poly; ++c)
             plain_write(cache.tangents, entry + c, tangent);
     }
@@ -236,25 +225,19 @@ void run(benchmark::State& state, void (*work)(const Model&), Model& (*model)())
     state.SetItemsProcessed(state.iterations() * CORNERS);
 }
 
-} // namespace
+#define QUILLON_BENCH(name, work, model)                                                           \
+    BENCHMARK_CAPTURE(run, name, work, model)->Unit(benchmark::kMillisecond)
 
-BENCHMARK_CAPTURE(run, verts_bare, bare_traffic, in_corner_order)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(run, verts_plain, plain_from_verts, in_corner_order)
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(run, verts_quillon, from_verts, in_corner_order)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(run, polys_grid_plain, plain_from_polys, in_grid_order)
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(run, polys_grid_quillon, from_polys, in_grid_order)
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(run, polys_random_plain, plain_from_polys, in_random_order)
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(run, polys_random_quillon, from_polys, in_random_order)
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(run, tangents_quads_plain, plain_tangents, in_grid_order)
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(run, tangents_quads_quillon, tangents, in_grid_order)
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(run, tangents_triangles_plain, plain_tangents, in_triangles)
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(run, tangents_triangles_quillon, tangents, in_triangles)
-    ->Unit(benchmark::kMillisecond);
+QUILLON_BENCH(verts_bare, bare_traffic, in_corner_order);
+QUILLON_BENCH(verts_plain, plain_from_verts, in_corner_order);
+QUILLON_BENCH(verts_quillon, from_verts, in_corner_order);
+QUILLON_BENCH(polys_grid_plain, plain_from_polys, in_grid_order);
+QUILLON_BENCH(polys_grid_quillon, from_polys, in_grid_order);
+QUILLON_BENCH(polys_random_plain, plain_from_polys, in_random_order);
+QUILLON_BENCH(polys_random_quillon, from_polys, in_random_order);
+QUILLON_BENCH(tangents_quads_plain, plain_tangents, in_grid_order);
+QUILLON_BENCH(tangents_quads_quillon, tangents, in_grid_order);
+QUILLON_BENCH(tangents_triangles_plain, plain_tangents, in_triangles);
+QUILLON_BENCH(tangents_triangles_quillon, tangents, in_triangles);
+
+} // namespace

@@ -10,101 +10,134 @@ using quillon::cRenderCache;
 using quillon::cVector3D;
 using TexCoord = quillon::cVector2D<double>;
 
+// Vectors are passed between functions that are all inlined: no calling convention comes into it.
+#pragma GCC diagnostic ignored "-Wpsabi"
+
 namespace {
 
 constexpr double SMALLEST_DETERMINANT = 0.0001;
 
-// A batch turns polygons by the dozen: each row holds one number of every polygon, so that the
-// arithmetic runs over vectors and no division waits for the one before.
+// So many polygons are worked on in two short loops, since a processor overlaps more of the roots
+// and divisions of a short one.
 constexpr std::size_t BATCH = 64;
-using Row = float[BATCH];
 
-struct Batch {
-    Row positions[9];
-    Row texcoords[6];
-    Row tangents[3];
+// Works on as many polygons at once as a vector has lanes, each of which holds one number of one
+// polygon.
+template <typename Floats, typename Doubles, std::size_t... lane>
+struct Kernel {
+    static constexpr std::size_t LANES = sizeof...(lane);
+
+    // A vector of each polygon.
+    struct Directions {
+        Doubles x, y, z;
+    };
+
+    // The number of each polygon, whose entries are `stride` apart.
+    [[gnu::always_inline]] static Doubles gather(const float* number, std::size_t stride) {
+        return Doubles{number[lane * stride]...};
+    }
+
+    // The tangents by the arithmetic of __tarn_find_tangent_from_tri, not yet normalised.
+    [[gnu::always_inline]] static Directions
+    find_directions(const float* positions, const float* texcoords, std::size_t corners) {
+        const auto texture_step = [=](std::size_t corner, std::size_t axis)
+            __attribute__((always_inline)) {
+            return gather(texcoords + corner * 2 + axis, corners * 2) -
+                   gather(texcoords + axis, corners * 2);
+        };
+        const auto edge = [=](std::size_t corner, std::size_t axis) __attribute__((always_inline)) {
+            return gather(positions + corner * 3 + axis, corners * 3) -
+                   gather(positions + axis, corners * 3);
+        };
+        const Doubles du1 = texture_step(1, 0);
+        const Doubles dv1 = texture_step(1, 1);
+        const Doubles du2 = texture_step(2, 0);
+        const Doubles dv2 = texture_step(2, 1);
+        const Doubles determinant = du1 * dv2 - du2 * dv1;
+        const auto degenerate =
+            (determinant > -SMALLEST_DETERMINANT) & (determinant < SMALLEST_DETERMINANT);
+        const Doubles r = 1.0 / determinant;
+        const auto direction = [&](std::size_t axis, double fallback)
+            __attribute__((always_inline)) {
+            return degenerate ? Doubles{} + fallback
+                              : (edge(1, axis) * dv2 - edge(2, axis) * dv1) * r;
+        };
+        return {direction(0, 1.0), direction(1, 0.0), direction(2, 0.0)};
+    }
+
+    // Normalises the directions and writes them to every corner of their polygons.
+    //
+    // Each entry is written with one float too many, which the next one covers.
+    [[gnu::always_inline]] static void write_tangents(const Directions& directions, float* tangents,
+                                                      std::size_t corners) {
+        const auto& [x, y, z] = directions;
+        const Doubles squared = x * x + y * y + z * z;
+        const Doubles length = {std::sqrt(squared[lane])...};
+        const Doubles divisor = length == 0.0 ? Doubles{} + 1.0 : length;
+        const Floats unit_x = __builtin_convertvector(x / divisor, Floats);
+        const Floats unit_y = __builtin_convertvector(y / divisor, Floats);
+        const Floats unit_z = __builtin_convertvector(z / divisor, Floats);
+        for (std::size_t i = 0; i < LANES; ++i) {
+            const float tangent[] = {unit_x[i], unit_y[i], unit_z[i], 0.0F};
+            for (std::size_t c = 0; c < corners; ++c, tangents += 3)
+                std::memcpy(tangents, tangent, sizeof(tangent));
+        }
+    }
+
+    [[gnu::always_inline]] static void fill(const cRenderCache* cache, std::size_t polys,
+                                            std::size_t corners) {
+        Directions batch[BATCH / LANES];
+        for (std::size_t first = 0; first < polys; first += BATCH) {
+            const std::size_t count = std::min(BATCH, polys - first) / LANES;
+            const float* positions = cache->positions + first * corners * 3;
+            const float* texcoords = cache->texcoords + first * corners * 2;
+            float* tangents = cache->tangents + first * corners * 3;
+            for (std::size_t i = 0; i < count; ++i)
+                batch[i] = find_directions(positions + i * LANES * corners * 3,
+                                           texcoords + i * LANES * corners * 2, corners);
+            for (std::size_t i = 0; i < count; ++i)
+                write_tangents(batch[i], tangents + i * LANES * corners * 3, corners);
+        }
+    }
+
+    // Fills the first `polys` polygons, of which there is a multiple of LANES. Compiled once for
+    // triangles, once for quads and once for all others.
+    [[gnu::always_inline]] static void run(const cRenderCache* cache, std::size_t polys) {
+        const std::size_t corners = cache->verts_per_poly;
+        if (corners == 3)
+            fill(cache, polys, 3);
+        else if (corners == 4)
+            fill(cache, polys, 4);
+        else
+            fill(cache, polys, corners);
+    }
 };
 
-using Four [[gnu::vector_size(16)]] = float;
+using TwoFloats [[gnu::vector_size(8)]] = float;
+using FourFloats [[gnu::vector_size(16)]] = float;
+using TwoDoubles [[gnu::vector_size(16)]] = double;
+using FourDoubles [[gnu::vector_size(32)]] = double;
+using NarrowKernel = Kernel<TwoFloats, TwoDoubles, 0, 1>;
+using WideKernel = Kernel<FourFloats, FourDoubles, 0, 1, 2, 3>;
 
-Four load(const float* from) {
-    Four four;
-    std::memcpy(&four, from, sizeof(four));
-    return four;
-}
-
-void store(float* to, const Four& four) {
-    std::memcpy(to, &four, sizeof(four));
-}
-
-// Writes four numbers of four polygons, whose records are `stride` apart, to column `i` and the
-// next three of four rows.
-void transpose(const float* record, std::size_t stride, Row* rows, std::size_t i) {
-    const Four a = load(record);
-    const Four b = load(record + stride);
-    const Four c = load(record + 2 * stride);
-    const Four d = load(record + 3 * stride);
-    const Four ab_low = __builtin_shufflevector(a, b, 0, 4, 1, 5);
-    const Four cd_low = __builtin_shufflevector(c, d, 0, 4, 1, 5);
-    const Four ab_high = __builtin_shufflevector(a, b, 2, 6, 3, 7);
-    const Four cd_high = __builtin_shufflevector(c, d, 2, 6, 3, 7);
-    store(rows[0] + i, __builtin_shufflevector(ab_low, cd_low, 0, 1, 4, 5));
-    store(rows[1] + i, __builtin_shufflevector(ab_low, cd_low, 2, 3, 6, 7));
-    store(rows[2] + i, __builtin_shufflevector(ab_high, cd_high, 0, 1, 4, 5));
-    store(rows[3] + i, __builtin_shufflevector(ab_high, cd_high, 2, 3, 6, 7));
-}
-
-// Spreads the first `width` floats of `count` records over as many rows.
-template <std::size_t width>
-void gather(const float* records, std::size_t stride, std::size_t count, Row (&rows)[width]) {
-    std::size_t i = 0;
-    for (; i + 4 <= count; i += 4, records += 4 * stride) {
-        // The last four rows overlap those before, since no width is a multiple of four.
-        for (std::size_t row = 0; row + 4 < width; row += 4)
-            transpose(records + row, stride, rows + row, i);
-        transpose(records + width - 4, stride, rows + width - 4, i);
+void fill_polygon(const cRenderCache& cache, std::size_t poly) {
+    const std::size_t entry = poly * cache.verts_per_poly;
+    cVector3D positions[3];
+    TexCoord texcoords[3];
+    for (std::size_t c = 0; c < 3; ++c) {
+        const float* position = cache.positions + (entry + c) * 3;
+        const float* texcoord = cache.texcoords + (entry + c) * 2;
+        positions[c].set(position[0], position[1], position[2]);
+        texcoords[c] = {texcoord[0], texcoord[1]};
     }
-    for (; i < count; ++i, records += stride)
-        for (std::size_t row = 0; row < width; ++row)
-            rows[row][i] = records[row];
-}
-
-// The arithmetic of __tarn_find_tangent_from_tri on every column. Divisors that it goes round
-// become 1, which divides without a trace.
-[[gnu::always_inline]] inline void find_tangents(Batch* batch) {
-    const auto& p = batch->positions;
-    const auto& uv = batch->texcoords;
-    for (std::size_t i = 0; i < BATCH; ++i) {
-        const double x0 = p[0][i];
-        const double y0 = p[1][i];
-        const double z0 = p[2][i];
-        const double u0 = uv[0][i];
-        const double v0 = uv[1][i];
-        const double du1 = uv[2][i] - u0;
-        const double dv1 = uv[3][i] - v0;
-        const double du2 = uv[4][i] - u0;
-        const double dv2 = uv[5][i] - v0;
-        const double determinant = du1 * dv2 - du2 * dv1;
-        const bool degenerate = std::fabs(determinant) < SMALLEST_DETERMINANT;
-        const double r = 1.0 / (degenerate ? 1.0 : determinant);
-        const double x = (dv2 * (p[3][i] - x0) - dv1 * (p[6][i] - x0)) * r;
-        const double y = (dv2 * (p[4][i] - y0) - dv1 * (p[7][i] - y0)) * r;
-        const double z = (dv2 * (p[5][i] - z0) - dv1 * (p[8][i] - z0)) * r;
-        const double length = std::sqrt(x * x + y * y + z * z);
-        const double divisor = length == 0.0 ? 1.0 : length;
-        batch->tangents[0][i] = static_cast<float>(degenerate ? 1.0 : x / divisor);
-        batch->tangents[1][i] = static_cast<float>(degenerate ? 0.0 : y / divisor);
-        batch->tangents[2][i] = static_cast<float>(degenerate ? 0.0 : z / divisor);
+    cVector3D tangent;
+    __tarn_find_tangent_from_tri(tangent, positions, texcoords);
+    float* to = cache.tangents + entry * 3;
+    for (std::size_t c = 0; c < cache.verts_per_poly; ++c, to += 3) {
+        to[0] = static_cast<float>(tangent.x);
+        to[1] = static_cast<float>(tangent.y);
+        to[2] = static_cast<float>(tangent.z);
     }
-}
-
-// Writes column `i` to every corner of a polygon. All but the last are written with one float too
-// many, which the next corner covers.
-void scatter(const Batch& batch, std::size_t i, float* tangents, std::size_t corners) {
-    const Four tangent = {batch.tangents[0][i], batch.tangents[1][i], batch.tangents[2][i], 0.0F};
-    for (std::size_t c = 1; c < corners; ++c, tangents += 3)
-        store(tangents, tangent);
-    std::memcpy(tangents, &tangent, 3 * sizeof(float));
 }
 
 } // namespace
@@ -127,17 +160,12 @@ void __tarn_find_tangent_from_tri(cVector3D& out, const cVector3D* positions,
 
 void __mGraphics_render_cache_calc_tangents(cRenderCache* cache) {
     if (cache == nullptr || cache->positions == nullptr || cache->texcoords == nullptr ||
-        cache->tangents == nullptr || cache->verts_per_poly < 3)
+        cache->tangents == nullptr || cache->verts_per_poly < 3 || cache->poly_count == 0)
         return;
-    const std::size_t corners = cache->verts_per_poly;
-    Batch batch{};
-    for (std::size_t first = 0; first < cache->poly_count; first += BATCH) {
-        const std::size_t count = std::min<std::size_t>(BATCH, cache->poly_count - first);
-        const std::size_t entry = first * corners;
-        gather(cache->positions + entry * 3, corners * 3, count, batch.positions);
-        gather(cache->texcoords + entry * 2, corners * 2, count, batch.texcoords);
-        quillon::platform::run_vectorised<find_tangents>(&batch);
-        for (std::size_t i = 0; i < count; ++i)
-            scatter(batch, i, cache->tangents + (entry + i * corners) * 3, corners);
-    }
+    // The last polygon has none behind it that would cover its float too many.
+    const std::size_t vectorised = (cache->poly_count - 1) / WideKernel::LANES * WideKernel::LANES;
+    quillon::platform::run_vectorised<WideKernel::run, NarrowKernel::run>(
+        static_cast<const cRenderCache*>(cache), vectorised);
+    for (std::size_t poly = vectorised; poly < cache->poly_count; ++poly)
+        fill_polygon(*cache, poly);
 }
