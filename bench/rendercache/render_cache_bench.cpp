@@ -1,4 +1,5 @@
 // Unrolling and tangents on a million corners, beside a plain reading and the bare memory traffic.
+#include "quillon/platform/stores.h"
 #include "quillon/rendercache/tangents.h"
 
 #include <benchmark/benchmark.h>
@@ -193,6 +194,32 @@ void bare_traffic(const Model& model) {
     }
 }
 
+// The least that the grid costs, attribute by attribute: each line of the indices and of the
+// elements is fetched once, and each entry written past the cache.
+template <std::size_t width, class Source>
+void bare_grid_attribute(const std::vector<std::uint32_t>& indices,
+                         const std::vector<Source>& sources, float* array) {
+    for (std::size_t i = 0; i < CORNERS; i += CORNERS_PER_QUAD) {
+        float index;
+        float first;
+        std::memcpy(&index, &indices[i], sizeof(index));
+        std::memcpy(&first, static_cast<const void*>(&sources[i / CORNERS_PER_QUAD]),
+                    sizeof(first));
+        std::array<float, 4> four;
+        four.fill(index + first);
+        for (std::size_t to = 0; to < width * CORNERS_PER_QUAD; to += four.size())
+            quillon::platform::StreamingStores::put(array + i * width + to, four.data());
+    }
+}
+
+void bare_grid(const Model& model) {
+    bare_grid_attribute<3>(model.indices[0], model.positions, model.cache->positions);
+    bare_grid_attribute<3>(model.indices[2], model.normals, model.cache->normals);
+    bare_grid_attribute<2>(model.indices[1], model.texcoords, model.cache->texcoords);
+    bare_grid_attribute<4>(model.indices[3], model.colors, model.cache->colors);
+    quillon::platform::finish_streaming();
+}
+
 // A plain reading of the tangents: polygon by polygon through the flat function.
 void plain_tangents(const Model& model) {
     const cRenderCache& cache = *model.cache;
@@ -231,6 +258,7 @@ void run(benchmark::State& state, void (*work)(const Model&), Model& (*model)())
 QUILLON_BENCH(verts_bare, bare_traffic, in_corner_order);
 QUILLON_BENCH(verts_plain, plain_from_verts, in_corner_order);
 QUILLON_BENCH(verts_quillon, from_verts, in_corner_order);
+QUILLON_BENCH(polys_grid_bare, bare_grid, in_grid_order);
 QUILLON_BENCH(polys_grid_plain, plain_from_polys, in_grid_order);
 QUILLON_BENCH(polys_grid_quillon, from_polys, in_grid_order);
 QUILLON_BENCH(polys_random_plain, plain_from_polys, in_random_order);

@@ -21,9 +21,9 @@ namespace {
 constexpr std::size_t STREAM_FROM = std::size_t{1} << 17;
 
 // Sources in corner order are read side by side in runs of this many corners, which keeps the
-// prefetchers busy. Indexed sources go one after the other, since scattered reads want the cache to
-// themselves.
-constexpr std::size_t RUN = 64;
+// prefetchers busy and writes as many bytes as whole cache lines have to every array. Indexed
+// sources go one after the other, since scattered reads want the cache to themselves.
+constexpr std::size_t RUN = 16;
 
 // Four entries of any attribute fill whole stores.
 constexpr std::size_t GROUP = 4;
