@@ -77,8 +77,36 @@ TEST(ColorTable, EveryNameFindsItsColorInAnyCase) {
         ASSERT_NE(nullptr, found);
         expect_color(*found, color.r, color.g, color.b, color.a);
     }
-    expect_color(*__nsColor_color_table("Invisible"), 1, 1, 1, 0);
-    expect_color(*__nsColor_color_table("gold"), 212 / 255.0F, 175 / 255.0F, 55 / 255.0F, 1);
+}
+
+// Some colours, and the sums over all 53, as the palette was published.
+TEST(ColorTable, HoldsThePalette) {
+    using Bytes = std::array<int, 4>;
+    const auto bytes_of = [](const cColor& color) {
+        Bytes bytes{};
+        for (int i = 0; i < 4; ++i)
+            bytes[i] = quillon::clamped_byte_from_component(color[i]);
+        return bytes;
+    };
+
+    const struct {
+        const char* name;
+        Bytes bytes;
+    } cases[] = {
+        {"White", {255, 255, 255, 255}},  {"Scarlet", {255, 36, 0, 255}},
+        {"SeaGreen", {0, 255, 127, 255}}, {"CornflowerBlue", {100, 149, 237, 255}},
+        {"Ochre", {204, 119, 34, 255}},   {"Gold", {212, 175, 55, 255}},
+        {"Copper", {184, 115, 51, 255}},  {"Invisible", {255, 255, 255, 0}},
+    };
+
+    for (const auto& row : cases)
+        EXPECT_EQ(row.bytes, bytes_of(*__nsColor_color_table(row.name))) << row.name;
+
+    Bytes sums{};
+    for (const auto& [name, color] : quillon::NAMED_COLORS)
+        for (std::size_t i = 0; i < sums.size(); ++i)
+            sums[i] += bytes_of(color)[i];
+    EXPECT_EQ((Bytes{6969, 6067, 5716, 13260}), sums);
 }
 
 TEST(ColorTable, OtherNamesFindNothing) {

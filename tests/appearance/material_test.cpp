@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <string>
 #include <type_traits>
 
@@ -107,6 +108,30 @@ TEST(MaterialTable, EveryNameFindsItsMaterialInAnyCase) {
         expect_color(found->emission, 0, 0, 0, found->diffuse.a);
     }
     expect_same(quillon::MATERIAL_DEFAULT, *__nsMaterial_material_table("White"));
+}
+
+// A material, and the sums over all 27, as they were published.
+TEST(MaterialTable, HoldsTheMaterials) {
+    const cMaterial& jade = *__nsMaterial_material_table("Jade");
+    expect_color(jade.ambient, 0.135F, 0.2225F, 0.1575F, 0.95F);
+    expect_color(jade.diffuse, 0.54F, 0.89F, 0.63F, 0.95F);
+    expect_color(jade.specular, 0.316228F, 0.316228F, 0.316228F, 0.95F);
+    EXPECT_EQ(12.8F, jade.shininess);
+
+    // In millionths, so that the sums are exact and no digit is lost in them.
+    using Sums = std::array<long, 11>;
+    Sums sums{};
+    for (const auto& [name, material] : quillon::NAMED_MATERIALS) {
+        std::size_t i = 0;
+        for (const cColor* color : {&material.ambient, &material.diffuse, &material.specular})
+            for (const int channel : {0, 1, 2})
+                sums[i++] += std::lround((*color)[channel] * 1e6);
+        sums[9] += std::lround(material.diffuse.a * 1e6);
+        sums[10] += std::lround(material.shininess * 1e4);
+    }
+    EXPECT_EQ((Sums{7011662, 5593662, 3517132, 13239818, 11327332, 7629451, 10868152, 12184906,
+                    12934888, 24692000, 10446076}),
+              sums);
 }
 
 TEST(MaterialTable, OtherNamesFindNothing) {
