@@ -58,33 +58,13 @@ public:
     }
 
     constexpr float& operator[](int index) {
-        switch (index) {
-        case 0:
-            return r;
-        case 1:
-            return g;
-        case 2:
-            return b;
-        case 3:
-            return a;
-        default:
-            return detail::zeroed(detail::writable_scratch<cColor, float>);
-        }
+        return is_component(index) ? this->*COMPONENTS[index]
+                                   : detail::zeroed(detail::writable_scratch<cColor, float>);
     }
 
     constexpr const float& operator[](int index) const {
-        switch (index) {
-        case 0:
-            return r;
-        case 1:
-            return g;
-        case 2:
-            return b;
-        case 3:
-            return a;
-        default:
-            return detail::zeroed(detail::readable_scratch<cColor, float>);
-        }
+        return is_component(index) ? this->*COMPONENTS[index]
+                                   : detail::zeroed(detail::readable_scratch<cColor, float>);
     }
 
     std::uint32_t serialize(std::uint8_t* buffer) const override {
@@ -102,6 +82,11 @@ public:
     std::uint32_t serialized_size() const override { return 4; }
 
     constexpr virtual ~cColor() {} // NOLINT(modernize-use-equals-default): see cVector3D
+
+private:
+    static constexpr bool is_component(int index) { return index >= 0 && index < 4; }
+
+    static constexpr float cColor::*COMPONENTS[] = {&cColor::r, &cColor::g, &cColor::b, &cColor::a};
 };
 
 } // namespace quillon
