@@ -117,8 +117,8 @@ private:
     }
 
     bytes_at take_eights(bytes_at at, bytes_at limit) {
-        while (std::endian::native == std::endian::little && limit - at >= 8) {
-            const auto bytes = cson_load<std::uint64_t>(at);
+        while (limit - at >= 8) {
+            const std::uint64_t bytes = cson_load_text(at);
             if (!are_digits(bytes))
                 break;
             mantissa = mantissa * 100000000 + eight_digits(bytes);
@@ -226,7 +226,7 @@ private:
     // Indentation, eight blanks at a time.
     bytes_at skip_blanks(bytes_at from) const {
         constexpr std::uint64_t blanks = cson_ones * ' ';
-        while (limit - from >= 8 && cson_load<std::uint64_t>(from) == blanks)
+        while (limit - from >= 8 && cson_load_text(from) == blanks)
             from += 8;
         while (*from == ' ')
             ++from;

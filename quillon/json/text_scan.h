@@ -20,31 +20,44 @@ constexpr std::uint64_t cson_bytes_equal(std::uint64_t bytes, unsigned char byte
     return cson_bytes_below(bytes ^ cson_ones * byte, 1);
 }
 
+template <class Word>
+Word cson_load(const void* bytes) {
+    Word word = 0;
+    std::memcpy(&word, bytes, sizeof(word));
+    return word;
+}
+
+// Eight bytes as a number whose lowest byte is the first, on every machine.
+inline std::uint64_t cson_load_text(const void* bytes) {
+    if constexpr (std::endian::native == std::endian::little)
+        return cson_load<std::uint64_t>(bytes);
+    std::uint64_t word = 0;
+    for (unsigned i = 0; i < 8; ++i)
+        word |= std::uint64_t{static_cast<const unsigned char*>(bytes)[i]} << 8 * i;
+    return word;
+}
+
+inline void cson_store_text(unsigned char* bytes, std::uint64_t word) {
+    if constexpr (std::endian::native == std::endian::little)
+        std::memcpy(bytes, &word, sizeof(word));
+    else
+        for (unsigned i = 0; i < 8; ++i)
+            bytes[i] = static_cast<unsigned char>(word >> 8 * i);
+}
+
 // The first position from `at` on whose byte stops, or the end. `stops_in` tells of eight bytes
 // which of them stop, as the two above do; `stops` tells it of one.
 template <class StopsIn, class Stops>
 inline const unsigned char* cson_skip(const unsigned char* at, const unsigned char* end,
                                       StopsIn stops_in, Stops stops) {
     for (; end - at >= 8; at += 8) {
-        std::uint64_t bytes = 0;
-        std::memcpy(&bytes, at, sizeof(bytes));
-        const std::uint64_t found = stops_in(bytes);
-        if (found == 0)
-            continue;
-        if constexpr (std::endian::native == std::endian::little)
+        const std::uint64_t found = stops_in(cson_load_text(at));
+        if (found != 0)
             return at + std::countr_zero(found) / 8;
-        break;
     }
     while (at < end && !stops(*at))
         ++at;
     return at;
-}
-
-template <class Word>
-Word cson_load(const void* bytes) {
-    Word word = 0;
-    std::memcpy(&word, bytes, sizeof(word));
-    return word;
 }
 
 // True if the first and the last bytes of `count`, which may overlap, are the same.

@@ -1,17 +1,19 @@
 #include "quillon/json/writer.h"
 
 #include "quillon/json/containers.h"
-#include "quillon/json/double_text.h"
+#include "quillon/json/number_text.h"
 #include "quillon/json/stack.h"
 #include "quillon/json/text_scan.h"
 
 #include <algorithm>
 #include <array>
-#include <charconv>
+#include <bit>
 #include <clocale>
+#include <cstddef>
 #include <cstring>
 #include <limits>
 #include <string_view>
+#include <utility>
 
 namespace quillon {
 namespace {
@@ -37,7 +39,9 @@ public:
         return code;
     }
 
-    static bool quote(bytes_at, std::uint32_t) { return false; }
+    static unsigned char* room(std::uint64_t) { return nullptr; }
+
+    static void advance(const unsigned char*) {}
 
 private:
     cson_sink sink;
@@ -60,14 +64,14 @@ public:
         return cson_OK;
     }
 
-    // Adds a quoted run; false, with nothing added, if the buffer would have to grow.
-    bool quote(bytes_at bytes, std::uint32_t count) {
-        if (std::uint64_t{buffer.used} + count + 2 >= buffer.capacity)
-            return false;
-        append("\"", 1);
-        append(bytes, count);
-        append("\"", 1);
-        return true;
+    // Where up to `count` bytes may be put before the buffer would have to grow, or null.
+    unsigned char* room(std::uint64_t count) {
+        return buffer.used + count < buffer.capacity ? buffer.mem + buffer.used : nullptr;
+    }
+
+    // Adds what was put there, up to `end`.
+    void advance(const unsigned char* end) {
+        buffer.used = static_cast<std::uint32_t>(end - buffer.mem);
     }
 
     // Grows where single bytes would have made it grow.
@@ -136,81 +140,144 @@ bool goes_out_raw(unsigned char c, bool escape_slashes) {
     return escapes[c] == 0 || (c == '/' && !escape_slashes);
 }
 
+// Of eight bytes, those that may not go out as they are.
+std::uint64_t escaped_in(std::uint64_t bytes, bool escape_slashes) {
+    return (bytes & cson_high_bits) | cson_bytes_below(bytes, 0x20) | cson_bytes_equal(bytes, '"') |
+           cson_bytes_equal(bytes, '\\') | (escape_slashes ? cson_bytes_equal(bytes, '/') : 0);
+}
+
 // The first byte from `at` on that may not go out as it is.
 bytes_at skip_raw(bytes_at at, bytes_at end, bool escape_slashes) {
-    const std::uint64_t slashes = escape_slashes ? cson_high_bits : 0;
     return cson_skip(
         at, end,
-        [slashes](std::uint64_t bytes) {
-            return (bytes & cson_high_bits) | cson_bytes_below(bytes, 0x20) |
-                   cson_bytes_equal(bytes, '"') | cson_bytes_equal(bytes, '\\') |
-                   (cson_bytes_equal(bytes, '/') & slashes);
-        },
+        [escape_slashes](std::uint64_t bytes) { return escaped_in(bytes, escape_slashes); },
         [escape_slashes](unsigned char c) { return !goes_out_raw(c, escape_slashes); });
 }
 
-template <class Output>
-int write_code_point(Output& output, std::uint32_t code_point) {
+// One character that may not go out as it is, in up to six bytes. Null where it is beyond four
+// digits.
+unsigned char* put_character(unsigned char* to, bytes_at& at, bytes_at end, bool escape_slashes) {
     constexpr const char* digits = "0123456789abcdef";
-    if (code_point > 0xFFFF)
-        return cson_RangeError;
-    std::array<char, 6> text = {'\\', 'u'};
-    for (std::size_t i = 0; i < 4; ++i)
-        text[i + 2] = digits[code_point >> (12 - 4 * i) & 0xF];
-    return output.piece(text.data(), 6);
-}
-
-// Writes one character, which may be a raw one.
-template <class Output>
-int write_character(Output& output, bytes_at& at, bytes_at end, bool escape_slashes) {
+    const unsigned char first = *at;
     const bytes_at begin = at;
     const std::uint32_t code_point = cson_utf8_next(at, end, &at);
-    if (at - begin > 1)
-        return write_code_point(output, code_point);
-    if (goes_out_raw(*begin, escape_slashes) || *begin >= 0x80)
-        return output.piece(begin, 1);
-    const std::array<char, 2> pair = {'\\', escapes[*begin]};
-    return output.piece(pair.data(), 2);
+    if (at - begin == 1) {
+        const bool raw = goes_out_raw(first, escape_slashes) || first >= 0x80;
+        to[0] = '\\';
+        to[raw ? 0 : 1] = raw ? first : static_cast<unsigned char>(escapes[first]);
+        return to + (raw ? 1 : 2);
+    }
+    if (code_point > 0xFFFF)
+        return nullptr;
+    std::memcpy(to, "\\u", 2);
+    for (unsigned i = 0; i < 4; ++i)
+        to[i + 2] = static_cast<unsigned char>(digits[code_point >> (12 - 4 * i) & 0xF]);
+    return to + 6;
+}
+
+// No character takes more than three times its bytes.
+std::uint64_t quoted_room(std::uint32_t length) {
+    return 3 * std::uint64_t{length} + 8;
+}
+
+// The next eight bytes of a string's text; behind the end, blanks. The eight bytes ahead of the end
+// can always be read, as in front of a text stands its value.
+std::uint64_t next_bytes(bytes_at at, bytes_at end) {
+    if (end - at >= 8)
+        return cson_load_text(at);
+    const auto missing = static_cast<unsigned>(8 - (end - at));
+    return cson_load_text(end - 8) >> 8 * missing | cson_ones * ' ' << 8 * (8 - missing);
+}
+
+// The string between quotes, into room for it. Null, with nothing to be kept, where a character
+// can't be written.
+unsigned char* put_quoted(unsigned char* to, const cson_string* string, bool escape_slashes) {
+    auto at = reinterpret_cast<bytes_at>(string + 1);
+    const bytes_at end = at + string->length;
+    *to++ = '"';
+    while (at < end) {
+        const std::uint64_t bytes = next_bytes(at, end);
+        const std::uint64_t escaped = escaped_in(bytes, escape_slashes);
+        cson_store_text(to, bytes);
+        const std::ptrdiff_t plain =
+            escaped != 0 ? std::countr_zero(escaped) / 8 : std::min<std::ptrdiff_t>(end - at, 8);
+        at += plain;
+        to += plain;
+        if (escaped == 0)
+            continue;
+        if (*at == 0)
+            break;
+        to = put_character(to, at, end, escape_slashes);
+        if (to == nullptr)
+            return nullptr;
+    }
+    *to++ = '"';
+    return to;
 }
 
 // Ends at a zero byte; a string that fails has no closing quote.
 template <class Output>
-int write_quoted(Output& output, const char* text, std::uint32_t length, bool escape_slashes) {
+int write_text(Output& output, const char* text, std::uint32_t length, bool escape_slashes) {
     if (text == nullptr || length == 0 || *text == 0)
         return write_piece(output, "\"\"");
     auto at = reinterpret_cast<bytes_at>(text);
     const bytes_at end = at + length;
-    if (skip_raw(at, end, escape_slashes) == end && output.quote(at, length))
-        return cson_OK;
     int code = write_piece(output, "\"");
     while (code == cson_OK && at < end && *at != 0) {
         const bytes_at stop = skip_raw(at, end, escape_slashes);
         code = output.run(at, static_cast<std::uint32_t>(stop - at));
         at = stop;
-        if (code == cson_OK && at < end && *at != 0)
-            code = write_character(output, at, end, escape_slashes);
+        if (code != cson_OK || at == end || *at == 0)
+            continue;
+        std::array<unsigned char, 32> character; // more than it takes
+        const unsigned char* behind = put_character(character.data(), at, end, escape_slashes);
+        code = behind != nullptr
+                   ? output.piece(character.data(),
+                                  static_cast<std::uint32_t>(behind - character.data()))
+                   : int{cson_RangeError};
     }
     return code == cson_OK ? write_piece(output, "\"") : code;
+}
+
+template <class Output>
+int write_string(Output& output, const cson_string* string, bool escape_slashes) {
+    unsigned char* to = output.room(quoted_room(string->length));
+    to = to != nullptr ? put_quoted(to, string, escape_slashes) : nullptr;
+    if (to == nullptr)
+        return write_text(output, reinterpret_cast<const char*>(string + 1), string->length,
+                          escape_slashes);
+    output.advance(to);
+    return cson_OK;
 }
 
 // --- Scalars -----------------------------------------------------------------------------------
 
 template <class Output>
 int write_integer(Output& output, std::int32_t number) {
-    std::array<char, 100> text;
-    const char* end = std::to_chars(text.data(), text.data() + text.size(), number).ptr;
+    if (unsigned char* to = output.room(cson_number_room)) {
+        output.advance(cson_put_integer(to, number));
+        return cson_OK;
+    }
+    std::array<unsigned char, cson_number_room> text;
+    const unsigned char* end = cson_put_integer(text.data(), number);
     return output.piece(text.data(), static_cast<std::uint32_t>(end - text.data()));
 }
 
 template <class Output>
-int write_double(Output& output, double number, const char* point) {
-    cson_double_block text;
-    std::uint32_t length = cson_format_double(text, number, point);
-    if (length == 0)
+int write_double(Output& output, double number, std::string_view point) {
+    unsigned char* to = output.room(cson_number_room);
+    to = to != nullptr ? cson_put_double(to, number, point) : nullptr;
+    if (to != nullptr) {
+        output.advance(to);
+        return cson_OK;
+    }
+    std::array<unsigned char, cson_double_room> text;
+    const unsigned char* end = cson_put_double(text.data(), number, point);
+    if (end == nullptr)
+        end = cson_put_formatted(text.data(), number);
+    if (end == nullptr)
         return cson_RangeError;
-    while (length > 1 && text[length - 1] == '0' && text[length - 2] != '.')
-        --length;
-    return output.piece(text.data(), length);
+    return output.piece(text.data(), static_cast<std::uint32_t>(end - text.data()));
 }
 
 template <class Output>
@@ -242,7 +309,7 @@ public:
     int write(const cson_value* value) {
         int code = write_value(value);
         while (code == cson_OK && !open.empty())
-            code = write_entry();
+            code = open.top().array != nullptr ? write_elements() : write_pairs();
         return code;
     }
 
@@ -269,11 +336,12 @@ private:
         case cson_kind_boolean:
             return write_piece(output, value->value != nullptr ? "true" : "false");
         case cson_kind_integer:
-            return write_integer(output, cson_value_int(value));
+            return write_integer(output, payload_or_zero<std::int32_t>(value));
         case cson_kind_double:
-            return write_double(output, cson_value_double(value), point);
+            return write_double(output, payload_or_zero<double>(value), point);
         case cson_kind_string:
-            return write_string(static_cast<const cson_string*>(value->value));
+            return write_string(output, static_cast<const cson_string*>(value->value),
+                                options.escape_slashes);
         case cson_kind_array: {
             const auto* array = static_cast<const cson_array*>(value->value);
             return begin({array, nullptr, array->list.count, 0, false, false}, "[]");
@@ -287,9 +355,10 @@ private:
         }
     }
 
-    int write_string(const cson_string* string) {
-        return write_quoted(output, cson_string_text(string), cson_string_size(string),
-                            options.escape_slashes);
+    // The shared zeros have no payload.
+    template <class Number>
+    static Number payload_or_zero(const cson_value* value) {
+        return value->value != nullptr ? *static_cast<const Number*>(value->value) : Number{0};
     }
 
     int begin(frame opened, std::string_view brackets) {
@@ -307,21 +376,47 @@ private:
         return opened.indent ? write_line_break(output, options.indentation, level()) : cson_OK;
     }
 
-    // Writes what is due: a comma, then the next entry or the end.
-    int write_entry() {
-        frame& top = open.top();
-        if (top.comma_due) {
-            top.comma_due = false;
-            const int code = write_comma(top.indent);
+    // Both go on to the end of the container on top, or up to one within, which comes first.
+    int write_elements() {
+        const std::size_t depth = open.size();
+        int code = cson_OK;
+        while (code == cson_OK && open.size() == depth) {
+            frame& top = open.top();
+            if (top.next == top.count)
+                return end("]");
+            const std::uint32_t index = top.next++;
+            const cson_value* element = top.array->list.items[index];
+            if (index != 0)
+                code = write_comma(top.indent);
+            if (code == cson_OK)
+                code = write_element(element);
+        }
+        return code;
+    }
+
+    int write_pairs() {
+        const std::size_t depth = open.size();
+        int code = cson_OK;
+        while (code == cson_OK && open.size() == depth) {
+            frame& top = open.top();
+            if (std::exchange(top.comma_due, false))
+                code = write_comma(top.indent);
             if (code != cson_OK)
                 return code;
+            if (top.next == top.count)
+                return end("}");
+            const cson_kvp* pair = top.object->list.items[top.next++];
+            const cson_string* key = key_of(pair);
+            if (key == nullptr)
+                continue;
+            top.comma_due = top.next != top.count;
+            code = write_string(output, key, options.escape_slashes);
+            if (code == cson_OK)
+                code = write_piece(output, options.space_after_colon ? ": " : ":");
+            if (code == cson_OK)
+                code = write_element(pair->value);
         }
-        if (top.next == top.count)
-            return end();
-        const std::uint32_t index = top.next++;
-        top.comma_due = top.next != top.count;
-        return top.array != nullptr ? write_element(top.array->list.items[index])
-                                    : write_pair(top, top.object->list.items[index]);
+        return code;
     }
 
     int write_comma(bool indent) {
@@ -335,36 +430,23 @@ private:
         return element != nullptr ? write_value(element) : write_piece(output, "null");
     }
 
-    int write_pair(frame& top, const cson_kvp* pair) {
-        const cson_string* key = key_of(pair);
-        if (key == nullptr) {
-            top.comma_due = false;
-            return cson_OK;
-        }
-        int code = write_string(key);
-        if (code == cson_OK)
-            code = write_piece(output, options.space_after_colon ? ": " : ":");
-        return code == cson_OK ? write_element(pair->value) : code;
-    }
-
     static const cson_string* key_of(const cson_kvp* pair) {
         const bool has_key =
             pair != nullptr && pair->key != nullptr && pair->key->api->kind == cson_kind_string;
         return has_key ? static_cast<const cson_string*>(pair->key->value) : nullptr;
     }
 
-    int end() {
-        const bool is_array = open.top().array != nullptr;
+    int end(std::string_view bracket) {
         const bool indent = open.top().indent;
         open.pop();
         const int code = indent ? write_line_break(output, options.indentation, level()) : cson_OK;
-        return code == cson_OK ? write_piece(output, is_array ? "]" : "}") : code;
+        return code == cson_OK ? write_piece(output, bracket) : code;
     }
 
     Output& output;
     const cson_write_options& options;
     const std::uint32_t first_level;
-    const char* const point = std::localeconv()->decimal_point;
+    const std::string_view point = std::localeconv()->decimal_point;
     cson_stack<frame> open;
 };
 
@@ -446,7 +528,7 @@ int cson_write_text(const char* text, std::uint32_t length, bool escape_slashes,
     if (sink == nullptr)
         return cson_ArgError;
     sink_output output(sink, state, false);
-    return write_quoted(output, text, length, escape_slashes);
+    return write_text(output, text, length, escape_slashes);
 }
 
 int cson_write_array(const cson_value* value, cson_sink sink, void* state,

@@ -1,9 +1,10 @@
 #include "json_testing.h"
 
-#include "quillon/json/double_text.h"
+#include "quillon/json/number_text.h"
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <clocale>
 #include <cstdio>
 #include <cstring>
@@ -83,11 +84,15 @@ TEST(Write, DoublesEndBehindTheirLastDigit) {
 TEST(Write, DoublesHaveTheFormatsBytes) {
     std::mt19937_64 engine(3);
     const auto check = [](double number) {
-        cson_double_block block;
-        const std::uint32_t length = cson_format_double(block, number, ".");
-        char expected[400];
-        std::snprintf(expected, sizeof(expected), "%f", number);
-        ASSERT_EQ(expected, std::string(block.data(), length));
+        std::array<unsigned char, cson_double_room> text;
+        std::array<unsigned char, cson_double_room> expected;
+        const unsigned char* end = cson_put_double(text.data(), number, ".");
+        const unsigned char* expected_end = cson_put_formatted(expected.data(), number);
+        if (end == nullptr)
+            return;
+        ASSERT_EQ(
+            std::string(expected.cbegin(), expected.cbegin() + (expected_end - expected.data())),
+            std::string(text.cbegin(), text.cbegin() + (end - text.data())));
     };
     for (int round = 0; round < 200000 && !HasFatalFailure(); ++round) {
         const std::uint64_t bits = engine();
