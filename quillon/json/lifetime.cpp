@@ -58,11 +58,7 @@ public:
     }
 
 private:
-    // What comes next mostly stands below: entries go from the last to the first.
-    static void fetch_ahead(const void* entry) {
-        __builtin_prefetch(
-            reinterpret_cast<const void*>(reinterpret_cast<std::uintptr_t>(entry) - 1024));
-    }
+    static constexpr std::intptr_t backwards = -1024;
 
     bool empty(cson_value_list* list) {
         const cson_value* before = innermost;
@@ -70,7 +66,7 @@ private:
             cson_value* entry = list->items[--list->count];
             if (entry == nullptr)
                 continue;
-            fetch_ahead(entry);
+            cson_fetch(entry, backwards);
             drop(entry);
         }
         return finish(list, before);
@@ -82,7 +78,7 @@ private:
             cson_kvp* pair = list->items[--list->count];
             if (pair == nullptr)
                 continue;
-            fetch_ahead(pair);
+            cson_fetch(pair, backwards);
             drop(pair->key);
             drop(pair->value);
             cson_give_back(pair, pair->distance, cson_kvp_tag);

@@ -75,12 +75,10 @@ bool round_to_millionths(const fixed_point& number, std::uint64_t& millionths) {
     const std::uint64_t low = (number.fraction & 0xFFFFFFFF) * million;
     const std::uint64_t high = (number.fraction >> 32) * million + (low >> 32);
     const std::uint64_t rest = high << 32 | (low & 0xFFFFFFFF); // of 2^64, behind the six decimals
-    millionths = high >> 32;
-    const bool close = rest - (half - million) <= million || rest > ~million;
-    if (!number.exact && close)
+    if (!number.exact && (rest - (half - million) <= million || rest > ~million))
         return false;
-    const bool up = rest > half || (rest == half && millionths % 2 != 0);
-    millionths += up ? 1 : 0;
+    millionths = high >> 32;
+    millionths += rest > half - (millionths & 1) ? 1 : 0;
     return true;
 }
 
@@ -110,7 +108,10 @@ unsigned char* cson_put_double(unsigned char* at, double number, std::string_vie
         return nullptr;
     at = put_sign(at, bits >= half);
     at = put_unsigned(at, fixed.whole + (millionths >= million ? 1 : 0));
-    cson_copy_bytes(at, point.data(), point.size());
+    if (point.size() == 1)
+        *at = static_cast<unsigned char>(point.front());
+    else
+        cson_copy_bytes(at, point.data(), point.size());
     return put_decimals(at + point.size(), millionths >= million ? 0 : millionths, point == ".");
 }
 

@@ -13,6 +13,12 @@ struct cson_chunk {
     std::uint32_t blocks;
 };
 
+// Fetches ahead in a walk over a tree, whose blocks mostly stand in the order they were made in.
+inline void cson_fetch(const void* block, std::intptr_t bytes_ahead) {
+    const auto address = reinterpret_cast<std::intptr_t>(block) + bytes_ahead;
+    __builtin_prefetch(reinterpret_cast<const void*>(address));
+}
+
 // Hands out blocks from growing chunks; big ones get an allocation of their own.
 //
 // The blocks may outlive the pool. Blocks of one chunk belong to one thread together.

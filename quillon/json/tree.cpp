@@ -242,12 +242,6 @@ private:
         return nullptr;
     }
 
-    // What comes next mostly stands above: a tree is made in the order of this walk.
-    static void fetch_ahead(const void* entry) {
-        __builtin_prefetch(
-            reinterpret_cast<const void*>(reinterpret_cast<std::uintptr_t>(entry) + 512));
-    }
-
     // Both go on to the end of the container on top, or up to one within, which comes first.
     bool copy_elements() {
         const std::size_t depth = open.size();
@@ -285,7 +279,7 @@ private:
             const cson_kvp* pair = source.items[index];
             if (pair == nullptr || pair->key == nullptr)
                 continue;
-            fetch_ahead(pair);
+            cson_fetch(pair, 512);
             if (!(pair_by_pair ? add_pair(target, pair) : put_pair(target, pair)))
                 return false;
         }

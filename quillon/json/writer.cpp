@@ -2,6 +2,7 @@
 
 #include "quillon/json/containers.h"
 #include "quillon/json/number_text.h"
+#include "quillon/json/pool.h"
 #include "quillon/json/stack.h"
 #include "quillon/json/text_scan.h"
 
@@ -140,10 +141,13 @@ bool goes_out_raw(unsigned char c, bool escape_slashes) {
     return escapes[c] == 0 || (c == '/' && !escape_slashes);
 }
 
-// Of eight bytes, those that may not go out as they are.
+// The high bit of each of eight bytes that may not go out as it is; not exact behind the first.
+// Where a subtraction sets one too many, the byte is beyond ASCII and counts anyway.
 std::uint64_t escaped_in(std::uint64_t bytes, bool escape_slashes) {
-    return (bytes & cson_high_bits) | cson_bytes_below(bytes, 0x20) | cson_bytes_equal(bytes, '"') |
-           cson_bytes_equal(bytes, '\\') | (escape_slashes ? cson_bytes_equal(bytes, '/') : 0);
+    const std::uint64_t quotes = (bytes ^ cson_ones * '"') - cson_ones;
+    const std::uint64_t backslashes = (bytes ^ cson_ones * '\\') - cson_ones;
+    const std::uint64_t slashes = escape_slashes ? (bytes ^ cson_ones * '/') - cson_ones : 0;
+    return (bytes | (bytes - cson_ones * 0x20) | quotes | backslashes | slashes) & cson_high_bits;
 }
 
 // The first byte from `at` on that may not go out as it is.
@@ -199,17 +203,19 @@ unsigned char* put_quoted(unsigned char* to, const cson_string* string, bool esc
         const std::uint64_t bytes = next_bytes(at, end);
         const std::uint64_t escaped = escaped_in(bytes, escape_slashes);
         cson_store_text(to, bytes);
-        const std::ptrdiff_t plain =
+        const std::ptrdiff_t raw =
             escaped != 0 ? std::countr_zero(escaped) / 8 : std::min<std::ptrdiff_t>(end - at, 8);
-        at += plain;
-        to += plain;
+        at += raw;
+        to += raw;
         if (escaped == 0)
             continue;
         if (*at == 0)
             break;
-        to = put_character(to, at, end, escape_slashes);
+        bytes_at behind = at; // whose address is taken, while `at` stays in a register
+        to = put_character(to, behind, end, escape_slashes);
         if (to == nullptr)
             return nullptr;
+        at = behind;
     }
     *to++ = '"';
     return to;
@@ -254,30 +260,33 @@ int write_string(Output& output, const cson_string* string, bool escape_slashes)
 
 template <class Output>
 int write_integer(Output& output, std::int32_t number) {
-    if (unsigned char* to = output.room(cson_number_room)) {
-        output.advance(cson_put_integer(to, number));
-        return cson_OK;
-    }
     std::array<unsigned char, cson_number_room> text;
-    const unsigned char* end = cson_put_integer(text.data(), number);
-    return output.piece(text.data(), static_cast<std::uint32_t>(end - text.data()));
+    unsigned char* room = output.room(text.size());
+    unsigned char* begin = room != nullptr ? room : text.data();
+    const unsigned char* end = cson_put_integer(begin, number);
+    if (room == nullptr)
+        return output.piece(begin, static_cast<std::uint32_t>(end - begin));
+    output.advance(end);
+    return cson_OK;
 }
 
 template <class Output>
 int write_double(Output& output, double number, std::string_view point) {
-    unsigned char* to = output.room(cson_number_room);
-    to = to != nullptr ? cson_put_double(to, number, point) : nullptr;
-    if (to != nullptr) {
-        output.advance(to);
+    std::array<unsigned char, cson_double_room> text;
+    unsigned char* room = output.room(cson_number_room);
+    unsigned char* begin = room != nullptr ? room : text.data();
+    const unsigned char* end = cson_put_double(begin, number, point);
+    if (room != nullptr && end != nullptr) {
+        output.advance(end);
         return cson_OK;
     }
-    std::array<unsigned char, cson_double_room> text;
-    const unsigned char* end = cson_put_double(text.data(), number, point);
-    if (end == nullptr)
-        end = cson_put_formatted(text.data(), number);
+    if (end == nullptr) {
+        begin = text.data();
+        end = cson_put_formatted(begin, number);
+    }
     if (end == nullptr)
         return cson_RangeError;
-    return output.piece(text.data(), static_cast<std::uint32_t>(end - text.data()));
+    return output.piece(begin, static_cast<std::uint32_t>(end - begin));
 }
 
 template <class Output>
@@ -307,10 +316,18 @@ public:
         : output(used_output), options(used_options), first_level(level) {}
 
     int write(const cson_value* value) {
-        int code = write_value(value);
-        while (code == cson_OK && !open.empty())
-            code = open.top().array != nullptr ? write_elements() : write_pairs();
-        return code;
+        for (;;) {
+            const int code = write_value(value);
+            if (code != cson_OK)
+                return code;
+            do {
+                if (open.empty())
+                    return cson_OK;
+                const int next_code = write_up_to_next(value);
+                if (next_code != cson_OK)
+                    return next_code;
+            } while (value == nullptr);
+        }
     }
 
 private:
@@ -376,47 +393,49 @@ private:
         return opened.indent ? write_line_break(output, options.indentation, level()) : cson_OK;
     }
 
-    // Both go on to the end of the container on top, or up to one within, which comes first.
-    int write_elements() {
-        const std::size_t depth = open.size();
+    // Writes what stands ahead of the next value: a comma that is due, and the value's key. The
+    // value is null where there is none: behind the end of a container, for a pair that is skipped.
+    int write_up_to_next(const cson_value*& value) {
+        frame& top = open.top();
+        value = nullptr;
+        if (top.next == top.count)
+            return end();
+        const std::uint32_t index = top.next++;
+        const bool comma = std::exchange(top.comma_due, false);
         int code = cson_OK;
-        while (code == cson_OK && open.size() == depth) {
-            frame& top = open.top();
-            if (top.next == top.count)
-                return end("]");
-            const std::uint32_t index = top.next++;
-            const cson_value* element = top.array->list.items[index];
-            if (index != 0)
-                code = write_comma(top.indent);
-            if (code == cson_OK)
-                code = write_element(element);
+        if (top.array != nullptr) {
+            value = top.array->list.items[index];
+            code = comma ? write_comma(top.indent) : cson_OK;
+        } else {
+            const cson_kvp* pair = top.object->list.items[index];
+            cson_fetch(pair, 512);
+            const cson_string* key = key_of(pair);
+            if (key == nullptr)
+                return comma ? write_comma(top.indent) : cson_OK;
+            value = pair->value;
+            code = write_key(key, comma, top.indent);
         }
+        top.comma_due = top.next != top.count;
+        if (value == nullptr)
+            value = &cson_shared.null;
         return code;
     }
 
-    int write_pairs() {
-        const std::size_t depth = open.size();
-        int code = cson_OK;
-        while (code == cson_OK && open.size() == depth) {
-            frame& top = open.top();
-            if (std::exchange(top.comma_due, false))
-                code = write_comma(top.indent);
-            if (code != cson_OK)
-                return code;
-            if (top.next == top.count)
-                return end("}");
-            const cson_kvp* pair = top.object->list.items[top.next++];
-            const cson_string* key = key_of(pair);
-            if (key == nullptr)
-                continue;
-            top.comma_due = top.next != top.count;
-            code = write_string(output, key, options.escape_slashes);
-            if (code == cson_OK)
-                code = write_piece(output, options.space_after_colon ? ": " : ":");
-            if (code == cson_OK)
-                code = write_element(pair->value);
+    int write_key(const cson_string* key, bool comma, bool indent) {
+        unsigned char* to = indent ? nullptr : output.room(quoted_room(key->length) + 4);
+        if (to != nullptr) {
+            std::memcpy(to, ", ", 2);
+            to = put_quoted(to + (comma ? 2 : 0), key, options.escape_slashes);
         }
-        return code;
+        if (to != nullptr) {
+            std::memcpy(to, ": ", 2);
+            output.advance(to + (options.space_after_colon ? 2 : 1));
+            return cson_OK;
+        }
+        int code = comma ? write_comma(indent) : cson_OK;
+        if (code == cson_OK)
+            code = write_string(output, key, options.escape_slashes);
+        return code == cson_OK ? write_piece(output, options.space_after_colon ? ": " : ":") : code;
     }
 
     int write_comma(bool indent) {
@@ -426,21 +445,18 @@ private:
         return code == cson_OK ? write_line_break(output, options.indentation, level()) : code;
     }
 
-    int write_element(const cson_value* element) {
-        return element != nullptr ? write_value(element) : write_piece(output, "null");
-    }
-
     static const cson_string* key_of(const cson_kvp* pair) {
         const bool has_key =
             pair != nullptr && pair->key != nullptr && pair->key->api->kind == cson_kind_string;
         return has_key ? static_cast<const cson_string*>(pair->key->value) : nullptr;
     }
 
-    int end(std::string_view bracket) {
+    int end() {
+        const bool is_array = open.top().array != nullptr;
         const bool indent = open.top().indent;
         open.pop();
         const int code = indent ? write_line_break(output, options.indentation, level()) : cson_OK;
-        return code == cson_OK ? write_piece(output, bracket) : code;
+        return code == cson_OK ? write_piece(output, is_array ? "]" : "}") : code;
     }
 
     Output& output;
