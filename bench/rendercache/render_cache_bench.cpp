@@ -99,9 +99,11 @@ void from_verts(const Model& model) {
                                                model.colors.data());
 }
 
-Model& in_triangles() {
+// Filled once, and written by nobody but the tangents.
+template <std::uint32_t corners_per_poly>
+Model& in_polygons() {
     static Model model = [] {
-        Model soup(CORNERS, 3);
+        Model soup(CORNERS, corners_per_poly);
         from_verts(soup);
         return soup;
     }();
@@ -263,9 +265,9 @@ QUILLON_BENCH(polys_grid_plain, plain_from_polys, in_grid_order);
 QUILLON_BENCH(polys_grid_quillon, from_polys, in_grid_order);
 QUILLON_BENCH(polys_random_plain, plain_from_polys, in_random_order);
 QUILLON_BENCH(polys_random_quillon, from_polys, in_random_order);
-QUILLON_BENCH(tangents_quads_plain, plain_tangents, in_grid_order);
-QUILLON_BENCH(tangents_quads_quillon, tangents, in_grid_order);
-QUILLON_BENCH(tangents_triangles_plain, plain_tangents, in_triangles);
-QUILLON_BENCH(tangents_triangles_quillon, tangents, in_triangles);
+QUILLON_BENCH(tangents_quads_plain, plain_tangents, in_polygons<4>);
+QUILLON_BENCH(tangents_quads_quillon, tangents, in_polygons<4>);
+QUILLON_BENCH(tangents_triangles_plain, plain_tangents, in_polygons<3>);
+QUILLON_BENCH(tangents_triangles_quillon, tangents, in_polygons<3>);
 
 } // namespace
