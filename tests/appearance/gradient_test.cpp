@@ -19,18 +19,14 @@ TEST(Gradient, SamplesFollowTheFormulas) {
         SCOPED_TRACE(testing::Message() << row.name << " at " << row.t);
         const quillon::cGradient* gradient = __nsGradient_gradient_table(row.name);
         ASSERT_NE(nullptr, gradient);
+        EXPECT_EQ(row.name, gradient->name);
         expect_color(gradient->function(row.t), row.r, row.g, row.b, row.a);
     }
 }
 
-TEST(GradientTable, FindsEveryRecordUnderItsName) {
-    for (const std::string_view name : quillon::GRADIENT_NAMES) {
-        const quillon::cGradient* gradient = __nsGradient_gradient_table(std::string(name));
-        ASSERT_NE(nullptr, gradient) << name;
-        EXPECT_EQ(name, gradient->name);
-    }
-    EXPECT_EQ(__nsGradient_gradient_table("Health"), __nsGradient_gradient_table("HEALTH"));
-    EXPECT_EQ(__nsGradient_gradient_table("Health"), __nsGradient_gradient_table("hEaLtH"));
+TEST(GradientTable, FindsNamesInAnyCase) {
+    for (const char* name : {"HEALTH", "hEaLtH", "health"})
+        EXPECT_EQ(__nsGradient_gradient_table("Health"), __nsGradient_gradient_table(name)) << name;
 }
 
 TEST(GradientTable, OtherNamesFindNothing) {
