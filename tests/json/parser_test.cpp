@@ -291,13 +291,15 @@ TEST(Locale, DecimalPoint) {
         found = found || std::setlocale(LC_NUMERIC, name) != nullptr;
     if (!found)
         GTEST_SKIP() << "no locale with a decimal comma is installed";
-    const Outcome whole = read_whole("[1.5,-2.25e1]");
-    const Outcome bytewise = read_bytewise("[1.5,-2.25e1]");
+    const Outcome whole = read_whole("[1.5,-2.25e1,2.0,1e20]");
+    const Outcome bytewise = read_bytewise("[1.5,-2.25e1,2.0,1e20]");
     const std::string written = text_of(whole.value.get());
     std::setlocale(LC_NUMERIC, before.c_str());
-    EXPECT_EQ("[1,5, -22,5]", written);
-    EXPECT_EQ("[1.5, -22.5]", text_of(whole.value.get()));
-    EXPECT_EQ("[1.5, -22.5]", text_of(bytewise.value.get()));
+    EXPECT_EQ("[1,5, -22,5, 2,, 100000000000000000000,]", written)
+        << "a zero stays behind a dot alone";
+    const std::string expected = "[1.5, -22.5, 2.0, 100000000000000000000.0]";
+    EXPECT_EQ(expected, text_of(whole.value.get()));
+    EXPECT_EQ(expected, text_of(bytewise.value.get()));
 }
 
 } // namespace
