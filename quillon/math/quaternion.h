@@ -113,33 +113,13 @@ public:
     }
 
     constexpr double& operator[](int index) {
-        switch (index) {
-        case 0:
-            return x;
-        case 1:
-            return y;
-        case 2:
-            return z;
-        case 3:
-            return w;
-        default:
-            return detail::zeroed(detail::writable_scratch<cQuaternion, double>);
-        }
+        return is_component(index) ? this->*COMPONENTS[index]
+                                   : detail::zeroed(detail::writable_scratch<cQuaternion, double>);
     }
 
     constexpr const double& operator[](int index) const {
-        switch (index) {
-        case 0:
-            return x;
-        case 1:
-            return y;
-        case 2:
-            return z;
-        case 3:
-            return w;
-        default:
-            return detail::zeroed(detail::readable_scratch<cQuaternion, double>);
-        }
+        return is_component(index) ? this->*COMPONENTS[index]
+                                   : detail::zeroed(detail::readable_scratch<cQuaternion, double>);
     }
 
     cQuaternion& operator*=(const cQuaternion& b) {
@@ -152,6 +132,12 @@ public:
         product *= b;
         return product;
     }
+
+private:
+    static constexpr bool is_component(int index) { return index >= 0 && index < 4; }
+
+    static constexpr double cQuaternion::*COMPONENTS[] = {&cQuaternion::x, &cQuaternion::y,
+                                                          &cQuaternion::z, &cQuaternion::w};
 };
 
 constexpr cQuaternion QUATERNION_IDENTITY(0.0, 0.0, 0.0, 1.0);

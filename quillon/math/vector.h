@@ -94,29 +94,12 @@ public:
     }
 
     constexpr double& operator[](int index) {
-        switch (index) {
-        case 0:
-            return x;
-        case 1:
-            return y;
-        case 2:
-            return z;
-        default:
-            return detail::zeroed(detail::writable_scratch<cVector3D, double>);
-        }
+        return is_component(index) ? this->*COMPONENTS[index]
+                                   : detail::zeroed(detail::writable_scratch<cVector3D, double>);
     }
 
     constexpr const double& operator[](int index) const {
-        switch (index) {
-        case 0:
-            return x;
-        case 1:
-            return y;
-        case 2:
-            return z;
-        default:
-            return detail::constant_zero<double>;
-        }
+        return is_component(index) ? this->*COMPONENTS[index] : detail::constant_zero<double>;
     }
 
     double length() const { return std::sqrt(squared_length()); }
@@ -177,6 +160,12 @@ public:
         __cVector3d_rotate_by_quaternion(*this, q);
         return *this;
     }
+
+private:
+    static constexpr bool is_component(int index) { return index >= 0 && index < 3; }
+
+    static constexpr double cVector3D::*COMPONENTS[] = {&cVector3D::x, &cVector3D::y,
+                                                        &cVector3D::z};
 };
 
 namespace detail {
@@ -229,26 +218,19 @@ public:
     constexpr virtual ~cVector2D() {} // NOLINT(modernize-use-equals-default)
 
     constexpr Component& operator[](int index) {
-        switch (index) {
-        case 0:
-            return x;
-        case 1:
-            return y;
-        default:
-            return detail::zeroed(detail::writable_scratch<cVector2D, Component>);
-        }
+        return is_component(index) ? this->*COMPONENTS[index]
+                                   : detail::zeroed(detail::writable_scratch<cVector2D, Component>);
     }
 
     constexpr const Component& operator[](int index) const {
-        switch (index) {
-        case 0:
-            return x;
-        case 1:
-            return y;
-        default:
-            return detail::zeroed(detail::readable_scratch<cVector2D, Component>);
-        }
+        return is_component(index) ? this->*COMPONENTS[index]
+                                   : detail::zeroed(detail::readable_scratch<cVector2D, Component>);
     }
+
+private:
+    static constexpr bool is_component(int index) { return index >= 0 && index < 2; }
+
+    static constexpr Component cVector2D::*COMPONENTS[] = {&cVector2D::x, &cVector2D::y};
 };
 
 constexpr cVector2D<double> VECTOR2D_ZERO(0.0, 0.0);
