@@ -128,7 +128,7 @@ inline cson_kvp* cson_build_kvp(cson_pool* pool, cson_value* key, cson_value* va
     return block != nullptr ? new (block) cson_kvp{key, value, distance} : nullptr;
 }
 
-// New storage of a list with its first entries, the others null; or null.
+// New storage of a list with its first entries, null meaning none, and the others null; or null.
 template <class List>
 auto cson_build_storage(cson_pool* pool, const List* list, std::uint32_t capacity,
                         void* const* entries, std::uint32_t count) -> decltype(list->items) {
@@ -143,7 +143,7 @@ auto cson_build_storage(cson_pool* pool, const List* list, std::uint32_t capacit
         return nullptr;
     auto* header = new (block) cson_storage_header{distance, 0};
     auto* items = reinterpret_cast<decltype(list->items)>(header + 1);
-    if (count != 0)
+    if (entries != nullptr)
         std::memcpy(items, entries, count * entry);
     std::memset(items + count, 0, (capacity - count) * entry);
     return items;

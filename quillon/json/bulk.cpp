@@ -251,11 +251,11 @@ private:
         case cson_state_colon:
             return *at == ':' && pass(cson_state_value);
         default:
-            if (*at == ',')
-                return pass(behind_comma);
-            return *at == (behind_comma == cson_state_value ? ']' : '}') && leave();
+            return *at == ',' ? pass(behind_comma) : *at == closing_bracket() && leave();
         }
     }
+
+    unsigned char closing_bracket() const { return behind_comma == cson_state_value ? ']' : '}'; }
 
     bool pass(std::uint8_t next_state) {
         ++at;

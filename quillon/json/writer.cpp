@@ -158,6 +158,11 @@ bytes_at skip_raw(bytes_at at, bytes_at end, bool escape_slashes) {
         [escape_slashes](unsigned char c) { return !goes_out_raw(c, escape_slashes); });
 }
 
+unsigned char* put(unsigned char* to, std::string_view text) {
+    cson_copy_bytes(to, text.data(), text.size());
+    return to + text.size();
+}
+
 // One character that may not go out as it is, in up to six bytes. Null where it is beyond four
 // digits.
 unsigned char* put_character(unsigned char* to, bytes_at& at, bytes_at end, bool escape_slashes) {
@@ -173,10 +178,10 @@ unsigned char* put_character(unsigned char* to, bytes_at& at, bytes_at end, bool
     }
     if (code_point > 0xFFFF)
         return nullptr;
-    std::memcpy(to, "\\u", 2);
+    to = put(to, "\\u");
     for (unsigned i = 0; i < 4; ++i)
-        to[i + 2] = static_cast<unsigned char>(digits[code_point >> (12 - 4 * i) & 0xF]);
-    return to + 6;
+        to[i] = static_cast<unsigned char>(digits[code_point >> (12 - 4 * i) & 0xF]);
+    return to + 4;
 }
 
 // No character takes more than three times its bytes.
@@ -423,13 +428,10 @@ private:
 
     int write_key(const cson_string* key, bool comma, bool indent) {
         unsigned char* to = indent ? nullptr : output.room(quoted_room(key->length) + 4);
+        if (to != nullptr)
+            to = put_quoted(comma ? put(to, ", ") : to, key, options.escape_slashes);
         if (to != nullptr) {
-            std::memcpy(to, ", ", 2);
-            to = put_quoted(to + (comma ? 2 : 0), key, options.escape_slashes);
-        }
-        if (to != nullptr) {
-            std::memcpy(to, ": ", 2);
-            output.advance(to + (options.space_after_colon ? 2 : 1));
+            output.advance(put(to, options.space_after_colon ? ": " : ":"));
             return cson_OK;
         }
         int code = comma ? write_comma(indent) : cson_OK;

@@ -188,10 +188,10 @@ TEST(PushParser, ResetAfterFailureStartsAfresh) {
 
 TEST(PushParser, DepthLimits) {
     const struct {
-        std::int32_t depth;
         std::size_t passing;
+        std::int32_t depth;
         bool limited;
-    } rows[] = {{0, 1, true}, {1, 1, true}, {127, 127, true}, {128, 128, true}, {-1, 70000, false}};
+    } rows[] = {{1, 0, true}, {1, 1, true}, {127, 127, true}, {128, 128, true}, {70000, -1, false}};
 
     for (const auto& row : rows) {
         cson_push_parser_config config;
