@@ -213,6 +213,22 @@ TEST(Object, CombiningWithItsOwnMember) {
     EXPECT_EQ("", allocator.report());
 }
 
+TEST(Copy, ObjectsHaveTheCapacityOfPuttingTheirPairs) {
+    const struct {
+        const char* text;
+        std::uint32_t capacity;
+    } rows[] = {{"{}", 0},
+                {"{\"a\":1}", 6},
+                {"{\"a\":1,\"b\":2}", 2},
+                {"{\"a\":1,\"b\":2,\"c\":3,\"d\":4}", 6},
+                {"{\"a\":1,\"b\":2,\"a\":3}", 3}};
+
+    for (const auto& row : rows) {
+        const Value copy(cson_value_copy(tree(row.text).get()));
+        EXPECT_EQ(row.capacity, object(copy)->list.capacity) << row.text;
+    }
+}
+
 TEST(Copy, SharesNothingButConstants) {
     std::string wide = "{\"a\":[1,null,{\"b\":\"text\"}],\"a\":0,\"c\":2.5";
     for (int i = 0; i < 100; ++i)

@@ -161,18 +161,39 @@ TEST(Write, PiecesOfASink) {
     }
 }
 
-// A buffer grows as if every piece were appended on its own.
-TEST(Write, BufferGrowthFollowsThePieces) {
+// A tree with a string of any bytes, some of which can't be written.
+Value tree_with_bytes(std::mt19937& engine) {
+    Value value = random_tree(engine, 2);
+    std::string bytes;
+    for (auto left = engine() % 40; left != 0; --left)
+        bytes += static_cast<char>(engine() % 3 != 0 ? 'a' : engine() % 0x100);
+    cson_value* string =
+        cson_value_from_text(bytes.data(), static_cast<std::uint32_t>(bytes.size()));
+    if (cson_value_is_array(value.get()))
+        cson_array_push(cson_value_array(value.get()), string);
+    else
+        cson_object_put_text(cson_value_object(value.get()), "bytes", string);
+    return value;
+}
+
+// A buffer gets the bytes of the pieces, and grows as if every piece were appended on its own.
+TEST(Write, BufferFollowsThePieces) {
     std::mt19937 engine(5);
-    for (int round = 0; round < 200; ++round) {
-        const Value value = random_tree(engine, 2);
-        const std::uint32_t start = static_cast<std::uint32_t>(engine() % 40);
+    for (int round = 0; round < 2000; ++round) {
+        const Value value = tree_with_bytes(engine);
+        cson_write_options options;
+        options.indentation = static_cast<std::uint8_t>(engine() % 3);
+        options.space_after_colon = engine() % 2 != 0;
+        options.escape_slashes = engine() % 2 != 0;
+        const auto start = static_cast<std::uint32_t>(engine() % 2 != 0 ? engine() % 40 : 5000);
         std::vector<std::string> pieces;
-        cson_write(value.get(), collect, &pieces, nullptr);
+        const int code = cson_write(value.get(), collect, &pieces, &options);
+        std::string joined;
         std::uint32_t used = 0;
         std::uint32_t capacity = start;
         std::uint32_t expanded = start != 0 ? 1 : 0;
         for (const std::string& piece : pieces) {
+            joined += piece;
             used += static_cast<std::uint32_t>(piece.size());
             if (used >= capacity) {
                 capacity = used * 2;
@@ -181,11 +202,11 @@ TEST(Write, BufferGrowthFollowsThePieces) {
         }
         cson_buffer buffer;
         cson_buffer_reserve_bytes(&buffer, start);
-        ASSERT_EQ(cson_OK, cson_write_buffer(value.get(), &buffer, nullptr));
-        EXPECT_EQ(used, buffer.used);
+        ASSERT_EQ(code, cson_write_buffer(value.get(), &buffer, &options));
+        ASSERT_EQ(joined, std::string(reinterpret_cast<char*>(buffer.mem), buffer.used));
         EXPECT_EQ(capacity, buffer.capacity);
         EXPECT_EQ(expanded, buffer.times_expanded);
-        EXPECT_EQ(0, buffer.mem[used]);
+        EXPECT_TRUE(code != cson_OK || buffer.mem[used] == 0);
         cson_buffer_reserve_bytes(&buffer, 0);
     }
 }
