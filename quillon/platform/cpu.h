@@ -41,9 +41,12 @@ void run_vectorised(Arguments... arguments) {
 } // namespace quillon::platform
 
 // Compiles a function twice, for AVX2 and for any x86-64, and lets the dynamic loader pick. For
-// functions so short that the test in run_vectorised would show. Where the compiler or the loader
-// can't, it is one function, for any x86-64: Clang takes no declaration without the attribute.
-#if defined(__x86_64__) && defined(__GLIBC__) && !defined(__clang__) && !defined(QUILLON_NO_AVX2)
+// functions so short that the test in run_vectorised would show.
+//
+// Elsewhere it is one function: Clang wants the attribute on every declaration, and ThreadSanitizer
+// would watch the loader's question before it is up itself.
+#if defined(__x86_64__) && defined(__GLIBC__) && !defined(__clang__) &&                            \
+    !defined(__SANITIZE_THREAD__) && !defined(QUILLON_NO_AVX2)
     #define QUILLON_CPU_CLONES __attribute__((target_clones("avx2", "default")))
 #else
     #define QUILLON_CPU_CLONES
