@@ -17,14 +17,6 @@
 namespace quillon {
 namespace {
 
-// In the order of cPlugin's fields.
-constexpr const char* ENTRY_POINTS[] = {"initialize",
-                                        "shutdown",
-                                        "get_plugin_name",
-                                        "get_plugin_purpose",
-                                        "get_plugin_compatibility",
-                                        "get_plugin_prereqs"};
-
 struct ReleaseLibrary {
     void operator()(void* library) const { platform::release_library(library); }
 };

@@ -6,19 +6,28 @@
 #include "quillon/export.h"
 
 #include <cstdint>
+#include <iterator>
 #include <string>
 
 namespace quillon {
 
 struct Service;
 
+// The functions that make a shared library a plug-in, in the order of cPlugin's fields.
+inline constexpr const char* ENTRY_POINTS[] = {"initialize",
+                                               "shutdown",
+                                               "get_plugin_name",
+                                               "get_plugin_purpose",
+                                               "get_plugin_compatibility",
+                                               "get_plugin_prereqs"};
+
 // A loaded plug-in file. The list of them is what a plug-in's `initialize` finds under the key of
 // "Modules"; a plug-in may read the fields and call the entry points, the operations are the
 // library's own.
 class cPlugin {
 public:
-    // Takes the library over. `entry_points` holds the six, in the order of the fields.
-    cPlugin(void* loaded_library, void* const (&entry_points)[6]);
+    // Takes the library over, and its functions of ENTRY_POINTS.
+    cPlugin(void* loaded_library, void* const (&entry_points)[std::size(ENTRY_POINTS)]);
     cPlugin(const cPlugin&) = delete;
     cPlugin& operator=(const cPlugin&) = delete;
 

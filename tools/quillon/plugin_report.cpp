@@ -16,13 +16,6 @@ namespace {
 
 using Plugins = quillon::DSParray<quillon::cPlugin>;
 
-constexpr const char* ENTRY_POINTS[] = {"initialize",
-                                        "shutdown",
-                                        "get_plugin_name",
-                                        "get_plugin_purpose",
-                                        "get_plugin_compatibility",
-                                        "get_plugin_prereqs"};
-
 std::string joined(const std::vector<std::string>& parts) {
     std::string text;
     for (const std::string& part : parts)
@@ -39,7 +32,7 @@ std::string why_refused(const fs::path& file) {
     if (library.handle() == nullptr)
         return library.reason();
     std::vector<std::string> missing;
-    for (const char* name : ENTRY_POINTS)
+    for (const char* name : quillon::ENTRY_POINTS)
         if (platform::own_function(library.handle(), name) == nullptr)
             missing.emplace_back(name);
     return missing.empty() ? "it loads by itself, but did not in this folder's turn"
