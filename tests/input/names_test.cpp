@@ -67,9 +67,4 @@ TEST(InputNames, PadsFollowTheRelativeTables) {
     }
 }
 
-TEST(InputCodes, PadRulesAreCutTo16Bits) {
-    EXPECT_EQ(137, modInput::digital_pad_code(0, 1457)); // 65,673 - 65,536
-    EXPECT_EQ(-32768, modInput::analog_pad_code(32766, 0));
-}
-
 } // namespace
