@@ -71,51 +71,30 @@ TEST_F(Containers, ListGrowsByHalf) {
     EXPECT_THAT(capacities, ElementsAre(0, 1, 2, 3, 4, 6, 9, 13, 19, 28));
 }
 
-TEST_F(Containers, ListAddsAtEveryPositionUpToTheEnd) {
-    struct Case {
-        std::initializer_list<int> start;
-        std::uint32_t position;
-        std::vector<int> result;
-    };
-
-    const Case cases[] = {
-        {{}, 0, {9}},
-        {{}, DSP_APPEND, {9}},
-        {{}, 1, {}},
-        {{1, 2, 3}, 0, {9, 1, 2, 3}},
-        {{1, 2, 3}, 2, {1, 2, 9, 3}},
-        {{1, 2, 3}, 3, {1, 2, 3, 9}},
-        {{1, 2, 3}, 4, {1, 2, 3}},
-        {{1, 2, 3}, DSP_APPEND - 1, {1, 2, 3}},
-    };
-    for (const auto& [start, position, result] : cases) {
-        DSParray<Mortal> list;
-        fill(list, start);
-        std::unique_ptr<Mortal> nine(make(9));
-        const bool added = result.size() > start.size();
-        EXPECT_EQ(added ? nine.get() : nullptr, list.add(nine.get(), position));
-        if (added)
-            static_cast<void>(nine.release());
-        EXPECT_EQ(result, names(list)) << start.size() << " elements, at " << position;
-    }
-}
-
-TEST_F(Containers, ListDestroysWhatItOwnsFirstToLastAndSkipsNull) {
+TEST_F(Containers, ListAddsUpToItsEndAndDestroysWhatItOwnsFirstToLast) {
     {
         DSParray<Mortal> list;
+        Mortal outside(died, 99);
         EXPECT_FALSE(list.remove(0, false));
         EXPECT_EQ(nullptr, list.get(0));
-        fill(list, {3, 1, 2, 4});
-        EXPECT_FALSE(list.remove(4, false));
+        EXPECT_EQ(nullptr, list.add(&outside, 1));
+        int name = 1;
+        for (const std::uint32_t position : {0U, DSP_APPEND, 0U, 1U, 4U}) {
+            Mortal* const element = make(name++);
+            EXPECT_EQ(element, list.add(element, position));
+        }
+        EXPECT_THAT(names(list), ElementsAre(3, 4, 1, 2, 5));
+        for (const std::uint32_t position : {6U, DSP_APPEND - 1})
+            EXPECT_EQ(nullptr, list.add(&outside, position));
+        EXPECT_FALSE(list.remove(5, false));
         EXPECT_TRUE(list.remove(1, false));
         const std::unique_ptr<Mortal> kept(list.get(1));
         EXPECT_TRUE(list.remove(1, true));
-        EXPECT_THAT(names(list), ElementsAre(3, 4));
-        EXPECT_THAT(died, ElementsAre(1));
-        EXPECT_EQ(nullptr, list.add(nullptr, 1));
-        EXPECT_EQ(3U, list.count());
+        EXPECT_THAT(died, ElementsAre(4));
+        EXPECT_EQ(nullptr, list.add(nullptr, 1)); // is there, and nothing to destroy
+        EXPECT_EQ(4U, list.count());
     }
-    EXPECT_THAT(died, ElementsAre(1, 2, 3, 4));
+    EXPECT_THAT(died, ElementsAre(4, 1, 99, 3, 2, 5));
 }
 
 TEST_F(Containers, ThoseThatReferNeverDestroy) {
