@@ -39,6 +39,14 @@ TEST(Usage, MisuseIsAnErrorWithAHint) {
         {"inputs --bind 'Space Or Mause X'", "'Mause X'; did you mean 'Mouse X'?"},
         {"inputs --frames 0", "Value 0 not in range"},
         {"convert in.png", "OUT is required\nSee 'quillon convert --help'."},
+        {"mask in.png out.png", "one of --alpha, --channel and --key is required"},
+        {"mask in.png out.png --alpha --channel 1", "--alpha excludes --channel"},
+        {"mask in.png out.png --channel 4", "--channel: Value 4 not in range 0 to 3"},
+        {"mask in.png out.png --key pinkish", "'pinkish' is no colour; 'quillon palette' lists"},
+        {"mask in.png out.png --key 1#2", "'1#2' is no colour"},
+        {"adjust in.png out.png --darken 256", "--darken: Value 256 not in range 0 to 255"},
+        {"brush in.png out.png --at 3 --radius 1 --color RED", "--at = 3"},
+        {"brush in.png out.png --at 3,4 --color RED", "--radius is required"},
     };
 
     for (const auto& row : cases) {

@@ -1,4 +1,4 @@
-// The commands over the bitmap exports: the pixels that they write are those of the exports.
+// The commands over pictures: what they write is what the exports give.
 #include "loaded_library.h"
 #include "tool_run.h"
 
@@ -10,17 +10,23 @@
 
 namespace fs = std::filesystem;
 using testing::HasSubstr;
+using testing::MatchesRegex;
 
 namespace {
 
 // A current directory with the image plug-in and two pictures.
-class FilterCommands : public testing::Test {
+class Pictures : public testing::Test {
 protected:
     void SetUp() override {
         fs::create_directory("plugin");
         fs::copy(PLUGIN_FOLDER "/image.so", "plugin");
         for (const char* picture : {"lake.png", "hills.png"})
             fs::copy(SOURCE_FOLDER "/examples/data/" + std::string(picture), ".");
+    }
+
+    static std::string bytes(const std::string& file) {
+        std::ifstream stream(file, std::ios::binary);
+        return {std::istreambuf_iterator<char>(stream), {}};
     }
 
     // What `quillon average` tells of the picture that a command makes.
@@ -37,7 +43,56 @@ protected:
 
 } // namespace
 
-TEST_F(FilterCommands, WriteWhatTheExportsGive) {
+TEST_F(Pictures, PngToPngKeepsEveryPixelAndJpegIsThereAndBack) {
+    const struct {
+        std::string from;
+        std::string to;
+        const char* start;
+    } steps[] = {{"lake.png", "once.png", "\x89PNG"},
+                 {"once.png", "twice.png", "\x89PNG"},
+                 {"twice.png", "lake.jpg", "\xff\xd8\xff"},
+                 {"lake.jpg", "back.png", "\x89PNG"}};
+
+    for (const auto& step : steps) {
+        const ToolRun run = run_tool("convert " + step.from + " " + step.to);
+        EXPECT_EQ(0, run.code);
+        EXPECT_EQ("", run.error);
+        EXPECT_THAT(run.out, MatchesRegex(step.from + " -> " + step.to +
+                                          ": 320 x 200 pixels in [0-9]+\\.[0-9] ms\n"));
+        EXPECT_THAT(bytes(step.to), testing::StartsWith(step.start));
+    }
+    // The writer gives the same bytes for the same pixels.
+    EXPECT_EQ(bytes("once.png"), bytes("twice.png"));
+}
+
+TEST_F(Pictures, FailureTellsTheFileAndTheReason) {
+    std::ofstream("text.png") << "hello";
+
+    const struct {
+        const char* arguments;
+        const char* error;
+    } cases[] = {
+        {"convert nothing.png out.png", "quillon convert: cannot load 'nothing.png': No such file"},
+        {"convert text.png out.png", "cannot load 'text.png': neither a PNG nor a JPEG file"},
+        {"convert lake.png no/out.png", "cannot save 'no/out.png': No such file"},
+        {"adjust lake.png no/out.png --darken 1", "cannot save 'no/out.png': No such file"},
+        {"palette no/out.png", "cannot save 'no/out.png': No such file"},
+    };
+
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.arguments);
+        const ToolRun run = run_tool(row.arguments);
+        EXPECT_EQ(1, run.code);
+        EXPECT_EQ("", run.out);
+        EXPECT_THAT(run.error, HasSubstr(row.error));
+        EXPECT_FALSE(fs::exists("out.png"));
+    }
+    fs::remove("plugin/image.so");
+    EXPECT_THAT(run_tool("convert lake.png out.png").error,
+                HasSubstr("no plug-in in 'plugin' serves GRAPHICS"));
+}
+
+TEST_F(Pictures, WriteWhatTheExportsGive) {
     const struct {
         const char* command;
         const char* average;
@@ -61,7 +116,7 @@ TEST_F(FilterCommands, WriteWhatTheExportsGive) {
                 testing::MatchesRegex("0\\.(49.|5)#0\\.(49.|5)#0\\.9..#1#\n"));
 }
 
-TEST_F(FilterCommands, PaletteListsAndDraws) {
+TEST_F(Pictures, PaletteListsAndDraws) {
     const ToolRun list = run_tool("palette");
     EXPECT_EQ(0, list.code);
     EXPECT_THAT(list.out, HasSubstr("\nINVISIBLE                  1#1#1#0#"));
@@ -69,36 +124,4 @@ TEST_F(FilterCommands, PaletteListsAndDraws) {
     EXPECT_THAT(list.out, HasSubstr("\nTURQUOISE                  0.1#0.187#0.175#0.8# "));
     EXPECT_THAT(run_tool("palette palette.png").out, HasSubstr("palette.png: 1016 x "));
     EXPECT_GT(fs::file_size("palette.png"), 50'000U);
-}
-
-TEST_F(FilterCommands, MisuseIsAnErrorWithAHint) {
-    const struct {
-        const char* arguments;
-        const char* error;
-    } cases[] = {
-        {"mask lake.png out.png", "one of --alpha, --channel and --key is required"},
-        {"mask lake.png out.png --alpha --channel 1", "--alpha excludes --channel"},
-        {"mask lake.png out.png --channel 4", "--channel: Value 4 not in range 0 to 3"},
-        {"mask lake.png out.png --key pinkish", "'pinkish' is no colour; 'quillon palette' lists"},
-        {"mask lake.png out.png --key 1#2", "'1#2' is no colour"},
-        {"adjust lake.png out.png --darken 256", "--darken: Value 256 not in range 0 to 255"},
-        {"brush lake.png out.png --at 3 --radius 1 --color RED", "--at = 3"},
-        {"brush lake.png out.png --at 3,4 --color RED", "--radius is required"},
-    };
-
-    for (const auto& row : cases) {
-        SCOPED_TRACE(row.arguments);
-        const ToolRun run = run_tool(row.arguments);
-        EXPECT_EQ(2, run.code);
-        EXPECT_THAT(run.error, HasSubstr(row.error));
-        EXPECT_FALSE(fs::exists("out.png"));
-    }
-}
-
-TEST_F(FilterCommands, FilesThatCannotBeWrittenAreFailures) {
-    for (const char* command : {"palette no/out.png", "adjust lake.png no/out.png --darken 1"}) {
-        const ToolRun run = run_tool(command);
-        EXPECT_EQ(1, run.code);
-        EXPECT_THAT(run.error, HasSubstr("cannot save 'no/out.png': No such file"));
-    }
 }
