@@ -159,7 +159,8 @@ void expect_failure(const Loaded& loaded, const std::string& reason) {
 TEST(ImageLoad, EveryKindOfPngBecomesRgba) {
     const ScratchFolder folder;
     for (const PngKind& kind : PNG_KINDS) {
-        for (const bool interlaced : {false, true}) {
+        // The plain one last: memory that it left could pass for rows that nobody read.
+        for (const bool interlaced : {true, false}) {
             SCOPED_TRACE(std::string(kind.name) + (interlaced ? " interlaced" : ""));
             const Loaded loaded = load_image_bytes(png_file(kind, interlaced));
             ASSERT_EQ("", loaded.error);
