@@ -9,7 +9,6 @@
 #include <cmath>
 #include <cstdint>
 #include <iterator>
-#include <limits>
 #include <random>
 
 namespace quillon {
@@ -18,18 +17,8 @@ namespace quillon {
 class Numbers {
 public:
     double next() {
-        constexpr double infinity = std::numeric_limits<double>::infinity();
-        constexpr double odd[] = {0.0,
-                                  -0.0,
-                                  1.0,
-                                  -1.0,
-                                  1e-310,
-                                  1e200,
-                                  -1e300,
-                                  5e-324,
-                                  infinity,
-                                  -infinity,
-                                  std::numeric_limits<double>::quiet_NaN()};
+        constexpr double odd[] = {0.0,    -0.0,   1.0,      -1.0,      1e-310, 1e200,
+                                  -1e300, 5e-324, INFINITY, -INFINITY, NAN};
         if (awkward && engine() % 16 == 0)
             return odd[engine() % std::size(odd)];
         return std::uniform_real_distribution<>(-2.0, 2.0)(engine);

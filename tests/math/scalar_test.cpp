@@ -84,15 +84,12 @@ TEST(Random, RuntimeRandHasFifteenBits) {
     EXPECT_GT(highest, 32567);
 }
 
-TEST(Bits, NextPowerOfTwo) {
-    using Pair = std::pair<std::uint32_t, std::uint32_t>;
-    for (const auto& [value, expected] :
-         {Pair{0, 0}, Pair{1, 1}, Pair{5, 8}, Pair{8, 8}, Pair{0x7FFFFFFF, 0x80000000},
-          Pair{0x80000000, 0x80000000}, Pair{0x80000001, 0}})
+TEST(Bits, PowersOfTwoAndMasks) {
+    constexpr std::uint32_t powers[][2] = {
+        {0, 0},         {1, 1}, {5, 8}, {8, 8}, {0x7FFFFFFF, 0x80000000}, {0x80000000, 0x80000000},
+        {0x80000001, 0}};
+    for (const auto& [value, expected] : powers)
         EXPECT_EQ(expected, next_largest_power_of_2(value)) << value;
-}
-
-TEST(Bits, MaskOfNamedBits) {
     EXPECT_EQ(0x81, construct_bitmask(0, 7, 7, -1, -1, -1, -1, -1)) << "a bit named twice";
     EXPECT_EQ(int_lowest | 1, construct_bitmask(-1, -1, -1, -1, -1, -1, 0, 31));
     EXPECT_EQ(2, construct_bitmask(32, 1, -2, 32767, -32768, -1, 64, 40)) << "no such bits";

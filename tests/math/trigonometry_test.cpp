@@ -8,9 +8,7 @@
 #include <numbers>
 #include <random>
 
-using quillon::HALF_PI;
-using quillon::PI;
-using quillon::TWO_PI;
+using namespace quillon;
 
 namespace {
 
@@ -123,7 +121,7 @@ TEST_F(TrigTables, ReadsTheEntryThatTheRuleNames) {
         {"three turns back", cosine(70001), cosTD(-1090.0)},
         {"beyond 32-bit steps", cosine(16000), cosTD(36e9 + 80.0)},
         {"negative beyond 32-bit steps", cosine(56001), cosTD(-36e9 - 80.0)},
-        {"radians by the 32-bit inverse of pi", cosTD(2.0 * 180.0 * quillon::INV_PI), cosTR(2.0)},
+        {"radians by the 32-bit inverse of pi", cosTD(2.0 * 180.0 * INV_PI), cosTR(2.0)},
         {"tangent to the nearest tenth", tanTD(45.3), tanTD(45.25)},
         {"tangent of a negative angle", tanTD(350.1), tanTD(-10.0)},
         {"arc cosine does not round up", acosT(0.9999), acosT(0.99995)},

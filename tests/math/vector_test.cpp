@@ -1,30 +1,29 @@
+// Vectors, and what all classes of components have in common.
 #include "quillon/math/vector.h"
 
-#include "quillon/math/zone.h"
 #include "quillon/platform/random.h"
-
-#include <gtest/gtest.h>
+#include "random_values.h"
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <string>
-#include <type_traits>
 #include <vector>
 
-using quillon::cSerializable;
-using quillon::cVector2D;
-using quillon::cVector3D;
-using quillon::cZone3D;
+using namespace quillon;
 
 namespace {
 
-std::array<double, 3> components(const cVector3D& v) {
-    return {v.x, v.y, v.z};
-}
+template <class Object>
+constexpr int COMPONENTS = 2;
+template <>
+constexpr int COMPONENTS<cVector3D> = 3;
+template <>
+constexpr int COMPONENTS<cQuaternion> = 4;
+template <>
+constexpr int COMPONENTS<cMatrix3D> = 9;
 
 template <class Stored>
 std::vector<std::uint8_t> bytes_of(std::initializer_list<Stored> values) {
@@ -35,14 +34,14 @@ std::vector<std::uint8_t> bytes_of(std::initializer_list<Stored> values) {
 
 // Writes `source` at every alignment, reads it back into `target`, and holds the bytes against
 // `expected`; the bytes around it must stay.
-void expect_flat_form(const cSerializable& source, cSerializable& target,
+void expect_flat_form(const cSerializable& source, cSerializable&& target,
                       const std::vector<std::uint8_t>& expected) {
     const std::size_t size = expected.size();
     ASSERT_EQ(size, source.serialized_size());
     for (std::size_t offset = 1; offset <= 8; ++offset) {
         std::vector<std::uint8_t> buffer(size + 16, 0xAA);
+        std::vector<std::uint8_t> whole = buffer;
         EXPECT_EQ(size, source.serialize(buffer.data() + offset));
-        std::vector<std::uint8_t> whole(size + 16, 0xAA);
         std::copy(expected.begin(), expected.end(), whole.begin() + offset);
         EXPECT_EQ(whole, buffer) << offset;
         EXPECT_EQ(size, target.deserialize(buffer.data() + offset));
@@ -52,67 +51,115 @@ void expect_flat_form(const cSerializable& source, cSerializable& target,
     }
 }
 
+// The components that were -1, -2 and so on before the text was read.
+template <auto from_string, class Object>
+std::vector<double> read(const char* text, Object object) {
+    for (int i = 0; i < COMPONENTS<Object>; ++i)
+        object[i] = -1 - i;
+    from_string(object, text);
+    std::vector<double> components;
+    for (int i = 0; i < COMPONENTS<Object>; ++i)
+        components.push_back(object[i]);
+    return components;
+}
+
+class RandomValues : public Rotations {};
+
 } // namespace
 
 TEST(Serializable, FlatFormsAtAnyAlignment) {
-    cVector3D vector;
-    expect_flat_form(cVector3D(1.0, -0.1, 1e30), vector, bytes_of({1.0F, -0.1F, 1e30F}));
-    EXPECT_EQ(static_cast<double>(-0.1F), vector.y) << "narrowed to 32 bits";
-
-    cVector2D<double> pair;
-    expect_flat_form(cVector2D<double>(0.1, -1e300), pair, bytes_of({0.1, -1e300}));
-    EXPECT_EQ(0.1, pair.x) << "not narrowed";
-
-    cVector2D<long> whole;
-    expect_flat_form(cVector2D<long>(-2147483647 - 1, 7), whole, bytes_of({-2147483647 - 1, 7}));
-
-    cZone3D zone(0, 0, 0);
-    expect_flat_form(cZone3D(1, 2, 3), zone, bytes_of({-1.0F, -2.0F, -3.0F, 1.0F, 2.0F, 3.0F}));
+    expect_flat_form(cVector3D(1, -0.1, 1e30), cVector3D(), bytes_of({1.0F, -0.1F, 1e30F}));
+    expect_flat_form(cVector2D<double>(0.1, -1e300), cVector2D<double>(), bytes_of({0.1, -1e300}));
+    expect_flat_form(cVector2D<long>(-2147483647 - 1, 7), cVector2D<long>(),
+                     bytes_of({-2147483647 - 1, 7}));
+    expect_flat_form(cZone3D(1, 2, 3), cZone3D(0, 0, 0),
+                     bytes_of({-1.0F, -2.0F, -3.0F, 1.0F, 2.0F, 3.0F}));
+    expect_flat_form(cQuaternion(0.1, 2, 3, -4), cQuaternion(),
+                     bytes_of({0.1F, 2.0F, 3.0F, -4.0F}));
+    expect_flat_form(cMatrix3D(1, 0.1, 3, 4, 5, 6, 7, 8, 9), cMatrix3D(),
+                     bytes_of({1.0F, 0.1F, 3.0F, 4.0F, 5.0F, 6.0F, 7.0F, 8.0F, 9.0F}));
 }
 
-template <class Vector>
+template <class Object>
 class IndexedAccess : public testing::Test {};
 
-using IndexedVectors = testing::Types<cVector3D, cVector2D<double>, cVector2D<long>>;
-TYPED_TEST_SUITE(IndexedAccess, IndexedVectors);
+using IndexedObjects =
+    testing::Types<cVector3D, cVector2D<double>, cVector2D<long>, cQuaternion, cMatrix3D>;
+TYPED_TEST_SUITE(IndexedAccess, IndexedObjects);
 
 TYPED_TEST(IndexedAccess, BadIndicesReachAScratchZeroAndNoComponent) {
-    constexpr int count = std::is_same_v<TypeParam, cVector3D> ? 3 : 2;
-    TypeParam v;
-    const TypeParam& read_only = v;
+    constexpr int count = COMPONENTS<TypeParam>;
+    TypeParam object;
+    const TypeParam& read_only = object;
     for (int i = 0; i < count; ++i)
-        v[i] = i + 1;
+        object[i] = i + 1;
     for (const int index : {-1, count, 1000, std::numeric_limits<int>::min()}) {
-        v[index] = 5;
-        EXPECT_EQ(0, v[index]) << "cleared on each access";
-        v[index] = 5;
+        object[index] = 5;
+        EXPECT_EQ(0, object[index]) << "cleared on each access";
+        object[index] = 5;
         EXPECT_EQ(0, read_only[index]) << index;
     }
     for (int i = 0; i < count; ++i)
         EXPECT_EQ(i + 1, read_only[i]);
-    EXPECT_EQ(1, v.x);
-    EXPECT_EQ(2, v.y);
 }
 
 static_assert(sizeof(cVector2D<long>::x) == 4, "32 bits whatever the width of long");
-static_assert(quillon::VECTOR3D_UNIT_Z.z == 1.0 && quillon::VECTOR2L_ONE.y == 1,
+static_assert(VECTOR3D_UNIT_Z.z == 1.0 && VECTOR2L_ONE.y == 1,
               "constants stand before any code runs");
+
+TEST(TextForm, IsReadFieldByField) {
+    const std::string endless = std::string(100000, '7') + "#2#3#" + std::string(100000, '#');
+    const auto vector = [](const char* text) {
+        return read<__cVector3d_vector_from_string>(text, cVector3D());
+    };
+    const auto quaternion = [](const char* text) {
+        return read<__cQuaternion_from_string>(text, cQuaternion());
+    };
+    const auto matrix = [](const char* text) {
+        return read<__cMatrix3d_from_string>(text, cMatrix3D());
+    };
+
+    const struct {
+        const char* name;
+        std::vector<double> actual, expected;
+    } cases[] = {
+        {"open last field", vector("1.5#2#3"), {1.5, 2, -3}},
+        {"empty text", vector(""), {-1, -2, -3}},
+        {"surplus field", vector("1#2#3#4#"), {1, 2, 3}},
+        {"no number, nothing, blanks", vector("a## 3e2#"), {0, 0, 300}},
+        {"cut at 23", vector("12345678901234567890123999#2#3#"), {12345678901234567890123.0, 2, 3}},
+        {"endless", vector(endless.c_str()), {77777777777777777777777.0, 2, 3}},
+        {"cut at 15", quaternion("x#123456789012345678#7"), {0, 123456789012345, -3, -4}},
+        {"surplus for a quaternion", quaternion("0#0#0#1#5#"), {0, 0, 0, 1}},
+        {"matrix cut at 15",
+         matrix("8#x#123456789012345678#8"),
+         {8, 0, 123456789012345, -4, -5, -6, -7, -8, -9}},
+        {"matrix row by row", matrix("9#8#7#6#5#4#3#2#1.5#0#"), {9, 8, 7, 6, 5, 4, 3, 2, 1.5}},
+    };
+
+    for (const auto& row : cases)
+        EXPECT_EQ(row.expected, row.actual) << row.name;
+}
 
 TEST(Vector3D, Arithmetic) {
     const cVector3D a(1.0, 2.0, 3.0);
     const cVector3D b(4.0, -5.0, 0.5);
+    const cQuaternion q(1, 2, 3, 4);
     cVector3D changed = a;
+    cVector3D turned = a;
+    cVector3D expected_turn = a;
+    __cVector3d_rotate_by_quaternion(expected_turn, q);
 
     const struct {
         const char* name;
-        cVector3D actual;
-        std::array<double, 3> expected;
+        cVector3D actual, expected;
     } cases[] = {
         {"sum and difference", a + b - a * 2.0, {3, -7, -2.5}},
         {"divided, not scaled by the reciprocal", a / 49.0, {1 / 49.0, 2 / 49.0, 3 / 49.0}},
         {"divided by zero", a / 0.0, {INFINITY, INFINITY, INFINITY}},
         {"cross", a.cross(b), {2 * 0.5 + 15, 12 - 0.5, -5 - 8}},
         {"in place", ((((changed += b) -= a) *= 3.0) /= 9.0), {12 / 9.0, -15 / 9.0, 1.5 / 9.0}},
+        {"turned", turned *= q, expected_turn},
         {"normalised", cVector3D(0, -3, 4).normalized(), {0, -3 / 5.0, 4 / 5.0}},
         {"no tolerance for nearly unit", cVector3D(1.0000001, 0, 0).normalized(), {1, 0, 0}},
         {"zero stays", cVector3D().normalized(), {0, 0, 0}},
@@ -120,7 +167,7 @@ TEST(Vector3D, Arithmetic) {
     };
 
     for (const auto& row : cases)
-        EXPECT_EQ(row.expected, components(row.actual)) << row.name;
+        EXPECT_TRUE(same_bits(row.expected, row.actual, 3)) << row.name;
     EXPECT_EQ(4.0 - 10.0 + 1.5, a.dot(b));
     EXPECT_EQ(std::sqrt(14.0), a.length());
 }
@@ -137,38 +184,34 @@ TEST(Vector3D, AngleAndProjection) {
     EXPECT_EQ(0.0, __cVector3d_get_scalar_for_projection_onto(x, {0, 0, 0}));
 }
 
-TEST(Vector3D, TextFormIsReadFieldByField) {
-    const std::string endless = std::string(100000, '7') + "#2#3#" + std::string(100000, '#');
-
-    const struct {
-        const char* name;
-        const char* text;
-        std::array<double, 3> expected;
-    } cases[] = {
-        {"open last field", "1.5#2#3", {1.5, 2, -9}},
-        {"empty text", "", {-7, -8, -9}},
-        {"surplus field", "1#2#3#4#", {1, 2, 3}},
-        {"no number, nothing, blanks", "a## 3e2#", {0, 0, 300}},
-        {"cut at 23 characters",
-         "12345678901234567890123999#2#3#",
-         {12345678901234567890123.0, 2, 3}},
-        {"endless field and fields", endless.c_str(), {77777777777777777777777.0, 2, 3}},
+TEST_F(RandomValues, DrawTheirComponentsInOrder) {
+    const auto seeded = [](const auto& draw) {
+        std::srand(9);
+        return draw();
     };
+    const auto draws = seeded([] {
+        std::array<double, 3> drawn{};
+        for (double& draw : drawn)
+            draw = platform::runtime_rand() / 32767.0;
+        return drawn;
+    });
 
-    for (const auto& row : cases) {
-        cVector3D v(-7, -8, -9);
-        __cVector3d_vector_from_string(v, row.text);
-        EXPECT_EQ(row.expected, components(v)) << row.name;
-    }
-}
+    cVector3D direction;
+    seeded([&] { __nsVector3d_on_unit_sphere(direction); });
+    const cVector3D point(draws[2] - 0.5, draws[1] - 0.5, draws[0] - 0.5);
+    EXPECT_TRUE(same_bits(point.normalized(), direction, 3));
 
-TEST(Vector3D, OnUnitSphereDrawsZThenYThenX) {
-    std::srand(9);
-    cVector3D drawn;
-    __nsVector3d_on_unit_sphere(drawn);
-    std::srand(9);
-    cVector3D expected;
-    for (const int component : {2, 1, 0})
-        expected[component] = quillon::platform::runtime_rand() / 32767.0 - 0.5;
-    EXPECT_EQ(components(expected.normalized()), components(drawn));
+    cQuaternion q;
+    cQuaternion expected_q;
+    seeded([&] { __nsQuaternion_random(q); });
+    __cQuaternion_from_euler_components(expected_q, draws[2] * PI * 2.0, draws[1] * PI * 2.0,
+                                        draws[0] * PI * 2.0);
+    EXPECT_TRUE(same_bits(expected_q, q, 4));
+
+    cMatrix3D m;
+    cMatrix3D expected_m;
+    seeded([&] { __nsMatrix3d_random(m); });
+    expected_m.yaw(draws[0] * TWO_PI);
+    expected_m.pitch((draws[1] - 0.5) * PI);
+    EXPECT_TRUE(same_bits(expected_m, m, 9));
 }

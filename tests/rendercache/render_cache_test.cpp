@@ -55,40 +55,42 @@ struct Sources {
         __mGraphics_modify_render_cache_from_verts(&cache, positions.data(), texcoords.data(),
                                                    normals.data(), colors.data());
     }
-};
 
-void expect_floats(const cVector3D& vector, const float* entry) {
-    EXPECT_EQ(static_cast<float>(vector.x), entry[0]);
-    EXPECT_EQ(static_cast<float>(vector.y), entry[1]);
-    EXPECT_EQ(static_cast<float>(vector.z), entry[2]);
-}
+    // Without indices every corner takes the first element.
+    void fill(cRenderCache& cache, const std::vector<std::uint32_t> (&indices)[4]) const {
+        const auto data = [&](int i) { return indices[i].empty() ? nullptr : indices[i].data(); };
+        __mGraphics_modify_render_cache_from_polys(&cache, positions.data(), texcoords.data(),
+                                                   normals.data(), colors.data(), data(0), data(1),
+                                                   data(2), data(3));
+    }
+};
 
 // Entry i against the elements of the four attributes: position, texcoord, normal, colour.
 void expect_entry(const cRenderCache& cache, std::size_t i, const Sources& sources, std::size_t p,
                   std::size_t t, std::size_t n, std::size_t c) {
-    expect_floats(sources.positions[p], cache.positions + i * 3);
-    expect_floats(sources.normals[n], cache.normals + i * 3);
-    EXPECT_EQ(static_cast<float>(sources.texcoords[t].x), cache.texcoords[i * 2]);
-    EXPECT_EQ(static_cast<float>(sources.texcoords[t].y), cache.texcoords[i * 2 + 1]);
-    for (std::size_t component = 0; component < 4; ++component)
-        EXPECT_EQ(sources.colors[c][static_cast<int>(component)], cache.colors[i * 4 + component]);
+    const auto expect = [i](const auto& source, const float* array, int components) {
+        for (int k = 0; k < components; ++k)
+            EXPECT_EQ(static_cast<float>(source[k]), array[i * components + k]);
+    };
+    expect(sources.positions[p], cache.positions, 3);
+    expect(sources.texcoords[t], cache.texcoords, 2);
+    expect(sources.normals[n], cache.normals, 3);
+    expect(sources.colors[c], cache.colors, 4);
 }
 
 } // namespace
 
 TEST(RenderCache, HoldsOnlyWhatIsAskedForUntilCleanup) {
-    const Cache bare(__mGraphics_create_render_cache(2, 3, false, false, false, false));
-    EXPECT_NE(nullptr, bare->positions);
-    const Cache textured(__mGraphics_create_render_cache(0, 4, true, false, false, false));
+    const Cache textured(__mGraphics_create_render_cache(2, 4, true, false, false, false));
+    EXPECT_NE(nullptr, textured->positions);
     EXPECT_NE(nullptr, textured->texcoords);
     EXPECT_EQ(nullptr, textured->normals);
 
-    __mGraphics_render_cache_cleanup(bare.get());
-    __mGraphics_render_cache_cleanup(bare.get());
-    for (const float* array :
-         {bare->positions, bare->normals, bare->tangents, bare->texcoords, bare->colors})
-        EXPECT_EQ(nullptr, array);
-    EXPECT_EQ(2U, bare->poly_count);
+    __mGraphics_render_cache_cleanup(textured.get());
+    __mGraphics_render_cache_cleanup(textured.get());
+    EXPECT_EQ(nullptr, textured->positions);
+    EXPECT_EQ(nullptr, textured->texcoords);
+    EXPECT_EQ(2U, textured->poly_count);
 }
 
 TEST(RenderCache, CountsBeyondMemoryFailAsTheAllocatorDoes) {
@@ -124,10 +126,7 @@ TEST(RenderCache, UnrollsVertsAndPolysLikeThePlainRule) {
                 for (std::size_t i = 0; i < corners; ++i)
                     order[attribute].push_back(
                         static_cast<std::uint32_t>((i * 40'503 + attribute * 7) % corners));
-            __mGraphics_modify_render_cache_from_polys(
-                &cache, sources.positions.data(), sources.texcoords.data(), sources.normals.data(),
-                sources.colors.data(), order[0].data(), order[1].data(), order[2].data(),
-                order[3].data());
+            sources.fill(cache, order);
             for (std::size_t i = 0; i < corners; ++i)
                 expect_entry(cache, i, sources, order[0][i], order[1][i], order[2][i], order[3][i]);
             for (const float* gap : {cache.normals - 1, cache.texcoords - 1, cache.colors - 1,
@@ -140,9 +139,7 @@ TEST(RenderCache, UnrollsVertsAndPolysLikeThePlainRule) {
 TEST(RenderCache, FiveCornersTakeTheFirstElement) {
     const Sources sources(2);
     const Cache cache(__mGraphics_create_render_cache(3, 5, true, true, false, true));
-    __mGraphics_modify_render_cache_from_polys(
-        cache.get(), sources.positions.data(), sources.texcoords.data(), sources.normals.data(),
-        sources.colors.data(), nullptr, nullptr, nullptr, nullptr);
+    sources.fill(*cache, {});
     for (std::size_t i = 0; i < 15; ++i)
         expect_entry(*cache, i, sources, 0, 0, 0, 0);
 }
@@ -180,5 +177,5 @@ TEST(RenderCache, CopiesWhatTheDestinationHolds) {
     __mGraphics_copy_render_cache(nullptr, full.get(), nullptr);
     __mGraphics_copy_render_cache(nullptr, full.get(), bare.get());
     EXPECT_THAT(floats(full->positions, 18), Each(5));
-    expect_floats(sources.normals[5], full->normals + 15);
+    EXPECT_THAT(floats(full->tangents, 18), Each(4));
 }
