@@ -68,20 +68,6 @@ protected:
 
     static void TearDownTestSuite() { __clear_trig_tables(); }
 
-    // `multiply` gives the bits that `plainly` gives, also for an object times itself.
-    template <class Object, class Draw>
-    void compare_products(void (*multiply)(Object&, const Object&),
-                          void (*plainly)(Object&, const Object&), Draw draw, int components) {
-        for (int i = 0; i < 20000; ++i) {
-            Object product = draw();
-            const Object b = i % 8 == 0 ? product : draw();
-            Object expected = product;
-            plainly(expected, b);
-            multiply(product, i % 8 == 0 ? product : b);
-            ASSERT_TRUE(same_bits(expected, product, components)) << i;
-        }
-    }
-
     Numbers numbers;
 };
 

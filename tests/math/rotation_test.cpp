@@ -1,0 +1,267 @@
+// Matrices and quaternions, which have to agree with each other.
+#include "bench/math/plain.h"
+#include "random_values.h"
+
+using namespace quillon;
+
+namespace {
+
+class Rotation : public Rotations {
+protected:
+    // `multiply` gives the bits that `plainly` gives, also for an object times itself.
+    template <class Object, class Draw>
+    void compare_products(void (*multiply)(Object&, const Object&),
+                          void (*plainly)(Object&, const Object&), Draw draw, int components) {
+        for (int i = 0; i < 20000; ++i) {
+            Object product = draw();
+            const Object b = i % 8 == 0 ? product : draw();
+            Object expected = product;
+            plainly(expected, b);
+            multiply(product, i % 8 == 0 ? product : b);
+            ASSERT_TRUE(same_bits(expected, product, components)) << i;
+        }
+    }
+
+    cQuaternion random_unit() {
+        const cQuaternion q = numbers.quaternion();
+        const double norm = std::sqrt(q.x * q.x + q.y * q.y + q.z * q.z + q.w * q.w);
+        return {q.x / norm, q.y / norm, q.z / norm, q.w / norm};
+    }
+};
+
+constexpr cMatrix3D counting(1, 2, 3, 4, 5, 6, 7, 8, 9);
+
+cMatrix3D looking(const cVector3D& forward, const cVector3D& up) {
+    cMatrix3D m;
+    __cMatrix3d_from_forward_and_up(m, forward, up);
+    return m;
+}
+
+cQuaternion negated(const cQuaternion& q) {
+    return {-q.x, -q.y, -q.z, -q.w};
+}
+
+cQuaternion slerp(const cQuaternion& a, const cQuaternion& b, double t) {
+    cQuaternion q(9, 9, 9, 9);
+    __cQuaternion_slerp(q, a, b, t);
+    return q;
+}
+
+} // namespace
+
+TEST_F(Rotation, ProductsEqualThePlainOnesBitForBit) {
+    compare_products<cMatrix3D>(
+        __cMatrix3d_multiply, plain::multiply, [&] { return numbers.matrix(); }, 9);
+    compare_products<cQuaternion>(
+        __cQuaternion_multiply, plain::multiply, [&] { return numbers.quaternion(); }, 4);
+}
+
+TEST_F(Rotation, VectorsTurnAsByThePlainMatrixBitForBit) {
+    for (int i = 0; i < 20000; ++i) {
+        const cMatrix3D m = numbers.matrix();
+        const cQuaternion q = numbers.quaternion();
+        const cVector3D v = numbers.vector();
+        const auto same = [&](auto turn, const auto& by, auto plainly) {
+            cVector3D turned = v;
+            cVector3D expected = v;
+            turn(turned, by);
+            plainly(expected, by);
+            return same_bits(expected, turned, 3);
+        };
+        const auto forth = [](cVector3D& u, const auto& by) { plain::rotate(u, by); };
+        const auto back = [](cVector3D& u, const auto& by) { plain::rotate_backwards(u, by); };
+        ASSERT_TRUE(same(__cVector3d_rotate_by_matrix, m, forth));
+        ASSERT_TRUE(same(__cVector3d_rotate_backwards_by_matrix, m, back));
+        ASSERT_TRUE(same(__cVector3d_rotate_by_quaternion, q, forth));
+        ASSERT_TRUE(same(__cVector3d_rotate_backwards_by_quaternion, q, back));
+        cMatrix3D expected;
+        plain::from_quaternion(expected, q);
+        ASSERT_TRUE(same_bits(expected, cMatrix3D(q), 9));
+    }
+}
+
+TEST_F(Rotation, BasicOnesTurnTheirWayAndMultiply) {
+    const struct {
+        const char* name;
+        void (*set)(cMatrix3D&, double);
+        void (*turn)(cMatrix3D&, double);
+        void (*turn_quaternion)(cQuaternion&, const double&);
+        cVector3D vectors[3]; // the axis, and what a quarter turn carries where
+    } cases[] = {
+        {"yaw",
+         __nsMatrix3d_yaw,
+         __cMatrix3d_yaw,
+         __cQuaternion_yaw,
+         {{0, 3, 0}, {0, 0, 1}, {-1, 0, 0}}},
+        {"pitch",
+         __nsMatrix3d_pitch,
+         __cMatrix3d_pitch,
+         __cQuaternion_pitch,
+         {{0.5, 0, 0}, {0, 1, 0}, {0, 0, 1}}},
+        {"roll",
+         __nsMatrix3d_roll,
+         __cMatrix3d_roll,
+         __cQuaternion_roll,
+         {{0, 0, 7}, {1, 0, 0}, {0, 1, 0}}},
+    };
+
+    numbers.awkward = false;
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.name);
+        cMatrix3D basic;
+        const auto& [axis, from, to] = row.vectors;
+        cVector3D v = from;
+        row.set(basic, HALF_PI);
+        __cVector3d_rotate_by_matrix(v, basic);
+        EXPECT_TRUE(close_to(to, v, 3, 1e-7));
+
+        // A negative angle gets one turn, and only one.
+        for (const double angle : {0.0, 1.25, 7.5, -0.7, -8.0}) {
+            SCOPED_TRACE(angle);
+            cMatrix3D about_axis = counting;
+            row.set(basic, angle);
+            __cMatrix3d_construct_matrix(about_axis, angle, axis);
+            EXPECT_TRUE(close_to(basic, about_axis, 9, 0.0));
+
+            cMatrix3D turned = counting;
+            row.set(basic, angle < 0.0 ? angle + PI * 2.0 : angle);
+            row.turn(turned, angle);
+            EXPECT_TRUE(close_to(counting * basic, turned, 9, 0.0));
+
+            cQuaternion q = random_unit();
+            cMatrix3D m(q);
+            row.turn_quaternion(q, angle);
+            EXPECT_TRUE(close_to(m * basic, cMatrix3D(q), 9, 2e-4));
+        }
+    }
+}
+
+TEST_F(Rotation, EulerAnglesAreTakenInTheirOrder) {
+    cMatrix3D yaw;
+    cMatrix3D pitch;
+    cMatrix3D roll;
+    cMatrix3D m = counting;
+    cQuaternion q;
+    __nsMatrix3d_pitch(pitch, 0.3);
+    __nsMatrix3d_yaw(yaw, -0.8);
+    __nsMatrix3d_roll(roll, 1.9);
+    __nsMatrix3d_euler(m, cVector3D(0.3, -0.8, 1.9));
+    __cQuaternion_from_euler(q, cVector3D(0.3, -0.8, 1.9));
+    EXPECT_TRUE(same_bits(yaw * pitch * roll, m, 9));
+    EXPECT_TRUE(close_to(pitch * yaw * roll, cMatrix3D(q), 9, 3e-4));
+    __cQuaternion_from_euler_components(q, 0.0, 0.0, 0.0);
+    EXPECT_TRUE(close_to(QUATERNION_IDENTITY, q, 4, 0.0));
+}
+
+TEST_F(Rotation, KnownMatrices) {
+    cMatrix3D normalized(3, 0, 1, 0, 0, 2, 4, 0, 2);
+    __cMatrix3d_normalize(normalized);
+    cMatrix3D combined = counting;
+    __cMatrix3d_add(combined, combined);
+    __cMatrix3d_subtract(combined, cMatrix3D(1, 1, 1, 1, 1, 1, 1, 1, 0));
+
+    const struct {
+        const char* name;
+        cMatrix3D actual, expected;
+    } cases[] = {
+        {"normalised", normalized, {0.6, 0, 1 / 3.0, 0, 0, 2 / 3.0, 0.8, 0, 2 / 3.0}},
+        {"sum and difference", combined, {1, 3, 5, 7, 9, 11, 13, 15, 18}},
+        {"forward and up", looking({0, 0, 1}, {0, 1, 0}), MATRIX3D_IDENTITY},
+        {"up at a slant", looking({5, 0, 0}, {3, 2, 0}), {0, 0, 1, 0, 1, 0, -1, 0, 0}},
+        {"up along forward", looking({0, 2, 0}, {0, 2, 0}), {0, 0, 0, 0, 0, 1, 0, 0, 0}},
+    };
+
+    for (const auto& row : cases)
+        EXPECT_TRUE(close_to(row.expected, row.actual, 9, 0.0)) << row.name;
+    EXPECT_EQ(-12.0, __cMatrix3d_get_determinant(combined));
+    // Summed from the left, the small product drowns in the great ones.
+    EXPECT_EQ(0.0, __cMatrix3d_get_determinant(cMatrix3D(1e20, 0, 1, 1, 1, 1, 0, 1, 1)));
+}
+
+TEST_F(Rotation, OfAMatrixIsAChangeOfBasis) {
+    cMatrix3D r;
+    __cMatrix3d_construct_matrix(r, 0.5, cVector3D(1, 2, 3));
+    cMatrix3D m = counting;
+    __cMatrix3d_rotate(m, r);
+    EXPECT_TRUE(same_bits((r * counting) * r.transposed(), m, 9));
+    m = r;
+    __cMatrix3d_rotate(m, m);
+    EXPECT_TRUE(same_bits((r * r) * r.transposed(), m, 9));
+}
+
+TEST_F(Rotation, MatrixAndBackKeepsTheQuaternion) {
+    numbers.awkward = false;
+    const cQuaternion mains[] = {{1, 0, 0, 0},     {0, 1, 0, 0},     {0, 0, 1, 0},    {0, 0, 0, 1},
+                                 {0.8, 0, 0.6, 0}, {0.6, 0.8, 0, 0}, {0, 0.6, 0.8, 0}};
+    for (int i = 0; i < 2000; ++i) {
+        const cQuaternion q = i < 7 ? mains[i] : random_unit();
+        cQuaternion back;
+        __cQuaternion_from_matrix(back, cMatrix3D(q));
+        ASSERT_TRUE(close_to(q, back, 4, 1e-14) || close_to(negated(q), back, 4, 1e-14)) << i;
+    }
+}
+
+TEST_F(Rotation, MainComponentIsChosenByStrictTests) {
+    // No rotations, so that each element shows where it goes; ties fall through to the next test.
+    const struct {
+        const char* name;
+        cMatrix3D m;
+        cQuaternion expected;
+    } cases[] = {
+        {"w", {1, 2, 4, 0, 1, 8, 0, 0, 1}, {2, -1, 0.5, 1}},
+        {"x", {1, 2, 4, 0, -1, 8, 0, 0, -1}, {1, 0.5, 1, 2}},
+        {"y", {-1, 2, 4, 0, 1, 8, 0, 0, -1}, {0.5, 1, 2, -1}},
+        {"z", {-1, 2, 4, 0, -1, 8, 0, 0, 1}, {1, 2, 1, 0.5}},
+        {"nothing above nothing", {0, 0, 0, 0, 0, 0, 0, 0, 0}, {0, 0, 0.5, 0}},
+    };
+
+    for (const auto& row : cases) {
+        cQuaternion q;
+        __cQuaternion_from_matrix(q, row.m);
+        EXPECT_TRUE(close_to(row.expected, q, 4, 1e-15)) << row.name;
+    }
+}
+
+TEST_F(Rotation, AxisAngleTakesTheAxisAsItIs) {
+    const cQuaternion expected(0, std::sin(0.5) * 2, -std::sin(0.5), std::cos(0.5));
+    EXPECT_TRUE(close_to(expected, cQuaternion(cVector3D(0, 2, -1), 1.0), 4, 0.0));
+}
+
+TEST_F(Rotation, SlerpEqualsThePlainOneBitForBit) {
+    for (int i = 0; i < 400000; ++i) {
+        numbers.awkward = i % 16 == 0;
+        const cQuaternion a = random_unit();
+        cQuaternion b = random_unit();
+        if (i % 2 == 0) {
+            // Arcs down to those that give the mean.
+            const double part = std::ldexp(1.0, -i % 14);
+            b.set(a.x + part * b.x, a.y + part * b.y, a.z + part * b.z, a.w);
+        }
+        const double t = i % 3 == 0 ? numbers.next() : std::abs(numbers.next()) / 2.0;
+        cQuaternion expected;
+        plain::slerp(expected, a, b, t);
+        ASSERT_TRUE(same_bits(expected, slerp(a, b, t), 4)) << i;
+    }
+}
+
+TEST_F(Rotation, SlerpAtItsEdges) {
+    const cQuaternion a(0.6, 0, 0, 0.8);
+    const cQuaternion b(0, 0.6, 0, 0.8);
+    const cQuaternion turned(cVector3D(1, 0, 0), 1.2);
+    const cQuaternion part(cVector3D(1, 0, 0), 0.3);
+    const cQuaternion near_one(std::sin(0.0009), 0, 0, std::cos(0.0009));
+    const cQuaternion mean(near_one.x * 0.5, 0, 0, 0.5 + 0.5 * near_one.w);
+
+    EXPECT_TRUE(close_to(part, slerp(QUATERNION_IDENTITY, turned, 0.25), 4, 2e-4));
+    EXPECT_TRUE(close_to(part, slerp(QUATERNION_IDENTITY, negated(turned), 0.25), 4, 2e-4));
+    EXPECT_TRUE(same_bits(a, slerp(a, a, 0.5), 4));
+    EXPECT_TRUE(same_bits(a, slerp(a, cQuaternion(NAN, 0, 0, 1), 0.5), 4));
+    EXPECT_TRUE(close_to(mean, slerp(QUATERNION_IDENTITY, near_one, 1.0), 4, 1e-18));
+    const cQuaternion expected = slerp(a, b, 0.3);
+    cQuaternion aliased = a;
+    __cQuaternion_slerp(aliased, aliased, b, 0.3);
+    EXPECT_TRUE(same_bits(expected, aliased, 4));
+    aliased = b;
+    __cQuaternion_slerp(aliased, a, aliased, 0.3);
+    EXPECT_TRUE(same_bits(expected, aliased, 4));
+}
