@@ -29,13 +29,18 @@ public:
 
 TEST(Modules, AccessorsGiveOneObjectEach) {
     const LoadedLibrary library;
-    for (const char* name :
-         {"Core", "Graphics", "Input", "System", "Network", "Audio", "Physics", "FileOps"}) {
-        const std::string accessor = std::string("__m") + name + "_instance";
-        auto* const instance = library.function<void*()>(accessor.c_str());
-        EXPECT_NE(instance(), nullptr) << name;
-        EXPECT_EQ(instance(), instance()) << name;
-    }
+    const auto expect_one = [](auto* instance) {
+        EXPECT_NE(instance(), nullptr);
+        EXPECT_EQ(instance(), instance());
+    };
+    expect_one(EXPORT_OF(library, __mCore_instance));
+    expect_one(EXPORT_OF(library, __mGraphics_instance));
+    expect_one(EXPORT_OF(library, __mInput_instance));
+    expect_one(EXPORT_OF(library, __mSystem_instance));
+    expect_one(EXPORT_OF(library, __mNetwork_instance));
+    expect_one(EXPORT_OF(library, __mAudio_instance));
+    expect_one(EXPORT_OF(library, __mPhysics_instance));
+    expect_one(EXPORT_OF(library, __mFileOps_instance));
 }
 
 TEST(Modules, ViewsSeeTheTableOfTheirModule) {

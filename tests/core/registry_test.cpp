@@ -26,9 +26,10 @@ protected:
 
     // What plug-in 0 has received under a name.
     void* parameter(const char* name) const {
-        auto* const received = reinterpret_cast<quillon::DSPrefHashMap<void>* (*)()>(
+        auto* const received = reinterpret_cast<void* (*)()>(
             EXPORT_OF(library, __mCore_get_plugin_function)(0, "received_parameters"));
-        return received()->find(quillon::name_hash(name));
+        auto* const parameters = static_cast<quillon::DSPrefHashMap<void>*>(received());
+        return parameters->find(quillon::name_hash(name));
     }
 
     ScratchFolder folder;
