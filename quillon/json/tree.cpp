@@ -7,7 +7,9 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <numeric>
 #include <string_view>
+#include <utility>
 
 namespace quillon {
 namespace {
@@ -83,20 +85,32 @@ private:
 // Above this, looking every key up in the copy would take longer than sorting the keys once.
 constexpr std::uint32_t many_pairs = 64;
 
-// False if two pairs have the same key, or if there is no memory to tell.
-bool many_keys_are_unique(const cson_kvp_list& list) {
-    const std::size_t bytes = list.count * sizeof(void*);
-    auto* sorted = static_cast<cson_kvp**>(cson_resize(nullptr, bytes, "cson_kvp_list_sorted"));
-    if (sorted == nullptr)
-        return false;
-    cson_kvp** end = std::copy_n(list.items, list.count, sorted);
-    std::sort(sorted, end,
-              [](const cson_kvp* a, const cson_kvp* b) { return key_of(a) < key_of(b); });
-    const bool unique = std::adjacent_find(sorted, end, [](const cson_kvp* a, const cson_kvp* b) {
-                            return key_of(a) == key_of(b);
-                        }) == end;
-    cson_free(sorted, "cson_kvp_list_sorted");
-    return unique;
+constexpr const char* places_tag = "cson_kvp_list_places";
+
+// The place of every pair in the copy, where pairs of one key share the first one's, and how many
+// places there are. Null without memory.
+std::uint32_t* places_of(const cson_kvp_list& list, std::uint32_t& place_count) {
+    const std::size_t bytes = std::size_t{list.count} * 2 * sizeof(std::uint32_t);
+    auto* places = static_cast<std::uint32_t*>(cson_resize(nullptr, bytes, places_tag));
+    if (places == nullptr)
+        return nullptr;
+    std::uint32_t* order = places + list.count;
+    std::uint32_t* end = order + list.count;
+    std::iota(order, end, 0u);
+    const auto key = [&list](std::uint32_t index) { return key_of(list.items[index]); };
+    std::sort(order, end, [key](std::uint32_t a, std::uint32_t b) {
+        const int difference = key(a).compare(key(b));
+        return difference != 0 ? difference < 0 : a < b;
+    });
+    std::uint32_t first = *order; // of the pairs with its key
+    for (const std::uint32_t* at = order; at != end; ++at) {
+        first = key(*at) == key(first) ? first : *at;
+        places[*at] = first;
+    }
+    place_count = 0;
+    for (std::uint32_t i = 0; i < list.count; ++i)
+        places[i] = places[i] == i ? place_count++ : places[places[i]];
+    return places;
 }
 
 // Compares only keys that fall on one of 64 bits.
@@ -121,12 +135,6 @@ bool is_whole(const cson_kvp* pair) {
     return pair != nullptr && cson_value_has_kind(pair->key, cson_kind_string);
 }
 
-// True if every entry becomes a pair of the copy.
-bool copies_pair_by_pair(const cson_kvp_list& list) {
-    return std::all_of(list.items, list.items + list.count, is_whole) &&
-           (list.count > many_pairs ? many_keys_are_unique(list) : few_keys_are_unique(list));
-}
-
 // What putting `count` pairs into a list of as many entries makes of its capacity.
 std::uint32_t capacity_of_copy(std::uint32_t count) {
     return count == 1 ? 6 : std::max(count, 2 * (count - 1));
@@ -141,6 +149,8 @@ public:
     ~copier() {
         for (const known_key& known : known_keys)
             cson_value_release(known.copy);
+        for (; !open.empty(); open.pop())
+            cson_free(open.top().places, places_tag);
     }
 
     // The copy, or null.
@@ -162,7 +172,8 @@ private:
         const cson_value* source;
         cson_value* copy;
         std::uint32_t next;
-        bool pair_by_pair;
+        bool pair_by_pair;     // every entry becomes a pair of the copy
+        std::uint32_t* places; // of many pairs that don't, where there was memory for it
     };
 
     // A key that was copied lately, with an owner of its own: many pairs share one.
@@ -214,31 +225,45 @@ private:
     }
 
     cson_value* begin_array(const cson_value* source, const cson_value_list& list) {
-        return begin_container<cson_value_list>(source, list.count, true);
+        return begin_container<cson_value_list>({source, nullptr, 0, true, nullptr}, list.count);
     }
 
     cson_value* begin_object(const cson_value* source, const cson_kvp_list& list) {
-        const bool pair_by_pair = copies_pair_by_pair(list);
+        frame opened = {source, nullptr, 0, false, nullptr};
+        if (std::all_of(list.items, list.items + list.count, is_whole))
+            find_road(opened, list);
         const std::uint32_t capacity =
-            pair_by_pair && list.count != 0 ? capacity_of_copy(list.count) : list.count;
-        return begin_container<cson_kvp_list>(source, capacity, pair_by_pair);
+            opened.pair_by_pair && list.count != 0 ? capacity_of_copy(list.count) : list.count;
+        return begin_container<cson_kvp_list>(opened, capacity);
     }
 
-    template <class List>
-    cson_value* begin_container(const cson_value* source, std::uint32_t capacity,
-                                bool pair_by_pair) {
-        cson_value* made = cson_build_container(&pool, source->api->kind);
-        if (made == nullptr)
-            return nullptr;
-        auto* list = cson_payload<List>(made);
-        if (capacity != 0)
-            list->items = cson_build_storage(&pool, list, capacity, nullptr, 0);
-        if ((capacity == 0 || list->items != nullptr) &&
-            open.push({source, made, 0, pair_by_pair})) {
-            list->capacity = capacity;
-            return made;
+    static void find_road(frame& opened, const cson_kvp_list& list) {
+        if (list.count <= many_pairs) {
+            opened.pair_by_pair = few_keys_are_unique(list);
+            return;
         }
-        cson_value_release(made);
+        std::uint32_t place_count = 0;
+        opened.places = places_of(list, place_count);
+        opened.pair_by_pair = place_count == list.count;
+        if (opened.pair_by_pair)
+            cson_free(std::exchange(opened.places, nullptr), places_tag);
+    }
+
+    // Takes over the frame, whose copy it makes.
+    template <class List>
+    cson_value* begin_container(frame opened, std::uint32_t capacity) {
+        opened.copy = cson_build_container(&pool, opened.source->api->kind);
+        if (opened.copy != nullptr) {
+            auto* list = cson_payload<List>(opened.copy);
+            if (capacity != 0)
+                list->items = cson_build_storage(&pool, list, capacity, nullptr, 0);
+            if ((capacity == 0 || list->items != nullptr) && open.push(opened)) {
+                list->capacity = capacity;
+                return opened.copy;
+            }
+        }
+        cson_free(opened.places, places_tag);
+        cson_value_release(opened.copy);
         return nullptr;
     }
 
@@ -270,9 +295,11 @@ private:
         const cson_kvp_list& source = cson_payload<cson_object>(open.top().source)->list;
         auto* target = cson_payload<cson_object>(open.top().copy);
         const bool pair_by_pair = open.top().pair_by_pair;
+        std::uint32_t* places = open.top().places;
         while (open.size() == depth) {
             const std::uint32_t index = open.top().next++;
             if (index == source.count) {
+                cson_free(places, places_tag);
                 open.pop();
                 return true;
             }
@@ -280,7 +307,10 @@ private:
             if (pair == nullptr || pair->key == nullptr)
                 continue;
             cson_fetch(pair, 512);
-            if (!(pair_by_pair ? add_pair(target, pair) : put_pair(target, pair)))
+            const bool copied = places != nullptr ? place_pair(target, places[index], pair)
+                                : pair_by_pair    ? add_pair(target, pair)
+                                                  : put_pair(target, pair);
+            if (!copied)
                 return false;
         }
         return true;
@@ -297,6 +327,18 @@ private:
         if (pair->value != nullptr)
             cson_count_owner(pair->value);
         return pair->value != nullptr;
+    }
+
+    // The new member takes an old one's place, if there is one.
+    bool place_pair(cson_object* target, std::uint32_t place, const cson_kvp* source) {
+        if (place == target->list.count)
+            return add_pair(target, source);
+        cson_value* member = begin(source->value);
+        if (member == nullptr)
+            return false;
+        cson_count_owner(member);
+        cson_value_release(std::exchange(target->list.items[place]->value, member));
+        return true;
     }
 
     bool put_pair(cson_object* target, const cson_kvp* source) {

@@ -20,8 +20,10 @@ std::string sample() {
     std::string members;
     for (int i = 0; i < 70; ++i)
         members.append("\"key").append(std::to_string(i)).append("\":[[{\"a\":0}]],");
-    return "{\"list\":" + list + "]," + members + "\"text\":\"" + std::string(9000, 'x') +
-           "\\n\",\"deep\":" + std::string(60, '[') + std::string(60, ']') + "}";
+    const std::string repeated = "\"repeated\":{" + members + "\"key3\":[]},";
+    return "{\"list\":" + list + "]," + members + repeated + "\"text\":\"" +
+           std::string(9000, 'x') + "\\n\",\"deep\":" + std::string(60, '[') +
+           std::string(60, ']') + "}";
 }
 
 const cson_read_options deep_options{100, 0};

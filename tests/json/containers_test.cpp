@@ -229,6 +229,22 @@ TEST(Copy, ObjectsHaveTheCapacityOfPuttingTheirPairs) {
     }
 }
 
+// A lookup for every one of them would take minutes.
+TEST(Copy, ManyRepeatedKeysHaveTheFirstOnesPlaceAndTheLastMember) {
+    std::string text = "{";
+    std::string expected = "{";
+    for (int i = 0; i < 200000; ++i) {
+        const std::string key = "\"key" + std::to_string(i * 7 % 100000) + "\":[";
+        text.append(i != 0 ? "," : "").append(key).append(std::to_string(i)).append("]");
+        if (i < 100000)
+            expected.append(i != 0 ? ", " : "").append(key).append(std::to_string(i + 100000)) +=
+                ']';
+    }
+    const Value copy(cson_value_copy(tree(text + "}").get()));
+    EXPECT_EQ(200000u, object(copy)->list.capacity);
+    EXPECT_TRUE(expected + "}" == text_of(copy.get()));
+}
+
 TEST(Copy, SharesNothingButConstants) {
     std::string wide = "{\"a\":[1,null,{\"b\":\"text\"}],\"a\":0,\"c\":2.5";
     for (int i = 0; i < 100; ++i)
