@@ -225,45 +225,47 @@ private:
     }
 
     cson_value* begin_array(const cson_value* source, const cson_value_list& list) {
-        return begin_container<cson_value_list>({source, nullptr, 0, true, nullptr}, list.count);
+        return begin_container<cson_value_list>(source, list.count, true);
     }
 
     cson_value* begin_object(const cson_value* source, const cson_kvp_list& list) {
-        frame opened = {source, nullptr, 0, false, nullptr};
-        if (std::all_of(list.items, list.items + list.count, is_whole))
-            find_road(opened, list);
+        const bool whole = std::all_of(list.items, list.items + list.count, is_whole);
+        if (whole && list.count > many_pairs)
+            return begin_wide_object(source, list);
+        const bool pair_by_pair = whole && few_keys_are_unique(list);
         const std::uint32_t capacity =
-            opened.pair_by_pair && list.count != 0 ? capacity_of_copy(list.count) : list.count;
-        return begin_container<cson_kvp_list>(opened, capacity);
+            pair_by_pair && list.count != 0 ? capacity_of_copy(list.count) : list.count;
+        return begin_container<cson_kvp_list>(source, capacity, pair_by_pair);
     }
 
-    static void find_road(frame& opened, const cson_kvp_list& list) {
-        if (list.count <= many_pairs) {
-            opened.pair_by_pair = few_keys_are_unique(list);
-            return;
-        }
+    cson_value* begin_wide_object(const cson_value* source, const cson_kvp_list& list) {
         std::uint32_t place_count = 0;
-        opened.places = places_of(list, place_count);
-        opened.pair_by_pair = place_count == list.count;
-        if (opened.pair_by_pair)
-            cson_free(std::exchange(opened.places, nullptr), places_tag);
+        std::uint32_t* places = places_of(list, place_count);
+        const bool pair_by_pair = place_count == list.count;
+        const std::uint32_t capacity = pair_by_pair ? capacity_of_copy(list.count) : list.count;
+        cson_value* made = begin_container<cson_kvp_list>(source, capacity, pair_by_pair);
+        if (made == nullptr || pair_by_pair)
+            cson_free(places, places_tag);
+        else
+            open.top().places = places;
+        return made;
     }
 
-    // Takes over the frame, whose copy it makes.
     template <class List>
-    cson_value* begin_container(frame opened, std::uint32_t capacity) {
-        opened.copy = cson_build_container(&pool, opened.source->api->kind);
-        if (opened.copy != nullptr) {
-            auto* list = cson_payload<List>(opened.copy);
-            if (capacity != 0)
-                list->items = cson_build_storage(&pool, list, capacity, nullptr, 0);
-            if ((capacity == 0 || list->items != nullptr) && open.push(opened)) {
-                list->capacity = capacity;
-                return opened.copy;
-            }
+    cson_value* begin_container(const cson_value* source, std::uint32_t capacity,
+                                bool pair_by_pair) {
+        cson_value* made = cson_build_container(&pool, source->api->kind);
+        if (made == nullptr)
+            return nullptr;
+        auto* list = cson_payload<List>(made);
+        if (capacity != 0)
+            list->items = cson_build_storage(&pool, list, capacity, nullptr, 0);
+        if ((capacity == 0 || list->items != nullptr) &&
+            open.push({source, made, 0, pair_by_pair, nullptr})) {
+            list->capacity = capacity;
+            return made;
         }
-        cson_free(opened.places, places_tag);
-        cson_value_release(opened.copy);
+        cson_value_release(made);
         return nullptr;
     }
 
