@@ -82,8 +82,8 @@ public:
     }
 
     std::uint32_t serialized_size() const override {
-        return 3 * ambient.serialized_size() + 2 * position.serialized_size() +
-               sizeof(float) * SCALARS.size() + sizeof(light_flag);
+        constexpr std::uint32_t others = sizeof(float) * SCALARS.size() + sizeof(light_flag);
+        return 3 * ambient.serialized_size() + 2 * position.serialized_size() + others;
     }
 
 private:
