@@ -182,6 +182,33 @@ private:
         cson_value* copy;
     };
 
+    // The keys of a small object, found to differ: documents repeat a few shapes with the very same
+    // keys.
+    struct shape {
+        std::uint32_t count = 0;
+        std::array<const cson_value*, 32> keys = {};
+    };
+
+    shape& shape_like(const cson_kvp_list& list) { return shapes[list.count % shapes.size()]; }
+
+    bool has_known_shape(const cson_kvp_list& list) {
+        const shape& known = shape_like(list);
+        return known.count == list.count &&
+               std::equal(list.items, list.items + list.count, known.keys.begin(),
+                          [](const cson_kvp* pair, const cson_value* key) {
+                              return pair != nullptr && pair->key == key;
+                          });
+    }
+
+    void learn_shape(const cson_kvp_list& list) {
+        shape& known = shape_like(list);
+        if (list.count > known.keys.size())
+            return;
+        known.count = list.count;
+        std::transform(list.items, list.items + list.count, known.keys.begin(),
+                       [](const cson_kvp* pair) { return pair->key; });
+    }
+
     cson_value* copy_key(const cson_value* source) {
         const auto address = reinterpret_cast<std::uintptr_t>(source);
         known_key& known = known_keys[address / sizeof(cson_value) % known_keys.size()];
@@ -229,10 +256,15 @@ private:
     }
 
     cson_value* begin_object(const cson_value* source, const cson_kvp_list& list) {
-        const bool whole = std::all_of(list.items, list.items + list.count, is_whole);
-        if (whole && list.count > many_pairs)
-            return begin_wide_object(source, list);
-        const bool pair_by_pair = whole && few_keys_are_unique(list);
+        bool pair_by_pair = has_known_shape(list);
+        if (!pair_by_pair) {
+            const bool whole = std::all_of(list.items, list.items + list.count, is_whole);
+            if (whole && list.count > many_pairs)
+                return begin_wide_object(source, list);
+            pair_by_pair = whole && few_keys_are_unique(list);
+            if (pair_by_pair)
+                learn_shape(list);
+        }
         const std::uint32_t capacity =
             pair_by_pair && list.count != 0 ? capacity_of_copy(list.count) : list.count;
         return begin_container<cson_kvp_list>(source, capacity, pair_by_pair);
@@ -356,6 +388,7 @@ private:
     cson_pool pool;
     cson_stack<frame> open;
     std::array<known_key, 64> known_keys = {};
+    std::array<shape, 8> shapes = {};
 };
 
 // --- Combine -----------------------------------------------------------------------------------
