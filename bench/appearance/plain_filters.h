@@ -139,9 +139,10 @@ inline void average_color(cColor& out, const uint8_t* pixels, int32_t width, int
         for (int32_t x = 0; x < width; ++x, pixels += 4)
             for (int channel = 0; channel < 3; ++channel)
                 sums[channel] += pixels[channel];
-        for (int channel = 0; channel < 3; ++channel)
-            out[channel] = static_cast<float>(out[channel] +
-                                              static_cast<double>(sums[channel] / width) / height);
+        for (int channel = 0; channel < 3; ++channel) {
+            const int32_t mean = sums[channel] / width;
+            out[channel] = static_cast<float>(out[channel] + static_cast<double>(mean) / height);
+        }
     }
     for (int channel = 0; channel < 3; ++channel)
         out[channel] = static_cast<float>(out[channel] / 255.0);

@@ -125,7 +125,7 @@ template <class Lanes>
     Pair sums;
     normalize(tangents, sums);
 
-    using Mask = decltype(sums == sums);
+    using Mask = decltype(sums < Pair{});
     const Mask alone{-(index <= 0), -(index >= s.count - 2)};
     for (int c = 0; c < 3; ++c) {
         const Pair tangent = alone ? Pair{chords[c][0], chords[c][1]} : tangents[c];
