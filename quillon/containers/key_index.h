@@ -61,7 +61,7 @@ private:
 
     std::vector<Slot> slots;
     std::size_t used = 0;
-    std::uint32_t bits = 0;
+    std::uint32_t bits = first_bits;
 };
 
 } // namespace quillon

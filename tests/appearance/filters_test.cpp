@@ -126,7 +126,7 @@ TEST(Filters, EqualThePlainReadingInPlaceAndTouchNothingElse) {
     for (const auto& [width, height] : sizes)
         for (const auto place :
              {Place::AT_THE_FRONT, Place::AT_THE_BACK, Place::AT_AN_ODD_ADDRESS}) {
-            const Bytes source = random_bytes(static_cast<std::size_t>(width * height * 4));
+            const Bytes source = random_bytes(static_cast<std::size_t>(width) * height * 4);
             GuardedBitmap bitmap(source.size(), place);
             for (const Case& filter : all_filters()) {
                 bitmap.set(source);
@@ -267,7 +267,7 @@ TEST(GaussBrush, EqualsThePlainReadingAnywhere) {
             brush("", cColor(fraction(), fraction(), fraction(), fraction()), pick(-30, 100),
                   pick(-30, 100), static_cast<float>(pick(0, 80)) / 4.0F,
                   static_cast<float>(pick(0, 40)) / 4.0F);
-        const Bytes source = random_bytes(static_cast<std::size_t>(width * height * 4));
+        const Bytes source = random_bytes(static_cast<std::size_t>(width) * height * 4);
         ASSERT_TRUE(after(filter.library, source, width, height) ==
                     after(filter.plain, source, width, height))
             << i;

@@ -74,7 +74,7 @@ TEST(Connection, HappensInThisOrder) {
         folder.add_plugins(row.plugins);
         const LoadedLibrary library;
         EXPECT_TRUE(EXPORT_OF(library, __mCore_open)());
-        EXPECT_THAT(folder.events(), ElementsAreArray(row.events));
+        EXPECT_THAT(ScratchFolder::events(), ElementsAreArray(row.events));
         EXPECT_EQ(connected_modules(library), row.connected);
         EXPECT_EQ(EXPORT_OF(library, __mCore_get_plugin_count)(), row.plugins.size());
     }
@@ -85,7 +85,7 @@ TEST(Connection, ATakenModuleIsOfferedToNobodyElse) {
     folder.add_plugins({"graphics", "other_graphics"});
     const LoadedLibrary library;
     EXPORT_OF(library, __mCore_open)();
-    const std::vector<std::string> events = folder.events("");
+    const std::vector<std::string> events = ScratchFolder::events("");
     EXPECT_EQ(std::count(events.begin(), events.end(), "Graphics: asked GRAPHICS"), 1);
     EXPECT_EQ(std::count(events.begin(), events.end(), "Other: asked GRAPHICS"), 0);
     EXPECT_EQ(std::count(events.begin(), events.end(), "Other: asked AUDIO"), 2);

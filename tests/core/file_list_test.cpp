@@ -30,10 +30,10 @@ TEST(FileList, HoldsTheNamesThatTheFilterLetsThrough) {
     const std::vector<std::string> every_file = {"A.dll", "b.so", "ball", "c.txt", "ll"};
     const ScratchFolder scratch;
     fs::create_directories("f/sub.so");
-    std::ofstream{"f/sub.so/inner"};
+    std::ofstream("f/sub.so/inner").close();
     fs::create_directory_symlink("sub.so", "f/linked");
     for (const std::string& name : every_file)
-        std::ofstream{fs::path("f") / name};
+        std::ofstream(fs::path("f") / name).close();
 
     const struct {
         const char* name;
@@ -65,7 +65,7 @@ TEST(FileList, ThePatternMustStayBelowTheLimit) {
     for (const std::size_t length : {257u, 258u}) {
         const std::string folder = std::string(200, 'x') + "/" + std::string(length - 201, 'y');
         fs::create_directories(folder);
-        std::ofstream{fs::path(folder) / "f"};
+        std::ofstream(fs::path(folder) / "f").close();
         // Slashes that normalising removes do not count.
         EXPECT_EQ(collect(folder + "/", ".*").size(), length == 257 ? 1u : 0u) << length;
     }

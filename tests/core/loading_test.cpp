@@ -53,7 +53,7 @@ TEST(Loading, RefusesWhatLacksSomethingAndGoesOn) {
 
 TEST(Loading, RefusesWhatIsNoPluginFileAndGoesOn) {
     expect_refusal("text", [](const fs::path& file) { std::ofstream(file) << "just text\n"; });
-    expect_refusal("empty", [](const fs::path& file) { std::ofstream{file}; });
+    expect_refusal("empty", [](const fs::path& file) { std::ofstream(file).close(); });
     expect_refusal("pipe", [](const fs::path& file) { mkfifo(file.c_str(), 0600); });
     expect_refusal("dangling", [](const fs::path& file) { fs::create_symlink("nowhere", file); });
     expect_refusal("other architecture", [](const fs::path& file) { spoil(file, 18, 0x7F); });
