@@ -58,13 +58,15 @@ public:
     }
 
     constexpr float& operator[](int index) {
-        return is_component(index) ? this->*COMPONENTS[index]
-                                   : detail::zeroed(detail::writable_scratch<cColor, float>);
+        return detail::has_index(COMPONENTS, index)
+                   ? this->*COMPONENTS[index]
+                   : detail::zeroed(detail::writable_scratch<cColor, float>);
     }
 
     constexpr const float& operator[](int index) const {
-        return is_component(index) ? this->*COMPONENTS[index]
-                                   : detail::zeroed(detail::readable_scratch<cColor, float>);
+        return detail::has_index(COMPONENTS, index)
+                   ? this->*COMPONENTS[index]
+                   : detail::zeroed(detail::readable_scratch<cColor, float>);
     }
 
     std::uint32_t serialize(std::uint8_t* buffer) const override {
@@ -84,8 +86,6 @@ public:
     constexpr virtual ~cColor() {} // NOLINT(modernize-use-equals-default): see cVector3D
 
 private:
-    static constexpr bool is_component(int index) { return index >= 0 && index < 4; }
-
     static constexpr float cColor::*COMPONENTS[] = {&cColor::r, &cColor::g, &cColor::b, &cColor::a};
 };
 

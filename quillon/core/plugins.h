@@ -14,12 +14,12 @@ namespace quillon {
 struct Service;
 
 // The functions that make a shared library a plug-in, in the order of cPlugin's fields.
-inline constexpr const char* ENTRY_POINTS[] = {"initialize",
-                                               "shutdown",
-                                               "get_plugin_name",
-                                               "get_plugin_purpose",
-                                               "get_plugin_compatibility",
-                                               "get_plugin_prereqs"};
+QUILLON_LOCAL inline constexpr const char* ENTRY_POINTS[] = {"initialize",
+                                                             "shutdown",
+                                                             "get_plugin_name",
+                                                             "get_plugin_purpose",
+                                                             "get_plugin_compatibility",
+                                                             "get_plugin_prereqs"};
 
 // A loaded plug-in file. The list of them is what a plug-in's `initialize` finds under the key of
 // "Modules"; a plug-in may read the fields and call the entry points, the operations are the

@@ -13,6 +13,7 @@
 #include <cstring>
 #include <limits>
 #include <new>
+#include <string_view>
 
 namespace quillon {
 
@@ -40,6 +41,18 @@ const Payload* cson_payload(const cson_value* value) {
 // True if the value has an `api` of this kind.
 inline bool cson_value_has_kind(const cson_value* value, std::uint32_t kind) {
     return value != nullptr && value->api != nullptr && value->api->kind == kind;
+}
+
+// A string's text with what the length counts; the string must not be null.
+inline std::string_view cson_view_of(const cson_string* string) {
+    return {reinterpret_cast<const char*>(string + 1), string->length};
+}
+
+// The pair's key, or null where it has none.
+inline const cson_string* cson_key_of(const cson_kvp* pair) {
+    return pair != nullptr && cson_value_has_kind(pair->key, cson_kind_string)
+               ? static_cast<const cson_string*>(pair->key->value)
+               : nullptr;
 }
 
 // In front of a list's entries.

@@ -14,19 +14,15 @@ std::string_view view_of(const char* text) {
 }
 
 std::string_view view_of(const cson_string* string) {
-    if (string == nullptr)
-        return {};
-    return {reinterpret_cast<const char*>(string + 1), string->length};
+    return string != nullptr ? cson_view_of(string) : std::string_view();
 }
 
 // The position of the first pair with this key, or `count`.
 std::uint32_t position_of(const cson_object* object, std::string_view key) {
     const cson_kvp_list& list = object->list;
     for (std::uint32_t i = 0; i < list.count; ++i) {
-        const cson_kvp* pair = list.items[i];
-        if (pair == nullptr || !cson_value_has_kind(pair->key, cson_kind_string))
-            continue;
-        if (view_of(static_cast<const cson_string*>(pair->key->value)) == key)
+        const cson_string* candidate = cson_key_of(list.items[i]);
+        if (candidate != nullptr && cson_view_of(candidate) == key)
             return i;
     }
     return list.count;

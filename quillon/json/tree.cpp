@@ -20,8 +20,7 @@ bool is_container(const cson_value* value) {
 
 // The key's text; the pair must have one.
 std::string_view key_of(const cson_kvp* pair) {
-    const auto* key = static_cast<const cson_string*>(pair->key->value);
-    return {reinterpret_cast<const char*>(key + 1), key->length};
+    return cson_view_of(static_cast<const cson_string*>(pair->key->value));
 }
 
 // --- Footprint ---------------------------------------------------------------------------------
@@ -132,7 +131,7 @@ bool few_keys_are_unique(const cson_kvp_list& list) {
 }
 
 bool is_whole(const cson_kvp* pair) {
-    return pair != nullptr && cson_value_has_kind(pair->key, cson_kind_string);
+    return cson_key_of(pair) != nullptr;
 }
 
 // What putting `count` pairs into a list of as many entries makes of its capacity.
@@ -238,9 +237,8 @@ private:
         case cson_kind_double:
             return cson_build_double(small, cson_value_double(source));
         case cson_kind_string: {
-            const auto* string = static_cast<const cson_string*>(source->value);
-            const char* text = reinterpret_cast<const char*>(string + 1);
-            return cson_build_string(small, text, string->length);
+            const auto text = cson_view_of(static_cast<const cson_string*>(source->value));
+            return cson_build_string(small, text.data(), static_cast<std::uint32_t>(text.size()));
         }
         case cson_kind_array:
             return begin_array(source, cson_payload<cson_array>(source)->list);

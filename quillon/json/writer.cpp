@@ -1,5 +1,6 @@
 #include "quillon/json/writer.h"
 
+#include "quillon/json/building.h"
 #include "quillon/json/containers.h"
 #include "quillon/json/number_text.h"
 #include "quillon/json/pool.h"
@@ -255,8 +256,7 @@ int write_string(Output& output, const cson_string* string, bool escape_slashes)
     unsigned char* to = output.room(quoted_room(string->length));
     to = to != nullptr ? put_quoted(to, string, escape_slashes) : nullptr;
     if (to == nullptr)
-        return write_text(output, reinterpret_cast<const char*>(string + 1), string->length,
-                          escape_slashes);
+        return write_text(output, cson_view_of(string).data(), string->length, escape_slashes);
     output.advance(to);
     return cson_OK;
 }
@@ -414,7 +414,7 @@ private:
         } else {
             const cson_kvp* pair = top.object->list.items[index];
             cson_fetch(pair, 512);
-            const cson_string* key = key_of(pair);
+            const cson_string* key = cson_key_of(pair);
             if (key == nullptr)
                 return comma ? write_comma(top.indent) : cson_OK;
             value = pair->value;
@@ -445,12 +445,6 @@ private:
             return output.run(reinterpret_cast<bytes_at>(", "), 2);
         const int code = write_piece(output, ",");
         return code == cson_OK ? write_line_break(output, options.indentation, level()) : code;
-    }
-
-    static const cson_string* key_of(const cson_kvp* pair) {
-        const bool has_key =
-            pair != nullptr && pair->key != nullptr && pair->key->api->kind == cson_kind_string;
-        return has_key ? static_cast<const cson_string*>(pair->key->value) : nullptr;
     }
 
     int end() {

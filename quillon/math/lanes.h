@@ -1,4 +1,4 @@
-// Arithmetic on two or four 64-bit floats at once, for the inner parts of this folder.
+// Arithmetic on two or four 64-bit floats at once, for the inner parts of the library.
 //
 // Each lane gives the bits that the scalar operation gives: nothing is fused, swapped or
 // approximated. The compilers lower it to whatever the target has, two scalars if need be.

@@ -113,13 +113,15 @@ public:
     }
 
     constexpr double& operator[](int index) {
-        return is_component(index) ? this->*COMPONENTS[index]
-                                   : detail::zeroed(detail::writable_scratch<cQuaternion, double>);
+        return detail::has_index(COMPONENTS, index)
+                   ? this->*COMPONENTS[index]
+                   : detail::zeroed(detail::writable_scratch<cQuaternion, double>);
     }
 
     constexpr const double& operator[](int index) const {
-        return is_component(index) ? this->*COMPONENTS[index]
-                                   : detail::zeroed(detail::readable_scratch<cQuaternion, double>);
+        return detail::has_index(COMPONENTS, index)
+                   ? this->*COMPONENTS[index]
+                   : detail::zeroed(detail::readable_scratch<cQuaternion, double>);
     }
 
     cQuaternion& operator*=(const cQuaternion& b) {
@@ -134,8 +136,6 @@ public:
     }
 
 private:
-    static constexpr bool is_component(int index) { return index >= 0 && index < 4; }
-
     static constexpr double cQuaternion::*COMPONENTS[] = {&cQuaternion::x, &cQuaternion::y,
                                                           &cQuaternion::z, &cQuaternion::w};
 };

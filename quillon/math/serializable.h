@@ -3,6 +3,7 @@
 
 #include "quillon/export.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 
@@ -36,6 +37,12 @@ QUILLON_LOCAL inline Value readable_scratch{};
 
 template <class Value>
 QUILLON_LOCAL inline constexpr Value constant_zero{};
+
+// True if `index` is one of a class's table of components.
+template <class Component, std::size_t count>
+constexpr bool has_index(Component const (&)[count], int index) {
+    return index >= 0 && index < static_cast<int>(count);
+}
 
 template <class Value>
 constexpr Value& zeroed(Value& scratch) {

@@ -94,12 +94,14 @@ public:
     }
 
     constexpr double& operator[](int index) {
-        return is_component(index) ? this->*COMPONENTS[index]
-                                   : detail::zeroed(detail::writable_scratch<cVector3D, double>);
+        return detail::has_index(COMPONENTS, index)
+                   ? this->*COMPONENTS[index]
+                   : detail::zeroed(detail::writable_scratch<cVector3D, double>);
     }
 
     constexpr const double& operator[](int index) const {
-        return is_component(index) ? this->*COMPONENTS[index] : detail::constant_zero<double>;
+        return detail::has_index(COMPONENTS, index) ? this->*COMPONENTS[index]
+                                                    : detail::constant_zero<double>;
     }
 
     double length() const { return std::sqrt(squared_length()); }
@@ -162,8 +164,6 @@ public:
     }
 
 private:
-    static constexpr bool is_component(int index) { return index >= 0 && index < 3; }
-
     static constexpr double cVector3D::*COMPONENTS[] = {&cVector3D::x, &cVector3D::y,
                                                         &cVector3D::z};
 };
@@ -218,18 +218,18 @@ public:
     constexpr virtual ~cVector2D() {} // NOLINT(modernize-use-equals-default)
 
     constexpr Component& operator[](int index) {
-        return is_component(index) ? this->*COMPONENTS[index]
-                                   : detail::zeroed(detail::writable_scratch<cVector2D, Component>);
+        return detail::has_index(COMPONENTS, index)
+                   ? this->*COMPONENTS[index]
+                   : detail::zeroed(detail::writable_scratch<cVector2D, Component>);
     }
 
     constexpr const Component& operator[](int index) const {
-        return is_component(index) ? this->*COMPONENTS[index]
-                                   : detail::zeroed(detail::readable_scratch<cVector2D, Component>);
+        return detail::has_index(COMPONENTS, index)
+                   ? this->*COMPONENTS[index]
+                   : detail::zeroed(detail::readable_scratch<cVector2D, Component>);
     }
 
 private:
-    static constexpr bool is_component(int index) { return index >= 0 && index < 2; }
-
     static constexpr Component cVector2D::*COMPONENTS[] = {&cVector2D::x, &cVector2D::y};
 };
 

@@ -1,5 +1,6 @@
 #include "quillon/rendercache/tangents.h"
 
+#include "quillon/math/lanes.h"
 #include "quillon/platform/cpu.h"
 
 #include <algorithm>
@@ -115,10 +116,8 @@ struct Kernel {
 
 using TwoFloats [[gnu::vector_size(8)]] = float;
 using FourFloats [[gnu::vector_size(16)]] = float;
-using TwoDoubles [[gnu::vector_size(16)]] = double;
-using FourDoubles [[gnu::vector_size(32)]] = double;
-using NarrowKernel = Kernel<TwoFloats, TwoDoubles, 0, 1>;
-using WideKernel = Kernel<FourFloats, FourDoubles, 0, 1, 2, 3>;
+using NarrowKernel = Kernel<TwoFloats, quillon::Pair, 0, 1>;
+using WideKernel = Kernel<FourFloats, quillon::Quad, 0, 1, 2, 3>;
 
 void fill_polygon(const cRenderCache& cache, std::size_t poly) {
     const std::size_t entry = poly * cache.verts_per_poly;
