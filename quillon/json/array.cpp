@@ -1,5 +1,5 @@
-#include "quillon/json/building.h"
 #include "quillon/json/containers.h"
+#include "quillon/json/record.h"
 
 #include <limits>
 

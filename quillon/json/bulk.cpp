@@ -2,7 +2,7 @@
 
 #include "quillon/json/grammar.h"
 #include "quillon/json/push_parser.h"
-#include "quillon/json/text_scan.h"
+#include "quillon/json/swar.h"
 
 #include <algorithm>
 #include <array>

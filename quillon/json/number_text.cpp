@@ -1,6 +1,6 @@
 #include "quillon/json/number_text.h"
 
-#include "quillon/json/text_scan.h"
+#include "quillon/json/swar.h"
 
 #include <algorithm>
 #include <bit>

@@ -1,4 +1,4 @@
-#include "quillon/json/building.h"
+#include "quillon/json/record.h"
 #include "quillon/json/value.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 // Operations on whole trees, none of which recurses: copy, footprint, combine.
 #include "quillon/json/allocator.h"
-#include "quillon/json/building.h"
 #include "quillon/json/containers.h"
+#include "quillon/json/record.h"
 #include "quillon/json/stack.h"
 
 #include <algorithm>

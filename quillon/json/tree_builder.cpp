@@ -1,6 +1,6 @@
 #include "quillon/json/tree_builder.h"
 
-#include "quillon/json/text_scan.h"
+#include "quillon/json/swar.h"
 
 #include <bit>
 #include <utility>

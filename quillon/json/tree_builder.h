@@ -1,9 +1,9 @@
 // Turns the events of a push parser into a tree of values.
 #pragma once
 
-#include "quillon/json/building.h"
 #include "quillon/json/parser.h"
 #include "quillon/json/pool.h"
+#include "quillon/json/record.h"
 #include "quillon/json/stack.h"
 #include "quillon/json/value.h"
 

@@ -1,6 +1,6 @@
 #include "quillon/json/value.h"
 
-#include "quillon/json/building.h"
+#include "quillon/json/record.h"
 
 #include <algorithm>
 #include <array>

@@ -1,11 +1,11 @@
 #include "quillon/json/writer.h"
 
-#include "quillon/json/building.h"
 #include "quillon/json/containers.h"
 #include "quillon/json/number_text.h"
 #include "quillon/json/pool.h"
+#include "quillon/json/record.h"
 #include "quillon/json/stack.h"
-#include "quillon/json/text_scan.h"
+#include "quillon/json/swar.h"
 
 #include <algorithm>
 #include <array>

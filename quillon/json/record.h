@@ -4,7 +4,7 @@
 #include "quillon/json/allocator.h"
 #include "quillon/json/containers.h"
 #include "quillon/json/pool.h"
-#include "quillon/json/text_scan.h"
+#include "quillon/json/swar.h"
 #include "quillon/json/value.h"
 
 #include <array>

@@ -1,6 +1,6 @@
 // How values come to their end, and the table of kinds that says how each is emptied.
-#include "quillon/json/building.h"
 #include "quillon/json/containers.h"
+#include "quillon/json/record.h"
 #include "quillon/json/value.h"
 
 namespace quillon {
