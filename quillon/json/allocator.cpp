@@ -4,7 +4,7 @@
 
 #include <cstdlib>
 
-namespace quillon {
+namespace quillon::json {
 namespace {
 
 void* platform_resize(void*, void* block, std::size_t bytes, const char*) {
@@ -15,24 +15,24 @@ void platform_release(void*, void* block, const char*) {
     std::free(block);
 }
 
-constexpr cson_allocator platform_allocator = {platform_resize, platform_release, nullptr};
-constinit const cson_allocator* current = &platform_allocator;
+constexpr Allocator platform_allocator = {platform_resize, platform_release, nullptr};
+constinit const Allocator* current = &platform_allocator;
 
 } // namespace
 
-const cson_allocator* cson_set_allocator(const cson_allocator* allocator) {
-    const cson_allocator* before = current;
+const Allocator* set_allocator(const Allocator* allocator) {
+    const Allocator* before = current;
     current = allocator != nullptr ? allocator : &platform_allocator;
     return before;
 }
 
-void* cson_resize(void* block, std::size_t bytes, const char* tag) {
+void* reallocate(void* block, std::size_t bytes, const char* tag) {
     return current->resize(current->state, block, bytes, tag);
 }
 
-void cson_free(void* block, const char* tag) {
+void free(void* block, const char* tag) {
     if (block != nullptr && !cson_value_is_shared(block))
         current->release(current->state, block, tag);
 }
 
-} // namespace quillon
+} // namespace quillon::json

@@ -5,8 +5,10 @@
 
 namespace quillon {
 
+using namespace json;
+
 cson_value* cson_value_make_array() {
-    return cson_build_container(nullptr, cson_kind_array);
+    return build_container(nullptr, cson_kind_array);
 }
 
 int cson_array_size(const cson_array* array, std::uint32_t* count) {
@@ -71,7 +73,7 @@ int cson_array_push(cson_array* array, cson_value* value) {
     cson_value_list* list = &array->list;
     if (list->count == std::numeric_limits<std::uint32_t>::max())
         return cson_RangeError;
-    if (!cson_grow_for_one(list, 7, cson_value_list_reserve))
+    if (!grow_for_one(list, 7, cson_value_list_reserve))
         return cson_AllocError;
     if (list->count == list->capacity)
         return cson_array_put(array, list->count, value);

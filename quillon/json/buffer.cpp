@@ -6,6 +6,9 @@
 #include <limits>
 
 namespace quillon {
+
+using namespace json;
+
 namespace {
 
 constexpr const char* buffer_tag = "cson_buffer::mem";
@@ -45,13 +48,13 @@ int cson_buffer_reserve_bytes(cson_buffer* buffer, std::uint32_t capacity) {
     if (buffer == nullptr)
         return cson_ArgError;
     if (capacity == 0) {
-        cson_free(buffer->mem, buffer_tag);
+        free(buffer->mem, buffer_tag);
         *buffer = {};
         return cson_OK;
     }
     if (capacity <= buffer->capacity)
         return cson_OK;
-    void* grown = cson_resize(buffer->mem, capacity, buffer_tag);
+    void* grown = reallocate(buffer->mem, capacity, buffer_tag);
     if (grown == nullptr)
         return cson_AllocError;
     buffer->mem = static_cast<unsigned char*>(grown);

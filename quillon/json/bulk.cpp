@@ -13,17 +13,19 @@
 #include <string_view>
 
 namespace quillon {
+
+using namespace json;
+
 namespace {
 
 using bytes_at = const unsigned char*;
 
 // The first byte from `at` on that isn't plain text of a string, or the end.
 bytes_at skip_plain(bytes_at at, bytes_at end) {
-    return cson_skip(
+    return skip_until(
         at, end,
         [](std::uint64_t bytes) {
-            return cson_bytes_below(bytes, 0x20) | cson_bytes_equal(bytes, '"') |
-                   cson_bytes_equal(bytes, '\\');
+            return bytes_below(bytes, 0x20) | bytes_equal(bytes, '"') | bytes_equal(bytes, '\\');
         },
         [](unsigned char c) { return c < 0x20 || c == '"' || c == '\\'; });
 }
@@ -43,14 +45,14 @@ constexpr std::array<double, 23> powers_of_ten = {1e0,  1e1,  1e2,  1e3,  1e4,  
 
 // True if eight bytes are digits.
 bool are_digits(std::uint64_t bytes) {
-    const std::uint64_t values = bytes ^ cson_ones * '0';
-    return ((values | (values + cson_ones * (0x80 - 10))) & cson_high_bits) == 0;
+    const std::uint64_t values = bytes ^ ONES * '0';
+    return ((values | (values + ONES * (0x80 - 10))) & HIGH_BITS) == 0;
 }
 
 // The number that eight digits make, the first of them in the lowest byte: pairs, then fours, then
 // all are put together side by side.
 std::uint64_t eight_digits(std::uint64_t bytes) {
-    bytes = (bytes & cson_ones * 0x0F) * (1 + (10 << 8)) >> 8;
+    bytes = (bytes & ONES * 0x0F) * (1 + (10 << 8)) >> 8;
     bytes = (bytes & 0x00FF00FF00FF00FF) * (1 + (100 << 16)) >> 16;
     return (bytes & 0x0000FFFF0000FFFF) * (1 + (std::uint64_t{10000} << 32)) >> 32;
 }
@@ -118,7 +120,7 @@ private:
 
     bytes_at take_eights(bytes_at at, bytes_at limit) {
         while (limit - at >= 8) {
-            const std::uint64_t bytes = cson_load_text(at);
+            const std::uint64_t bytes = load_text(at);
             if (!are_digits(bytes))
                 break;
             mantissa = mantissa * 100000000 + eight_digits(bytes);
@@ -155,9 +157,9 @@ struct keyword {
     cson_value* value;
 };
 
-constexpr std::array<keyword, 3> keywords = {{{"true", &cson_shared.true_value},
-                                              {"false", &cson_shared.false_value},
-                                              {"null", &cson_shared.null}}};
+constexpr std::array<keyword, 3> keywords = {{{"true", &shared_constants.true_value},
+                                              {"false", &shared_constants.false_value},
+                                              {"null", &shared_constants.null}}};
 
 // Takes what can be told at a glance; all else is left to the single step, so that both roads
 // agree.
@@ -225,8 +227,8 @@ private:
 
     // Indentation, eight blanks at a time.
     bytes_at skip_blanks(bytes_at from) const {
-        constexpr std::uint64_t blanks = cson_ones * ' ';
-        while (limit - from >= 8 && cson_load_text(from) == blanks)
+        constexpr std::uint64_t blanks = ONES * ' ';
+        while (limit - from >= 8 && load_text(from) == blanks)
             from += 8;
         while (*from == ' ')
             ++from;

@@ -18,7 +18,7 @@ struct cson_value_list {
 struct cson_kvp {
     cson_value* key;
     cson_value* value;
-    std::uint32_t distance; // as in cson_value
+    std::uint32_t chunk_offset; // as in cson_value
 };
 
 struct cson_kvp_list {

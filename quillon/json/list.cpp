@@ -7,6 +7,9 @@
 #include <new>
 
 namespace quillon {
+
+using namespace json;
+
 namespace {
 
 constexpr std::uint32_t most = std::numeric_limits<std::uint32_t>::max();
@@ -15,11 +18,11 @@ constexpr std::uint32_t most = std::numeric_limits<std::uint32_t>::max();
 template <class List>
 bool move(List* list, std::uint32_t capacity) {
     auto* entries = reinterpret_cast<void* const*>(list->items);
-    const List moved = {cson_build_storage(nullptr, list, capacity, entries, list->capacity),
+    const List moved = {build_storage(nullptr, list, capacity, entries, list->capacity),
                         list->count, capacity};
     if (moved.items == nullptr)
         return false;
-    cson_free_storage(list);
+    free_storage(list);
     *list = moved;
     return true;
 }
@@ -28,16 +31,15 @@ template <class List>
 bool resize(List* list, std::uint32_t capacity) {
     constexpr std::size_t entry = sizeof(void*);
     constexpr std::size_t limit = std::numeric_limits<std::size_t>::max() / entry - 1;
-    cson_storage_header* header = list->items != nullptr ? cson_header_of(list) : nullptr;
-    if (header == nullptr || header->distance != 0)
+    StorageHeader* header = list->items != nullptr ? header_of(list) : nullptr;
+    if (header == nullptr || header->chunk_offset != 0)
         return move(list, capacity);
     void* block = std::size_t{capacity} <= limit
-                      ? cson_resize(header, sizeof(*header) + capacity * entry, cson_tag_of(list))
+                      ? reallocate(header, sizeof(*header) + capacity * entry, tag_of(list))
                       : nullptr;
     if (block == nullptr)
         return false;
-    list->items =
-        reinterpret_cast<decltype(list->items)>(static_cast<cson_storage_header*>(block) + 1);
+    list->items = reinterpret_cast<decltype(list->items)>(static_cast<StorageHeader*>(block) + 1);
     std::memset(list->items + list->capacity, 0, (capacity - list->capacity) * entry);
     list->capacity = capacity;
     return true;
@@ -48,7 +50,7 @@ std::uint32_t reserve(List* list, std::uint32_t capacity) {
     if (list == nullptr)
         return 0;
     if (capacity == 0)
-        cson_free_storage(list);
+        free_storage(list);
     else if (capacity > list->capacity)
         resize(list, capacity);
     return list->capacity;

@@ -7,6 +7,9 @@
 #include <cstdio>
 
 namespace quillon {
+
+using namespace json;
+
 namespace {
 
 constexpr std::uint64_t million = 1000000;
@@ -24,7 +27,7 @@ std::uint64_t digits_of(std::uint64_t number) {
 }
 
 void store_digits(unsigned char* at, std::uint64_t digits) {
-    cson_store_text(at, digits | cson_ones * '0');
+    store_text(at, digits | ONES * '0');
 }
 
 // Without leading zeros.
@@ -111,7 +114,7 @@ unsigned char* cson_put_double(unsigned char* at, double number, std::string_vie
     if (point.size() == 1)
         *at = static_cast<unsigned char>(point.front());
     else
-        cson_copy_bytes(at, point.data(), point.size());
+        copy_bytes(at, point.data(), point.size());
     return put_decimals(at + point.size(), millionths >= million ? 0 : millionths, point == ".");
 }
 

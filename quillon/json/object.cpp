@@ -7,22 +7,25 @@
 #include <utility>
 
 namespace quillon {
+
+using namespace json;
+
 namespace {
 
-std::string_view view_of(const char* text) {
+std::string_view text_of(const char* text) {
     return text != nullptr ? std::string_view(text) : std::string_view();
 }
 
-std::string_view view_of(const cson_string* string) {
-    return string != nullptr ? cson_view_of(string) : std::string_view();
+std::string_view text_of(const cson_string* string) {
+    return string != nullptr ? view_of(string) : std::string_view();
 }
 
 // The position of the first pair with this key, or `count`.
 std::uint32_t position_of(const cson_object* object, std::string_view key) {
     const cson_kvp_list& list = object->list;
     for (std::uint32_t i = 0; i < list.count; ++i) {
-        const cson_string* candidate = cson_key_of(list.items[i]);
-        if (candidate != nullptr && cson_view_of(candidate) == key)
+        const cson_string* candidate = key_of(list.items[i]);
+        if (candidate != nullptr && view_of(candidate) == key)
             return i;
     }
     return list.count;
@@ -39,25 +42,25 @@ cson_kvp* find(const cson_object* object, std::string_view key) {
 
 // Adds a pair at the end and counts the two owners.
 int append(cson_object* object, cson_value* key, cson_value* value) {
-    if (!cson_grow_for_one(&object->list, 6, cson_kvp_list_reserve))
+    if (!grow_for_one(&object->list, 6, cson_kvp_list_reserve))
         return cson_AllocError;
-    cson_kvp* pair = cson_build_kvp(nullptr, key, value);
+    cson_kvp* pair = build_kvp(nullptr, key, value);
     if (pair == nullptr)
         return cson_AllocError;
     const int code = cson_kvp_list_push(&object->list, pair);
     if (code != cson_OK) {
-        cson_give_back(pair, pair->distance, cson_kvp_tag);
+        free(pair, pair->chunk_offset, KVP_TAG);
         return code;
     }
-    cson_count_owner(key);
-    cson_count_owner(value);
+    add_owner(key);
+    add_owner(value);
     return cson_OK;
 }
 
 // Puts key and member in the place of the old ones, which go last: the new ones may live by them.
 void overwrite(cson_kvp* pair, cson_value* key, cson_value* value) {
-    cson_count_owner(key);
-    cson_count_owner(value);
+    add_owner(key);
+    add_owner(value);
     cson_value* old_key = std::exchange(pair->key, key);
     cson_value* old_value = std::exchange(pair->value, value);
     cson_value_release(old_key);
@@ -81,7 +84,7 @@ cson_kvp* take_out(cson_object* object, std::string_view key) {
 cson_value* dissolve(cson_kvp* pair) {
     cson_value* member = pair->value;
     cson_value_release(pair->key);
-    cson_give_back(pair, pair->distance, cson_kvp_tag);
+    free(pair, pair->chunk_offset, KVP_TAG);
     return member;
 }
 
@@ -98,39 +101,39 @@ int drop(cson_object* object, std::string_view key) {
 } // namespace
 
 cson_value* cson_value_make_object() {
-    return cson_build_container(nullptr, cson_kind_object);
+    return build_container(nullptr, cson_kind_object);
 }
 
 cson_kvp* cson_object_find(const cson_object* object, const char* key, std::uint32_t* index) {
-    cson_kvp* pair = find(object, view_of(key));
+    cson_kvp* pair = find(object, text_of(key));
     if (pair != nullptr && index != nullptr)
-        *index = position_of(object, view_of(key));
+        *index = position_of(object, text_of(key));
     return pair;
 }
 
 cson_value* cson_object_get_text(const cson_object* object, const char* key) {
-    return cson_kvp_value(find(object, view_of(key)));
+    return cson_kvp_value(find(object, text_of(key)));
 }
 
 cson_value* cson_object_get_string(const cson_object* object, const cson_string* key) {
-    return cson_kvp_value(find(object, view_of(key)));
+    return cson_kvp_value(find(object, text_of(key)));
 }
 
-cson_kvp* cson_build_find(const cson_object* object, const cson_string* key) {
-    return pair_of(object, view_of(key));
+cson_kvp* json::find_pair(const cson_object* object, const cson_string* key) {
+    return pair_of(object, text_of(key));
 }
 
 int cson_object_put_string(cson_object* object, cson_string* key, cson_value* value) {
     if (object == nullptr || key == nullptr)
         return cson_ArgError;
     if (value == nullptr)
-        return drop(object, view_of(key));
+        return drop(object, text_of(key));
     cson_value* key_value = cson_value_of_string(key);
     if (key_value == cson_value_of_object(object))
         return cson_ArgError;
-    if (!cson_can_own(key_value) || !cson_can_own(value))
+    if (!can_own(key_value) || !can_own(value))
         return cson_RangeError;
-    cson_kvp* pair = pair_of(object, view_of(key));
+    cson_kvp* pair = pair_of(object, text_of(key));
     if (pair == nullptr)
         return append(object, key_value, value);
     overwrite(pair, key_value, value);
@@ -152,13 +155,13 @@ int cson_object_put_text(cson_object* object, const char* key, cson_value* value
 }
 
 int cson_object_drop(cson_object* object, const char* key) {
-    return drop(object, view_of(key));
+    return drop(object, text_of(key));
 }
 
 cson_value* cson_object_detach(cson_object* object, const char* key) {
-    if (find(object, view_of(key)) == nullptr)
+    if (find(object, text_of(key)) == nullptr)
         return nullptr;
-    cson_value* member = dissolve(take_out(object, view_of(key)));
+    cson_value* member = dissolve(take_out(object, text_of(key)));
     if (member != nullptr && !cson_value_is_shared(member) && member->refcount > 0)
         --member->refcount;
     return member;

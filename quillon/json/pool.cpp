@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <new>
 
-namespace quillon {
+namespace quillon::json {
 namespace {
 
 constexpr const char* chunk_tag = "cson_chunk";
@@ -18,38 +18,38 @@ constexpr std::size_t largest_block = 512;
 
 } // namespace
 
-void* cson_pool::take_elsewhere(std::size_t bytes, const char* tag, std::uint32_t& distance) {
+void* Pool::allocate_elsewhere(std::size_t bytes, const char* tag, std::uint32_t& chunk_offset) {
     if (bytes > largest_block) {
-        distance = 0;
-        return cson_resize(nullptr, bytes, tag);
+        chunk_offset = 0;
+        return reallocate(nullptr, bytes, tag);
     }
     do {
         if (!open_chunk())
             return nullptr;
     } while (bytes > static_cast<std::size_t>(end - next));
-    return cut(bytes, distance);
+    return cut(bytes, chunk_offset);
 }
 
-bool cson_pool::open_chunk() {
-    void* block = cson_resize(nullptr, chunk_bytes, chunk_tag);
+bool Pool::open_chunk() {
+    void* block = reallocate(nullptr, chunk_bytes, chunk_tag);
     if (block == nullptr)
         return false;
     close_chunk();
-    chunk = new (block) cson_chunk{1}; // the pool's own hold
+    chunk = new (block) Chunk{1}; // the pool's own hold
     next = static_cast<unsigned char*>(block) + header_bytes;
     end = static_cast<unsigned char*>(block) + chunk_bytes;
     chunk_bytes = std::min(chunk_bytes * 2, largest_chunk);
     return true;
 }
 
-void cson_pool::close_chunk() {
+void Pool::close_chunk() {
     if (chunk != nullptr && --chunk->blocks == 0)
-        cson_free_chunk(chunk);
+        free_chunk(chunk);
     chunk = nullptr;
 }
 
-void cson_free_chunk(cson_chunk* chunk) {
-    cson_free(chunk, chunk_tag);
+void free_chunk(Chunk* chunk) {
+    free(chunk, chunk_tag);
 }
 
-} // namespace quillon
+} // namespace quillon::json

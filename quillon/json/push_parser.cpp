@@ -9,16 +9,19 @@
 #include <limits>
 
 namespace quillon {
+
+using namespace json;
+
 namespace {
 
 constexpr const char* parser_tag = "cson_push_parser";
 
 void* allocate_plainly(std::size_t bytes) {
-    return cson_resize(nullptr, bytes, parser_tag);
+    return reallocate(nullptr, bytes, parser_tag);
 }
 
 void release_plainly(void* block) {
-    cson_free(block, parser_tag);
+    free(block, parser_tag);
 }
 
 bool fail(cson_push_parser& parser, std::uint8_t error) {

@@ -15,146 +15,145 @@
 #include <new>
 #include <string_view>
 
-namespace quillon {
+namespace quillon::json {
 
-struct cson_kind_info {
+struct KindInfo {
     cson_value_api api;
     std::uint32_t payload_bytes;
     const char* tag;
 };
 
-extern const std::array<cson_kind_info, 8> cson_kinds; // by kind id
+extern const std::array<KindInfo, 8> KINDS; // by kind id
 
-inline constexpr const char* cson_kvp_tag = "cson_kvp";
+inline constexpr const char* KVP_TAG = "cson_kvp";
 
 // The typed payload, whether or not the record refers to it at the moment.
 template <class Payload>
-Payload* cson_payload(cson_value* value) {
+Payload* payload_of(cson_value* value) {
     return reinterpret_cast<Payload*>(value + 1);
 }
 
 template <class Payload>
-const Payload* cson_payload(const cson_value* value) {
+const Payload* payload_of(const cson_value* value) {
     return reinterpret_cast<const Payload*>(value + 1);
 }
 
 // True if the value has an `api` of this kind.
-inline bool cson_value_has_kind(const cson_value* value, std::uint32_t kind) {
+inline bool has_kind(const cson_value* value, std::uint32_t kind) {
     return value != nullptr && value->api != nullptr && value->api->kind == kind;
 }
 
 // A string's text with what the length counts; the string must not be null.
-inline std::string_view cson_view_of(const cson_string* string) {
+inline std::string_view view_of(const cson_string* string) {
     return {reinterpret_cast<const char*>(string + 1), string->length};
 }
 
 // The pair's key, or null where it has none.
-inline const cson_string* cson_key_of(const cson_kvp* pair) {
-    return pair != nullptr && cson_value_has_kind(pair->key, cson_kind_string)
+inline const cson_string* key_of(const cson_kvp* pair) {
+    return pair != nullptr && has_kind(pair->key, cson_kind_string)
                ? static_cast<const cson_string*>(pair->key->value)
                : nullptr;
 }
 
 // In front of a list's entries.
-struct cson_storage_header {
-    std::uint32_t distance; // as in cson_value
-    std::uint32_t unused;   // keeps the entries aligned
+struct StorageHeader {
+    std::uint32_t chunk_offset; // as in cson_value
+    std::uint32_t unused;       // keeps the entries aligned
 };
 
-inline const char* cson_tag_of(const cson_value_list*) {
+inline const char* tag_of(const cson_value_list*) {
     return "cson_value_list_reserve";
 }
 
-inline const char* cson_tag_of(const cson_kvp_list*) {
+inline const char* tag_of(const cson_kvp_list*) {
     return "cson_kvp_list_reserve";
 }
 
 // Memory from the pool, or for a null pool a block of its own.
-inline void* cson_take(cson_pool* pool, std::size_t bytes, const char* tag,
-                       std::uint32_t& distance) {
+inline void* allocate(Pool* pool, std::size_t bytes, const char* tag, std::uint32_t& chunk_offset) {
     if (pool != nullptr)
-        return pool->take(bytes, tag, distance);
-    distance = 0;
-    return cson_resize(nullptr, bytes, tag);
+        return pool->allocate(bytes, tag, chunk_offset);
+    chunk_offset = 0;
+    return reallocate(nullptr, bytes, tag);
 }
 
 // A value of a kind with a payload, whose content, of `bytes` bytes, is yet to be written; or null.
-inline cson_value* cson_build_record(cson_pool* pool, std::uint32_t kind, std::size_t bytes) {
+inline cson_value* build_record(Pool* pool, std::uint32_t kind, std::size_t bytes) {
     if (bytes > std::numeric_limits<std::size_t>::max() - sizeof(cson_value))
         return nullptr;
-    std::uint32_t distance = 0;
-    void* block = cson_take(pool, sizeof(cson_value) + bytes, cson_kinds[kind].tag, distance);
+    std::uint32_t chunk_offset = 0;
+    void* block = allocate(pool, sizeof(cson_value) + bytes, KINDS[kind].tag, chunk_offset);
     if (block == nullptr)
         return nullptr;
     auto* value = static_cast<cson_value*>(block);
-    return new (block) cson_value{&cson_kinds[kind].api, value + 1, 0, distance};
+    return new (block) cson_value{&KINDS[kind].api, value + 1, 0, chunk_offset};
 }
 
 // An empty array or object, or null.
-inline cson_value* cson_build_container(cson_pool* pool, std::uint32_t kind) {
+inline cson_value* build_container(Pool* pool, std::uint32_t kind) {
     static_assert(sizeof(cson_array) == sizeof(cson_object));
-    cson_value* value = cson_build_record(pool, kind, sizeof(cson_array));
+    cson_value* value = build_record(pool, kind, sizeof(cson_array));
     if (value != nullptr)
         std::memset(value->value, 0, sizeof(cson_array));
     return value;
 }
 
-inline cson_value* cson_build_string(cson_pool* pool, const char* text, std::uint32_t length) {
+inline cson_value* build_string(Pool* pool, const char* text, std::uint32_t length) {
     if (text == nullptr || length == 0 || *text == 0)
-        return &cson_shared.empty_string;
+        return &shared_constants.empty_string;
     if (length == std::numeric_limits<std::uint32_t>::max())
         return nullptr;
     const std::size_t bytes = sizeof(cson_string) + 1 + length;
-    cson_value* value = cson_build_record(pool, cson_kind_string, bytes);
+    cson_value* value = build_record(pool, cson_kind_string, bytes);
     if (value == nullptr)
         return nullptr;
-    auto* string = cson_payload<cson_string>(value);
+    auto* string = payload_of<cson_string>(value);
     auto* own_text = reinterpret_cast<char*>(string + 1);
     string->length = length;
-    cson_copy_bytes(own_text, text, length);
+    copy_bytes(own_text, text, length);
     own_text[length] = 0;
     return value;
 }
 
-inline cson_value* cson_build_int(cson_pool* pool, std::int32_t number) {
+inline cson_value* build_int(Pool* pool, std::int32_t number) {
     if (number == 0)
-        return &cson_shared.zero;
-    cson_value* value = cson_build_record(pool, cson_kind_integer, sizeof(number));
+        return &shared_constants.zero;
+    cson_value* value = build_record(pool, cson_kind_integer, sizeof(number));
     if (value != nullptr)
-        *cson_payload<std::int32_t>(value) = number;
+        *payload_of<std::int32_t>(value) = number;
     return value;
 }
 
-inline cson_value* cson_build_double(cson_pool* pool, double number) {
+inline cson_value* build_double(Pool* pool, double number) {
     if (number == 0.0)
-        return &cson_shared.double_zero;
-    cson_value* value = cson_build_record(pool, cson_kind_double, sizeof(number));
+        return &shared_constants.double_zero;
+    cson_value* value = build_record(pool, cson_kind_double, sizeof(number));
     if (value != nullptr)
-        *cson_payload<double>(value) = number;
+        *payload_of<double>(value) = number;
     return value;
 }
 
 // A pair with its two owners still to be counted, or null.
-inline cson_kvp* cson_build_kvp(cson_pool* pool, cson_value* key, cson_value* value) {
-    std::uint32_t distance = 0;
-    void* block = cson_take(pool, sizeof(cson_kvp), cson_kvp_tag, distance);
-    return block != nullptr ? new (block) cson_kvp{key, value, distance} : nullptr;
+inline cson_kvp* build_kvp(Pool* pool, cson_value* key, cson_value* value) {
+    std::uint32_t chunk_offset = 0;
+    void* block = allocate(pool, sizeof(cson_kvp), KVP_TAG, chunk_offset);
+    return block != nullptr ? new (block) cson_kvp{key, value, chunk_offset} : nullptr;
 }
 
 // New storage of a list with its first entries, null meaning none, and the others null; or null.
 template <class List>
-auto cson_build_storage(cson_pool* pool, const List* list, std::uint32_t capacity,
-                        void* const* entries, std::uint32_t count) -> decltype(list->items) {
+auto build_storage(Pool* pool, const List* list, std::uint32_t capacity, void* const* entries,
+                   std::uint32_t count) -> decltype(list->items) {
     constexpr std::size_t entry = sizeof(void*);
     constexpr std::size_t most = std::numeric_limits<std::size_t>::max();
-    if (std::size_t{capacity} > (most - sizeof(cson_storage_header)) / entry)
+    if (std::size_t{capacity} > (most - sizeof(StorageHeader)) / entry)
         return nullptr;
-    std::uint32_t distance = 0;
-    void* block = cson_take(pool, sizeof(cson_storage_header) + capacity * entry, cson_tag_of(list),
-                            distance);
+    std::uint32_t chunk_offset = 0;
+    void* block =
+        allocate(pool, sizeof(StorageHeader) + capacity * entry, tag_of(list), chunk_offset);
     if (block == nullptr)
         return nullptr;
-    auto* header = new (block) cson_storage_header{distance, 0};
+    auto* header = new (block) StorageHeader{chunk_offset, 0};
     auto* items = reinterpret_cast<decltype(list->items)>(header + 1);
     if (entries != nullptr)
         std::memcpy(items, entries, count * entry);
@@ -163,22 +162,21 @@ auto cson_build_storage(cson_pool* pool, const List* list, std::uint32_t capacit
 }
 
 template <class List>
-cson_storage_header* cson_header_of(const List* list) {
-    return reinterpret_cast<cson_storage_header*>(list->items) - 1;
+StorageHeader* header_of(const List* list) {
+    return reinterpret_cast<StorageHeader*>(list->items) - 1;
 }
 
 template <class List>
-void cson_free_storage(List* list) {
+void free_storage(List* list) {
     if (list->items != nullptr)
-        cson_give_back(cson_header_of(list), cson_header_of(list)->distance, cson_tag_of(list));
+        free(header_of(list), header_of(list)->chunk_offset, tag_of(list));
     *list = {};
 }
 
 // What a push does to a list first: one entry before it is full, room for twice the count, from
 // nothing for `first`. False without memory.
 template <class List>
-bool cson_grow_for_one(List* list, std::uint32_t first,
-                       std::uint32_t (*reserve)(List*, std::uint32_t)) {
+bool grow_for_one(List* list, std::uint32_t first, std::uint32_t (*reserve)(List*, std::uint32_t)) {
     if (list->capacity != 0 && list->count != list->capacity - 1)
         return true;
     if (list->count > std::numeric_limits<std::uint32_t>::max() / 2)
@@ -188,17 +186,17 @@ bool cson_grow_for_one(List* list, std::uint32_t first,
 }
 
 // The pair of a key, which here may be empty, or null.
-cson_kvp* cson_build_find(const cson_object* object, const cson_string* key);
+cson_kvp* find_pair(const cson_object* object, const cson_string* key);
 
 // True while the count of owners isn't full.
-inline bool cson_can_own(const cson_value* value) {
+inline bool can_own(const cson_value* value) {
     return value->refcount != std::numeric_limits<std::uint32_t>::max();
 }
 
 // Counts one owner more, where counting applies.
-inline void cson_count_owner(cson_value* value) {
+inline void add_owner(cson_value* value) {
     if (!cson_value_is_shared(value))
         ++value->refcount;
 }
 
-} // namespace quillon
+} // namespace quillon::json

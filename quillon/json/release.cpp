@@ -4,26 +4,28 @@
 #include "quillon/json/value.h"
 
 namespace quillon {
+
+using namespace json;
+
 namespace {
 
 void make_undefined(cson_value* value) {
-    value->api = &cson_kinds[cson_kind_undefined].api;
+    value->api = &KINDS[cson_kind_undefined].api;
     value->value = nullptr;
 }
 
 bool is_container(const cson_value* value) {
-    return cson_value_has_kind(value, cson_kind_array) ||
-           cson_value_has_kind(value, cson_kind_object);
+    return has_kind(value, cson_kind_array) || has_kind(value, cson_kind_object);
 }
 
 void free_block(cson_value* value) {
-    cson_give_back(value, value->distance, "cson_value::refcount=0");
+    free(value, value->chunk_offset, "cson_value::refcount=0");
 }
 
 // Frees whole trees without recursion, depth first: the containers on the way down are chained
 // through their `value`, which nobody needs any more, and give up their entries from the last to
 // the first.
-class graveyard {
+class ReleaseQueue {
 public:
     // Takes one owner away.
     void drop(cson_value* value) {
@@ -53,8 +55,8 @@ public:
     // Drops entries; false if one of them, a container, has to be freed before the next.
     bool empty(cson_value* container) {
         return container->api->kind == cson_kind_array
-                   ? empty(&cson_payload<cson_array>(container)->list)
-                   : empty(&cson_payload<cson_object>(container)->list);
+                   ? empty(&payload_of<cson_array>(container)->list)
+                   : empty(&payload_of<cson_object>(container)->list);
     }
 
 private:
@@ -66,7 +68,7 @@ private:
             cson_value* entry = list->items[--list->count];
             if (entry == nullptr)
                 continue;
-            cson_fetch(entry, backwards);
+            prefetch(entry, backwards);
             drop(entry);
         }
         return finish(list, before);
@@ -78,10 +80,10 @@ private:
             cson_kvp* pair = list->items[--list->count];
             if (pair == nullptr)
                 continue;
-            cson_fetch(pair, backwards);
+            prefetch(pair, backwards);
             drop(pair->key);
             drop(pair->value);
-            cson_give_back(pair, pair->distance, cson_kvp_tag);
+            free(pair, pair->chunk_offset, KVP_TAG);
         }
         return finish(list, before);
     }
@@ -90,7 +92,7 @@ private:
     bool finish(List* list, const cson_value* before) const {
         if (innermost != before)
             return false;
-        cson_free_storage(list);
+        free_storage(list);
         return true;
     }
 
@@ -98,15 +100,15 @@ private:
 };
 
 void clean_container(cson_value* value) {
-    graveyard graves;
-    while (!graves.empty(value))
-        graves.drain();
+    ReleaseQueue queue;
+    while (!queue.empty(value))
+        queue.drain();
     make_undefined(value);
 }
 
 } // namespace
 
-constinit const std::array<cson_kind_info, 8> cson_kinds = {{
+constinit const std::array<KindInfo, 8> json::KINDS = {{
     {{cson_kind_undefined, make_undefined}, 0, ""},
     {{cson_kind_null, make_undefined}, 0, ""},
     {{cson_kind_boolean, make_undefined}, 0, ""},
@@ -120,18 +122,18 @@ constinit const std::array<cson_kind_info, 8> cson_kinds = {{
 int cson_value_retain(cson_value* value) {
     if (value == nullptr)
         return cson_ArgError;
-    if (!cson_can_own(value))
+    if (!can_own(value))
         return cson_RangeError;
-    cson_count_owner(value);
+    add_owner(value);
     return cson_OK;
 }
 
 std::uint32_t cson_value_release(cson_value* value) {
     if (value != nullptr && !cson_value_is_shared(value) && value->refcount > 1)
         return --value->refcount;
-    graveyard graves;
-    graves.drop(value);
-    graves.drain();
+    ReleaseQueue queue;
+    queue.drop(value);
+    queue.drain();
     return 0;
 }
 

@@ -8,21 +8,21 @@
 #include <cstring>
 #include <type_traits>
 
-namespace quillon {
+namespace quillon::json {
 
 // Holds the first entries in itself, and more of them in a block of the component's allocator.
 template <class Entry>
-class cson_stack {
+class Stack {
     static_assert(std::is_trivially_copyable_v<Entry>);
 
 public:
-    cson_stack() = default;
-    cson_stack(const cson_stack&) = delete;
-    cson_stack& operator=(const cson_stack&) = delete;
+    Stack() = default;
+    Stack(const Stack&) = delete;
+    Stack& operator=(const Stack&) = delete;
 
-    ~cson_stack() {
+    ~Stack() {
         if (entries != inner.data())
-            cson_free(entries, tag);
+            free(entries, tag);
     }
 
     bool empty() const { return count == 0; }
@@ -53,7 +53,7 @@ private:
     bool grow() {
         const bool is_inner = entries == inner.data();
         const std::size_t bytes = capacity * 2 * entry_bytes;
-        void* block = cson_resize(is_inner ? nullptr : entries, bytes, tag);
+        void* block = reallocate(is_inner ? nullptr : entries, bytes, tag);
         if (block == nullptr)
             return false;
         if (is_inner)
@@ -69,4 +69,4 @@ private:
     std::size_t capacity = inner.size();
 };
 
-} // namespace quillon
+} // namespace quillon::json

@@ -6,38 +6,38 @@
 #include <cstdint>
 #include <cstring>
 
-namespace quillon {
+namespace quillon::json {
 
-inline constexpr std::uint64_t cson_ones = 0x0101010101010101;
-inline constexpr std::uint64_t cson_high_bits = cson_ones << 7;
+inline constexpr std::uint64_t ONES = 0x0101010101010101;
+inline constexpr std::uint64_t HIGH_BITS = ONES << 7;
 
 // The high bit of each byte that is below `limit`, at most 128; not exact behind the first of them.
-constexpr std::uint64_t cson_bytes_below(std::uint64_t bytes, unsigned char limit) {
-    return (bytes - cson_ones * limit) & ~bytes & cson_high_bits;
+constexpr std::uint64_t bytes_below(std::uint64_t bytes, unsigned char limit) {
+    return (bytes - ONES * limit) & ~bytes & HIGH_BITS;
 }
 
-constexpr std::uint64_t cson_bytes_equal(std::uint64_t bytes, unsigned char byte) {
-    return cson_bytes_below(bytes ^ cson_ones * byte, 1);
+constexpr std::uint64_t bytes_equal(std::uint64_t bytes, unsigned char byte) {
+    return bytes_below(bytes ^ ONES * byte, 1);
 }
 
 template <class Word>
-Word cson_load(const void* bytes) {
+Word load(const void* bytes) {
     Word word = 0;
     std::memcpy(&word, bytes, sizeof(word));
     return word;
 }
 
 // Eight bytes as a number whose lowest byte is the first, on every machine.
-inline std::uint64_t cson_load_text(const void* bytes) {
+inline std::uint64_t load_text(const void* bytes) {
     if constexpr (std::endian::native == std::endian::little)
-        return cson_load<std::uint64_t>(bytes);
+        return load<std::uint64_t>(bytes);
     std::uint64_t word = 0;
     for (unsigned i = 0; i < 8; ++i)
         word |= std::uint64_t{static_cast<const unsigned char*>(bytes)[i]} << 8 * i;
     return word;
 }
 
-inline void cson_store_text(unsigned char* bytes, std::uint64_t word) {
+inline void store_text(unsigned char* bytes, std::uint64_t word) {
     if constexpr (std::endian::native == std::endian::little)
         std::memcpy(bytes, &word, sizeof(word));
     else
@@ -48,10 +48,10 @@ inline void cson_store_text(unsigned char* bytes, std::uint64_t word) {
 // The first position from `at` on whose byte stops, or the end. `stops_in` tells of eight bytes
 // which of them stop, as the two above do; `stops` tells it of one.
 template <class StopsIn, class Stops>
-inline const unsigned char* cson_skip(const unsigned char* at, const unsigned char* end,
-                                      StopsIn stops_in, Stops stops) {
+inline const unsigned char* skip_until(const unsigned char* at, const unsigned char* end,
+                                       StopsIn stops_in, Stops stops) {
     for (; end - at >= 8; at += 8) {
-        const std::uint64_t found = stops_in(cson_load_text(at));
+        const std::uint64_t found = stops_in(load_text(at));
         if (found != 0)
             return at + std::countr_zero(found) / 8;
     }
@@ -62,25 +62,25 @@ inline const unsigned char* cson_skip(const unsigned char* at, const unsigned ch
 
 // True if the first and the last bytes of `count`, which may overlap, are the same.
 template <class Word>
-bool cson_same_ends(const void* a, const void* b, std::size_t count) {
+bool same_ends(const void* a, const void* b, std::size_t count) {
     const auto* left = static_cast<const unsigned char*>(a);
     const auto* right = static_cast<const unsigned char*>(b);
     const std::size_t last = count - sizeof(Word);
-    return ((cson_load<Word>(left) ^ cson_load<Word>(right)) |
-            (cson_load<Word>(left + last) ^ cson_load<Word>(right + last))) == 0;
+    return ((load<Word>(left) ^ load<Word>(right)) |
+            (load<Word>(left + last) ^ load<Word>(right + last))) == 0;
 }
 
 // Compares bytes that mostly are few.
-inline bool cson_same_bytes(const void* a, const void* b, std::size_t count) {
+inline bool same_bytes(const void* a, const void* b, std::size_t count) {
     if (count > 16 || count < 4)
         return std::memcmp(a, b, count) == 0;
-    return count >= 8 ? cson_same_ends<std::uint64_t>(a, b, count)
-                      : cson_same_ends<std::uint32_t>(a, b, count);
+    return count >= 8 ? same_ends<std::uint64_t>(a, b, count)
+                      : same_ends<std::uint32_t>(a, b, count);
 }
 
 // Copies the first and the last `Size` bytes of `count`, which may overlap.
 template <std::size_t Size>
-void cson_copy_ends(void* target, const void* source, std::size_t count) {
+void copy_ends(void* target, const void* source, std::size_t count) {
     auto* to = static_cast<unsigned char*>(target);
     const auto* from = static_cast<const unsigned char*>(source);
     std::memcpy(to, from, Size);
@@ -88,17 +88,17 @@ void cson_copy_ends(void* target, const void* source, std::size_t count) {
 }
 
 // Copies bytes that mostly are so few that a call would take longer than the copy.
-inline void cson_copy_bytes(void* target, const void* source, std::size_t count) {
+inline void copy_bytes(void* target, const void* source, std::size_t count) {
     if (count > 16)
         std::memcpy(target, source, count);
     else if (count >= 8)
-        cson_copy_ends<8>(target, source, count);
+        copy_ends<8>(target, source, count);
     else if (count >= 4)
-        cson_copy_ends<4>(target, source, count);
+        copy_ends<4>(target, source, count);
     else if (count >= 2)
-        cson_copy_ends<2>(target, source, count);
+        copy_ends<2>(target, source, count);
     else if (count == 1)
-        cson_copy_ends<1>(target, source, count);
+        copy_ends<1>(target, source, count);
 }
 
-} // namespace quillon
+} // namespace quillon::json

@@ -5,32 +5,32 @@
 #include <cstdlib>
 #include <utility>
 
-namespace quillon {
+namespace quillon::json {
 
-cson_tracking_allocator::cson_tracking_allocator()
-    : allocator{resize, release, this}, before(cson_set_allocator(&allocator)) {}
+TrackingAllocator::TrackingAllocator()
+    : allocator{resize, release, this}, before(set_allocator(&allocator)) {}
 
-cson_tracking_allocator::~cson_tracking_allocator() {
-    cson_set_allocator(before);
+TrackingAllocator::~TrackingAllocator() {
+    set_allocator(before);
 }
 
-std::size_t cson_tracking_allocator::blocks(std::string_view tag) const {
+std::size_t TrackingAllocator::blocks(std::string_view tag) const {
     return static_cast<std::size_t>(std::count_if(
         live.begin(), live.end(), [tag](const auto& entry) { return entry.second.tag == tag; }));
 }
 
-std::size_t cson_tracking_allocator::bytes() const {
+std::size_t TrackingAllocator::bytes() const {
     std::size_t total = 0;
     for (const auto& [block, info] : live)
         total += info.bytes;
     return total;
 }
 
-void cson_tracking_allocator::fail_from(std::size_t number) {
+void TrackingAllocator::fail_from(std::size_t number) {
     refuse_after = number == never ? never : requested + number - 1;
 }
 
-std::string cson_tracking_allocator::report() const {
+std::string TrackingAllocator::report() const {
     std::map<std::string_view, std::pair<std::size_t, std::size_t>> by_tag;
     for (const auto& [block, info] : live) {
         auto& [count, bytes] = by_tag[info.tag];
@@ -44,9 +44,8 @@ std::string cson_tracking_allocator::report() const {
     return lines;
 }
 
-void* cson_tracking_allocator::resize(void* state, void* block, std::size_t bytes,
-                                      const char* tag) {
-    auto* self = static_cast<cson_tracking_allocator*>(state);
+void* TrackingAllocator::resize(void* state, void* block, std::size_t bytes, const char* tag) {
+    auto* self = static_cast<TrackingAllocator*>(state);
     if (++self->requested > self->refuse_after)
         return nullptr;
     auto entry = self->live.extract(block);
@@ -58,8 +57,8 @@ void* cson_tracking_allocator::resize(void* state, void* block, std::size_t byte
     return resized;
 }
 
-void cson_tracking_allocator::release(void* state, void* block, const char*) {
-    auto* self = static_cast<cson_tracking_allocator*>(state);
+void TrackingAllocator::release(void* state, void* block, const char*) {
+    auto* self = static_cast<TrackingAllocator*>(state);
     if (self->live.erase(block) == 0) {
         std::fputs("cson_tracking_allocator: a block was freed that is not alive\n", stderr);
         std::abort();
@@ -67,4 +66,4 @@ void cson_tracking_allocator::release(void* state, void* block, const char*) {
     std::free(block);
 }
 
-} // namespace quillon
+} // namespace quillon::json

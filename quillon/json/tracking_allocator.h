@@ -10,19 +10,19 @@
 #include <string_view>
 #include <unordered_map>
 
-namespace quillon {
+namespace quillon::json {
 
 // In use from its construction to its destruction; create and destroy nested ones in order.
 //
 // Blocks that are still alive at its end are no longer tracked, and stay allocated.
-class cson_tracking_allocator {
+class TrackingAllocator {
 public:
     static constexpr std::size_t never = std::numeric_limits<std::size_t>::max();
 
-    cson_tracking_allocator();
-    ~cson_tracking_allocator();
-    cson_tracking_allocator(const cson_tracking_allocator&) = delete;
-    cson_tracking_allocator& operator=(const cson_tracking_allocator&) = delete;
+    TrackingAllocator();
+    ~TrackingAllocator();
+    TrackingAllocator(const TrackingAllocator&) = delete;
+    TrackingAllocator& operator=(const TrackingAllocator&) = delete;
 
     // Blocks and bytes alive, in all or under one tag.
     std::size_t blocks() const { return live.size(); }
@@ -48,11 +48,11 @@ private:
     static void* resize(void* state, void* block, std::size_t bytes, const char* tag);
     static void release(void* state, void* block, const char* tag);
 
-    cson_allocator allocator;
-    const cson_allocator* before;
+    Allocator allocator;
+    const Allocator* before;
     std::unordered_map<void*, block_info> live;
     std::size_t requested = 0;
     std::size_t refuse_after = never;
 };
 
-} // namespace quillon
+} // namespace quillon::json

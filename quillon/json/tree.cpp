@@ -12,6 +12,9 @@
 #include <utility>
 
 namespace quillon {
+
+using namespace json;
+
 namespace {
 
 bool is_container(const cson_value* value) {
@@ -19,8 +22,8 @@ bool is_container(const cson_value* value) {
 }
 
 // The key's text; the pair must have one.
-std::string_view key_of(const cson_kvp* pair) {
-    return cson_view_of(static_cast<const cson_string*>(pair->key->value));
+std::string_view key_text(const cson_kvp* pair) {
+    return view_of(static_cast<const cson_string*>(pair->key->value));
 }
 
 // --- Footprint ---------------------------------------------------------------------------------
@@ -40,8 +43,7 @@ std::size_t own_bytes(const cson_value* value) {
         return sizeof(cson_value) + list_bytes(cson_value_array(value)->list);
     if (cson_value_is_object(value))
         return sizeof(cson_value) + list_bytes(cson_value_object(value)->list);
-    return sizeof(cson_value) +
-           (value->api != nullptr ? cson_kinds[value->api->kind].payload_bytes : 0);
+    return sizeof(cson_value) + (value->api != nullptr ? KINDS[value->api->kind].payload_bytes : 0);
 }
 
 // All that stands below a container, one entry a call: elements, or keys and members in turn.
@@ -90,13 +92,13 @@ constexpr const char* places_tag = "cson_kvp_list_places";
 // places there are. Null without memory.
 std::uint32_t* places_of(const cson_kvp_list& list, std::uint32_t& place_count) {
     const std::size_t bytes = std::size_t{list.count} * 2 * sizeof(std::uint32_t);
-    auto* places = static_cast<std::uint32_t*>(cson_resize(nullptr, bytes, places_tag));
+    auto* places = static_cast<std::uint32_t*>(reallocate(nullptr, bytes, places_tag));
     if (places == nullptr)
         return nullptr;
     std::uint32_t* order = places + list.count;
     std::uint32_t* end = order + list.count;
     std::iota(order, end, 0u);
-    const auto key = [&list](std::uint32_t index) { return key_of(list.items[index]); };
+    const auto key = [&list](std::uint32_t index) { return key_text(list.items[index]); };
     std::sort(order, end, [key](std::uint32_t a, std::uint32_t b) {
         const int difference = key(a).compare(key(b));
         return difference != 0 ? difference < 0 : a < b;
@@ -116,14 +118,14 @@ std::uint32_t* places_of(const cson_kvp_list& list, std::uint32_t& place_count) 
 bool few_keys_are_unique(const cson_kvp_list& list) {
     std::uint64_t seen = 0;
     for (std::uint32_t i = 0; i < list.count; ++i) {
-        const std::string_view key = key_of(list.items[i]);
+        const std::string_view key = key_text(list.items[i]);
         const auto ends =
             key.empty() ? 0u : static_cast<unsigned>(key.front() * 7 + key.back() * 5);
         const std::uint64_t bit = std::uint64_t{1} << (ends + key.size()) % 64;
         const bool maybe_seen = (seen & bit) != 0;
         seen |= bit;
         if (maybe_seen && std::any_of(list.items, list.items + i, [key](const cson_kvp* earlier) {
-                return key_of(earlier) == key;
+                return key_text(earlier) == key;
             }))
             return false;
     }
@@ -131,7 +133,7 @@ bool few_keys_are_unique(const cson_kvp_list& list) {
 }
 
 bool is_whole(const cson_kvp* pair) {
-    return cson_key_of(pair) != nullptr;
+    return key_of(pair) != nullptr;
 }
 
 // What putting `count` pairs into a list of as many entries makes of its capacity.
@@ -149,7 +151,7 @@ public:
         for (const known_key& known : known_keys)
             cson_value_release(known.copy);
         for (; !open.empty(); open.pop())
-            cson_free(open.top().places, places_tag);
+            free(open.top().places, places_tag);
     }
 
     // The copy, or null.
@@ -218,7 +220,7 @@ private:
             return nullptr;
         cson_value_release(known.copy);
         known = {source, made};
-        cson_count_owner(made);
+        add_owner(made);
         return made;
     }
 
@@ -226,24 +228,24 @@ private:
     cson_value* begin(const cson_value* source) {
         if (source == nullptr || source->api == nullptr)
             return nullptr;
-        cson_pool* small = open.empty() ? nullptr : &pool;
+        Pool* small = open.empty() ? nullptr : &pool;
         switch (source->api->kind) {
         case cson_kind_null:
             return cson_value_null_constant();
         case cson_kind_boolean:
             return cson_value_from_bool(source->value != nullptr);
         case cson_kind_integer:
-            return cson_build_int(small, cson_value_int(source));
+            return build_int(small, cson_value_int(source));
         case cson_kind_double:
-            return cson_build_double(small, cson_value_double(source));
+            return build_double(small, cson_value_double(source));
         case cson_kind_string: {
-            const auto text = cson_view_of(static_cast<const cson_string*>(source->value));
-            return cson_build_string(small, text.data(), static_cast<std::uint32_t>(text.size()));
+            const auto text = view_of(static_cast<const cson_string*>(source->value));
+            return build_string(small, text.data(), static_cast<std::uint32_t>(text.size()));
         }
         case cson_kind_array:
-            return begin_array(source, cson_payload<cson_array>(source)->list);
+            return begin_array(source, payload_of<cson_array>(source)->list);
         case cson_kind_object:
-            return begin_object(source, cson_payload<cson_object>(source)->list);
+            return begin_object(source, payload_of<cson_object>(source)->list);
         default:
             return nullptr;
         }
@@ -275,7 +277,7 @@ private:
         const std::uint32_t capacity = pair_by_pair ? capacity_of_copy(list.count) : list.count;
         cson_value* made = begin_container<cson_kvp_list>(source, capacity, pair_by_pair);
         if (made == nullptr || pair_by_pair)
-            cson_free(places, places_tag);
+            free(places, places_tag);
         else
             open.top().places = places;
         return made;
@@ -284,12 +286,12 @@ private:
     template <class List>
     cson_value* begin_container(const cson_value* source, std::uint32_t capacity,
                                 bool pair_by_pair) {
-        cson_value* made = cson_build_container(&pool, source->api->kind);
+        cson_value* made = build_container(&pool, source->api->kind);
         if (made == nullptr)
             return nullptr;
-        auto* list = cson_payload<List>(made);
+        auto* list = payload_of<List>(made);
         if (capacity != 0)
-            list->items = cson_build_storage(&pool, list, capacity, nullptr, 0);
+            list->items = build_storage(&pool, list, capacity, nullptr, 0);
         if ((capacity == 0 || list->items != nullptr) &&
             open.push({source, made, 0, pair_by_pair, nullptr})) {
             list->capacity = capacity;
@@ -302,8 +304,8 @@ private:
     // Both go on to the end of the container on top, or up to one within, which comes first.
     bool copy_elements() {
         const std::size_t depth = open.size();
-        const cson_value_list& source = cson_payload<cson_array>(open.top().source)->list;
-        cson_value_list& target = cson_payload<cson_array>(open.top().copy)->list;
+        const cson_value_list& source = payload_of<cson_array>(open.top().source)->list;
+        cson_value_list& target = payload_of<cson_array>(open.top().copy)->list;
         while (open.size() == depth) {
             const std::uint32_t index = open.top().next++;
             if (index == source.count) {
@@ -317,28 +319,28 @@ private:
             if (entry == nullptr)
                 return false;
             target.items[index] = entry;
-            cson_count_owner(entry);
+            add_owner(entry);
         }
         return true;
     }
 
     bool copy_pairs() {
         const std::size_t depth = open.size();
-        const cson_kvp_list& source = cson_payload<cson_object>(open.top().source)->list;
-        auto* target = cson_payload<cson_object>(open.top().copy);
+        const cson_kvp_list& source = payload_of<cson_object>(open.top().source)->list;
+        auto* target = payload_of<cson_object>(open.top().copy);
         const bool pair_by_pair = open.top().pair_by_pair;
         std::uint32_t* places = open.top().places;
         while (open.size() == depth) {
             const std::uint32_t index = open.top().next++;
             if (index == source.count) {
-                cson_free(places, places_tag);
+                free(places, places_tag);
                 open.pop();
                 return true;
             }
             const cson_kvp* pair = source.items[index];
             if (pair == nullptr || pair->key == nullptr)
                 continue;
-            cson_fetch(pair, 512);
+            prefetch(pair, 512);
             const bool copied = places != nullptr ? place_pair(target, places[index], pair)
                                 : pair_by_pair    ? add_pair(target, pair)
                                                   : put_pair(target, pair);
@@ -350,14 +352,14 @@ private:
 
     bool add_pair(cson_object* target, const cson_kvp* source) {
         cson_value* key = copy_key(source->key);
-        cson_kvp* pair = key != nullptr ? cson_build_kvp(&pool, key, nullptr) : nullptr;
+        cson_kvp* pair = key != nullptr ? build_kvp(&pool, key, nullptr) : nullptr;
         if (pair == nullptr)
             return false;
         target->list.items[target->list.count++] = pair;
-        cson_count_owner(key);
+        add_owner(key);
         pair->value = begin(source->value);
         if (pair->value != nullptr)
-            cson_count_owner(pair->value);
+            add_owner(pair->value);
         return pair->value != nullptr;
     }
 
@@ -368,7 +370,7 @@ private:
         cson_value* member = begin(source->value);
         if (member == nullptr)
             return false;
-        cson_count_owner(member);
+        add_owner(member);
         cson_value_release(std::exchange(target->list.items[place]->value, member));
         return true;
     }
@@ -383,8 +385,8 @@ private:
         return false;
     }
 
-    cson_pool pool;
-    cson_stack<frame> open;
+    Pool pool;
+    Stack<frame> open;
     std::array<known_key, 64> known_keys = {};
     std::array<shape, 8> shapes = {};
 };
@@ -398,17 +400,17 @@ struct merge {
     std::uint32_t next;
 };
 
-int begin_merge(cson_stack<merge>& open, cson_object* destination, cson_object* source) {
+int begin_merge(Stack<merge>& open, cson_object* destination, cson_object* source) {
     if (destination == nullptr || source == nullptr || destination == source)
         return cson_ArgError;
     return open.push({destination, source, 0}) ? cson_OK : cson_AllocError;
 }
 
-int merge_pair(cson_stack<merge>& open, cson_object* destination, const cson_kvp* pair, int flags) {
+int merge_pair(Stack<merge>& open, cson_object* destination, const cson_kvp* pair, int flags) {
     cson_string* key = cson_kvp_key_string(pair);
     if (key == nullptr || pair->value == nullptr)
         return cson_OK;
-    const cson_kvp* present = cson_build_find(destination, key);
+    const cson_kvp* present = find_pair(destination, key);
     if (present == nullptr)
         return cson_object_put_string(destination, key, pair->value);
     if ((flags & cson_combine_flat) != 0)
@@ -420,7 +422,7 @@ int merge_pair(cson_stack<merge>& open, cson_object* destination, const cson_kvp
     return begin_merge(open, cson_value_object(present->value), cson_value_object(pair->value));
 }
 
-int merge_all(cson_stack<merge>& open, int flags) {
+int merge_all(Stack<merge>& open, int flags) {
     int code = cson_OK;
     while (code == cson_OK && !open.empty()) {
         merge& top = open.top();
@@ -441,7 +443,7 @@ cson_value* cson_value_copy(const cson_value* value) {
 }
 
 std::uint32_t cson_value_footprint(const cson_value* value) {
-    cson_stack<entry_walk> open;
+    Stack<entry_walk> open;
     std::size_t total = own_bytes(value);
     if (is_container(value))
         open.push(entry_walk(value));
@@ -459,14 +461,14 @@ std::uint32_t cson_value_footprint(const cson_value* value) {
 }
 
 int cson_object_combine(cson_object* destination, cson_object* source, int flags) {
-    cson_stack<merge> open;
+    Stack<merge> open;
     int code = begin_merge(open, destination, source);
     if (code != cson_OK)
         return code;
     // A member that is overwritten may have been what kept the source alive.
     cson_value* held = cson_value_of_object(source);
     const bool has_owner = held->refcount != 0;
-    cson_count_owner(held);
+    add_owner(held);
     code = merge_all(open, flags);
     if (has_owner)
         cson_value_release(held);

@@ -6,16 +6,18 @@
 #include <utility>
 
 namespace quillon {
+
+using namespace json;
+
 namespace {
 
 // The first and the last bytes, up to eight of each.
 std::uint64_t sample_of(const char* text, std::uint32_t length) {
     if (length >= 8)
-        return cson_load<std::uint64_t>(text) ^
-               std::rotl(cson_load<std::uint64_t>(text + length - 8), 29);
+        return load<std::uint64_t>(text) ^ std::rotl(load<std::uint64_t>(text + length - 8), 29);
     if (length >= 4)
-        return cson_load<std::uint32_t>(text) |
-               std::uint64_t{cson_load<std::uint32_t>(text + length - 4)} << 32;
+        return load<std::uint32_t>(text) | std::uint64_t{load<std::uint32_t>(text + length - 4)}
+                                               << 32;
     const auto at = [text](std::uint32_t i) {
         return std::uint64_t{static_cast<unsigned char>(text[i])};
     };
@@ -30,8 +32,8 @@ std::size_t slot_of(const char* text, std::uint32_t length) {
 }
 
 bool has_text(const cson_value* string, const char* text, std::uint32_t length) {
-    const auto* held = cson_payload<cson_string>(string);
-    return held->length == length && cson_same_bytes(held + 1, text, length);
+    const auto* held = payload_of<cson_string>(string);
+    return held->length == length && same_bytes(held + 1, text, length);
 }
 
 } // namespace
@@ -53,7 +55,7 @@ void cson_tree_builder::drop_entries(const open_container& container) {
         auto* pair = static_cast<cson_kvp*>(entries.top());
         cson_value_release(pair->key);
         cson_value_release(pair->value);
-        cson_give_back(pair, pair->distance, cson_kvp_tag);
+        free(pair, pair->chunk_offset, KVP_TAG);
     }
 }
 
@@ -61,7 +63,7 @@ int cson_tree_builder::begin_root(cson_value* container) {
     if (container == nullptr)
         return cson_AllocError;
     root = container;
-    cson_count_owner(container);
+    add_owner(container);
     ++value_count;
     return cson_OK;
 }
@@ -71,7 +73,7 @@ int cson_tree_builder::key(const char* text, std::uint32_t length) {
     cson_value*& known = known_keys[slot_of<known_key_count>(text, length)];
     if (known != nullptr && has_text(known, text, length))
         return file_key(known);
-    cson_value* made = cson_build_string(&pool, text, length);
+    cson_value* made = build_string(&pool, text, length);
     if (!cson_value_is_shared(made))
         known = made;
     return file_key(made);
@@ -80,15 +82,15 @@ int cson_tree_builder::key(const char* text, std::uint32_t length) {
 int cson_tree_builder::file_key(cson_value* value) {
     if (value == nullptr)
         return cson_AllocError;
-    cson_kvp* pair = cson_build_kvp(&pool, value, nullptr);
+    cson_kvp* pair = build_kvp(&pool, value, nullptr);
     if (pair != nullptr && entries.push(pair)) {
-        cson_count_owner(value);
+        add_owner(value);
         waiting = pair;
         ++key_count;
         return cson_OK;
     }
     if (pair != nullptr)
-        cson_give_back(pair, pair->distance, cson_kvp_tag);
+        free(pair, pair->chunk_offset, KVP_TAG);
     if (value->refcount == 0)
         cson_value_release(value);
     return cson_AllocError;

@@ -28,7 +28,7 @@ public:
     ~cson_tree_builder();
 
     int begin_container(std::uint32_t kind) {
-        cson_value* container = cson_build_container(&pool, kind);
+        cson_value* container = json::build_container(&pool, kind);
         const int code = root != nullptr ? add(container) : begin_root(container);
         if (code != cson_OK)
             return code;
@@ -39,9 +39,9 @@ public:
         if (open.empty())
             return cson_RangeError;
         const auto [container, first] = open.top();
-        const bool is_array = container->api == &cson_kinds[cson_kind_array].api;
-        if (!(is_array ? fill(&cson_payload<cson_array>(container)->list, first, 7)
-                       : fill(&cson_payload<cson_object>(container)->list, first, 5)))
+        const bool is_array = container->api == &json::KINDS[cson_kind_array].api;
+        if (!(is_array ? fill(&json::payload_of<cson_array>(container)->list, first, 7)
+                       : fill(&json::payload_of<cson_object>(container)->list, first, 5)))
             return cson_AllocError;
         entries.shrink(first);
         open.pop();
@@ -50,12 +50,12 @@ public:
 
     int key(const char* text, std::uint32_t length);
 
-    int integer(std::int32_t number) { return add(cson_build_int(&pool, number)); }
+    int integer(std::int32_t number) { return add(json::build_int(&pool, number)); }
 
-    int number(double number) { return add(cson_build_double(&pool, number)); }
+    int number(double number) { return add(json::build_double(&pool, number)); }
 
     int string(const char* text, std::uint32_t length) {
-        return add(cson_build_string(&pool, text, length));
+        return add(json::build_string(&pool, text, length));
     }
 
     int constant(cson_value* shared) { return add(shared); }
@@ -89,7 +89,7 @@ private:
             cson_value_release(value);
             return cson_AllocError;
         }
-        cson_count_owner(value);
+        json::add_owner(value);
         ++value_count;
         return cson_OK;
     }
@@ -101,9 +101,10 @@ private:
         if (count == 0)
             return true;
         const std::uint32_t capacity = grown_capacity(count, first_capacity);
-        list->items = capacity != 0 ? cson_build_storage(&pool, list, capacity, entries.from(first),
-                                                         static_cast<std::uint32_t>(count))
-                                    : nullptr;
+        list->items = capacity != 0
+                          ? json::build_storage(&pool, list, capacity, entries.from(first),
+                                                static_cast<std::uint32_t>(count))
+                          : nullptr;
         if (list->items == nullptr)
             return false;
         list->count = static_cast<std::uint32_t>(count);
@@ -129,9 +130,9 @@ private:
 
     cson_value* root = nullptr;
     cson_kvp* waiting = nullptr; // the pair whose key has come, for its member
-    cson_stack<open_container> open;
-    cson_stack<void*> entries;
-    cson_pool pool;
+    json::Stack<open_container> open;
+    json::Stack<void*> entries;
+    json::Pool pool;
     // Keys of this tree that may come again, by a hash. No owners: their pairs live longer.
     std::array<cson_value*, known_key_count> known_keys = {};
 };

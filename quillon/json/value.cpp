@@ -9,6 +9,9 @@
 #include <limits>
 
 namespace quillon {
+
+using namespace json;
+
 namespace {
 
 constexpr std::array<const char*, 20> error_names = {
@@ -59,7 +62,7 @@ template <class Payload>
 int payload_as(const cson_value* value, std::uint32_t kind, Payload** out) {
     if (value == nullptr)
         return cson_ArgError;
-    if (!cson_value_has_kind(value, kind))
+    if (!has_kind(value, kind))
         return cson_TypeError;
     if (out != nullptr)
         *out = static_cast<Payload*>(value->value);
@@ -80,14 +83,14 @@ cson_value* value_before(const void* payload) {
 
 } // namespace
 
-constinit cson_shared_constants cson_shared = {
-    {&cson_kinds[cson_kind_undefined].api, nullptr, 0, 0},
-    {&cson_kinds[cson_kind_null].api, nullptr, 0, 0},
-    {&cson_kinds[cson_kind_boolean].api, &cson_shared.one, 0, 0},
-    {&cson_kinds[cson_kind_boolean].api, nullptr, 0, 0},
-    {&cson_kinds[cson_kind_integer].api, nullptr, 0, 0},
-    {&cson_kinds[cson_kind_double].api, nullptr, 0, 0},
-    {&cson_kinds[cson_kind_string].api, &cson_shared.empty, 0, 0},
+constinit SharedConstants json::shared_constants = {
+    {&KINDS[cson_kind_undefined].api, nullptr, 0, 0},
+    {&KINDS[cson_kind_null].api, nullptr, 0, 0},
+    {&KINDS[cson_kind_boolean].api, &shared_constants.one, 0, 0},
+    {&KINDS[cson_kind_boolean].api, nullptr, 0, 0},
+    {&KINDS[cson_kind_integer].api, nullptr, 0, 0},
+    {&KINDS[cson_kind_double].api, nullptr, 0, 0},
+    {&KINDS[cson_kind_string].api, &shared_constants.empty, 0, 0},
     1,
     {0},
     {},
@@ -101,8 +104,8 @@ const char* cson_error_name(int code) {
 cson_value* cson_value_new(std::uint32_t kind, std::uint32_t extra) {
     if (kind < cson_kind_integer || kind > cson_kind_object)
         return nullptr;
-    const std::size_t bytes = std::size_t{cson_kinds[kind].payload_bytes} + extra;
-    cson_value* value = cson_build_record(nullptr, kind, bytes);
+    const std::size_t bytes = std::size_t{KINDS[kind].payload_bytes} + extra;
+    cson_value* value = build_record(nullptr, kind, bytes);
     if (value != nullptr)
         std::memset(value->value, 0, bytes);
     return value;
@@ -113,27 +116,27 @@ cson_value* cson_value_from_bool(bool flag) {
 }
 
 cson_value* cson_value_true() {
-    return &cson_shared.true_value;
+    return &shared_constants.true_value;
 }
 
 cson_value* cson_value_false() {
-    return &cson_shared.false_value;
+    return &shared_constants.false_value;
 }
 
 cson_value* cson_value_null_constant() {
-    return &cson_shared.null;
+    return &shared_constants.null;
 }
 
 cson_value* cson_value_from_int(std::int32_t number) {
-    return cson_build_int(nullptr, number);
+    return build_int(nullptr, number);
 }
 
 cson_value* cson_value_from_double(double number) {
-    return cson_build_double(nullptr, number);
+    return build_double(nullptr, number);
 }
 
 cson_value* cson_value_from_text(const char* text, std::uint32_t length) {
-    return cson_build_string(nullptr, text, length);
+    return build_string(nullptr, text, length);
 }
 
 bool cson_value_is_undefined(const cson_value* value) {
@@ -141,19 +144,19 @@ bool cson_value_is_undefined(const cson_value* value) {
 }
 
 bool cson_value_is_null(const cson_value* value) {
-    return cson_value_has_kind(value, cson_kind_null);
+    return has_kind(value, cson_kind_null);
 }
 
 bool cson_value_is_bool(const cson_value* value) {
-    return cson_value_has_kind(value, cson_kind_boolean);
+    return has_kind(value, cson_kind_boolean);
 }
 
 bool cson_value_is_int(const cson_value* value) {
-    return cson_value_has_kind(value, cson_kind_integer);
+    return has_kind(value, cson_kind_integer);
 }
 
 bool cson_value_is_double(const cson_value* value) {
-    return cson_value_has_kind(value, cson_kind_double);
+    return has_kind(value, cson_kind_double);
 }
 
 bool cson_value_is_number(const cson_value* value) {
@@ -161,15 +164,15 @@ bool cson_value_is_number(const cson_value* value) {
 }
 
 bool cson_value_is_string(const cson_value* value) {
-    return cson_value_has_kind(value, cson_kind_string);
+    return has_kind(value, cson_kind_string);
 }
 
 bool cson_value_is_array(const cson_value* value) {
-    return cson_value_has_kind(value, cson_kind_array);
+    return has_kind(value, cson_kind_array);
 }
 
 bool cson_value_is_object(const cson_value* value) {
-    return cson_value_has_kind(value, cson_kind_object);
+    return has_kind(value, cson_kind_object);
 }
 
 int cson_value_to_bool(const cson_value* value, bool* out) {
@@ -298,7 +301,8 @@ const char* cson_value_text(const cson_value* value) {
 }
 
 cson_value* cson_value_of_string(const cson_string* string) {
-    return string == &cson_shared.empty ? &cson_shared.empty_string : value_before(string);
+    return string == &shared_constants.empty ? &shared_constants.empty_string
+                                             : value_before(string);
 }
 
 cson_value* cson_value_of_array(const cson_array* array) {

@@ -61,7 +61,7 @@ struct cson_value {
     const cson_value_api* api;
     void* value; // the payload, right behind this record; null where the kind has none
     std::uint32_t refcount;
-    std::uint32_t distance; // back to the pool's chunk that holds the record; 0 for its own block
+    std::uint32_t chunk_offset; // from its pool chunk; 0 for a block of its own
 };
 
 // Length in bytes; the text and a zero byte follow in the same block. Never changed after creation.
@@ -76,21 +76,25 @@ struct cson_buffer {
     unsigned char* mem = nullptr;
 };
 
+namespace json {
+
 // What is never counted, emptied or freed: one record of static memory, known by its address.
-struct cson_shared_constants {
+struct SharedConstants {
     cson_value undefined, null, true_value, false_value, zero, double_zero, empty_string;
     std::int32_t one;
     cson_string empty;
     std::array<char, 4> empty_text;
 };
 
-extern cson_shared_constants cson_shared;
+extern SharedConstants shared_constants;
+
+} // namespace json
 
 // True for the shared constants and their payloads; any address may be asked about.
 inline bool cson_value_is_shared(const void* address) {
-    const auto offset =
-        reinterpret_cast<std::uintptr_t>(address) - reinterpret_cast<std::uintptr_t>(&cson_shared);
-    return offset < sizeof(cson_shared);
+    const auto offset = reinterpret_cast<std::uintptr_t>(address) -
+                        reinterpret_cast<std::uintptr_t>(&json::shared_constants);
+    return offset < sizeof(json::shared_constants);
 }
 
 // A value of `kind` 3 to 7 with a zeroed payload and `extra` zeroed bytes behind it.

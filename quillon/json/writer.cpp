@@ -18,6 +18,9 @@
 #include <utility>
 
 namespace quillon {
+
+using namespace json;
+
 namespace {
 
 using bytes_at = const unsigned char*;
@@ -109,7 +112,7 @@ private:
     }
 
     void append(const void* bytes, std::uint32_t count) {
-        cson_copy_bytes(buffer.mem + buffer.used, bytes, count);
+        copy_bytes(buffer.mem + buffer.used, bytes, count);
         buffer.used += count;
     }
 
@@ -145,22 +148,22 @@ bool goes_out_raw(unsigned char c, bool escape_slashes) {
 // The high bit of each of eight bytes that may not go out as it is; not exact behind the first.
 // Where a subtraction sets one too many, the byte is beyond ASCII and counts anyway.
 std::uint64_t escaped_in(std::uint64_t bytes, bool escape_slashes) {
-    const std::uint64_t quotes = (bytes ^ cson_ones * '"') - cson_ones;
-    const std::uint64_t backslashes = (bytes ^ cson_ones * '\\') - cson_ones;
-    const std::uint64_t slashes = escape_slashes ? (bytes ^ cson_ones * '/') - cson_ones : 0;
-    return (bytes | (bytes - cson_ones * 0x20) | quotes | backslashes | slashes) & cson_high_bits;
+    const std::uint64_t quotes = (bytes ^ ONES * '"') - ONES;
+    const std::uint64_t backslashes = (bytes ^ ONES * '\\') - ONES;
+    const std::uint64_t slashes = escape_slashes ? (bytes ^ ONES * '/') - ONES : 0;
+    return (bytes | (bytes - ONES * 0x20) | quotes | backslashes | slashes) & HIGH_BITS;
 }
 
 // The first byte from `at` on that may not go out as it is.
 bytes_at skip_raw(bytes_at at, bytes_at end, bool escape_slashes) {
-    return cson_skip(
+    return skip_until(
         at, end,
         [escape_slashes](std::uint64_t bytes) { return escaped_in(bytes, escape_slashes); },
         [escape_slashes](unsigned char c) { return !goes_out_raw(c, escape_slashes); });
 }
 
 unsigned char* put(unsigned char* to, std::string_view text) {
-    cson_copy_bytes(to, text.data(), text.size());
+    copy_bytes(to, text.data(), text.size());
     return to + text.size();
 }
 
@@ -194,9 +197,9 @@ std::uint64_t quoted_room(std::uint32_t length) {
 // can always be read, as in front of a text stands its value.
 std::uint64_t next_bytes(bytes_at at, bytes_at end) {
     if (end - at >= 8)
-        return cson_load_text(at);
+        return load_text(at);
     const auto missing = static_cast<unsigned>(8 - (end - at));
-    return cson_load_text(end - 8) >> 8 * missing | cson_ones * ' ' << 8 * (8 - missing);
+    return load_text(end - 8) >> 8 * missing | ONES * ' ' << 8 * (8 - missing);
 }
 
 // The string between quotes, into room for it. Null, with nothing to be kept, where a character
@@ -208,7 +211,7 @@ unsigned char* put_quoted(unsigned char* to, const cson_string* string, bool esc
     while (at < end) {
         const std::uint64_t bytes = next_bytes(at, end);
         const std::uint64_t escaped = escaped_in(bytes, escape_slashes);
-        cson_store_text(to, bytes);
+        store_text(to, bytes);
         const std::ptrdiff_t raw =
             escaped != 0 ? std::countr_zero(escaped) / 8 : std::min<std::ptrdiff_t>(end - at, 8);
         at += raw;
@@ -256,7 +259,7 @@ int write_string(Output& output, const cson_string* string, bool escape_slashes)
     unsigned char* to = output.room(quoted_room(string->length));
     to = to != nullptr ? put_quoted(to, string, escape_slashes) : nullptr;
     if (to == nullptr)
-        return write_text(output, cson_view_of(string).data(), string->length, escape_slashes);
+        return write_text(output, view_of(string).data(), string->length, escape_slashes);
     output.advance(to);
     return cson_OK;
 }
@@ -413,8 +416,8 @@ private:
             code = comma ? write_comma(top.indent) : cson_OK;
         } else {
             const cson_kvp* pair = top.object->list.items[index];
-            cson_fetch(pair, 512);
-            const cson_string* key = cson_key_of(pair);
+            prefetch(pair, 512);
+            const cson_string* key = key_of(pair);
             if (key == nullptr)
                 return comma ? write_comma(top.indent) : cson_OK;
             value = pair->value;
@@ -422,7 +425,7 @@ private:
         }
         top.comma_due = top.next != top.count;
         if (value == nullptr)
-            value = &cson_shared.null;
+            value = &shared_constants.null;
         return code;
     }
 
@@ -459,7 +462,7 @@ private:
     const cson_write_options& options;
     const std::uint32_t first_level;
     const std::string_view point = std::localeconv()->decimal_point;
-    cson_stack<frame> open;
+    Stack<frame> open;
 };
 
 template <class Output>

@@ -36,11 +36,11 @@ using Attempt = std::function<int()>;
 
 // `attempt` has to fail with AllocError as often as one of its requests is refused, then succeed.
 void fail_every_request(const Attempt& attempt) {
-    cson_tracking_allocator allocator;
+    json::TrackingAllocator allocator;
     for (std::size_t number = 1;; ++number) {
         allocator.fail_from(number);
         const int code = attempt();
-        allocator.fail_from(cson_tracking_allocator::never);
+        allocator.fail_from(json::TrackingAllocator::never);
         ASSERT_EQ("", allocator.report()) << "request " << number;
         if (code == cson_OK)
             return;
@@ -127,7 +127,7 @@ TEST(FailingMemory, Arguments) {
 }
 
 TEST(TrackingAllocator, CountsBlocksByTag) {
-    cson_tracking_allocator allocator;
+    json::TrackingAllocator allocator;
     cson_value* number = cson_value_from_int(5);
     cson_buffer buffer;
     cson_buffer_reserve_bytes(&buffer, 10);

@@ -50,7 +50,7 @@ TEST(Array, StoringPastTheEndLeavesHoles) {
 }
 
 TEST(Array, ReplacingReleasesTheOldEntryLast) {
-    const cson_tracking_allocator allocator;
+    const json::TrackingAllocator allocator;
     {
         const Value value(cson_value_make_array());
         cson_value* inner = cson_value_make_array();
@@ -99,7 +99,7 @@ TEST(Object, GrowthByHand) {
 }
 
 TEST(Object, KeysAndMembersOutliveTheirReading) {
-    const cson_tracking_allocator allocator;
+    const json::TrackingAllocator allocator;
     {
         Value first = tree("{\"key\":{\"a\":[1,\"text\"]},\"other\":2}");
         const Value second(cson_value_make_object());
@@ -118,7 +118,7 @@ TEST(Object, KeysAndMembersOutliveTheirReading) {
 }
 
 TEST(Object, DetachedMemberBelongsToTheCaller) {
-    const cson_tracking_allocator allocator;
+    const json::TrackingAllocator allocator;
     Value value = tree("{\"a\":[1],\"b\":true,\"c\":null}");
     const Value member(cson_object_detach(object(value), "a"));
     EXPECT_EQ(0u, member->refcount);
@@ -201,7 +201,7 @@ TEST(Object, Combining) {
 }
 
 TEST(Object, CombiningWithItsOwnMember) {
-    const cson_tracking_allocator allocator;
+    const json::TrackingAllocator allocator;
     {
         const Value value = tree("{\"a\":{\"a\":5,\"b\":6}}");
         cson_object* inner = cson_value_object(cson_object_get_text(object(value), "a"));
@@ -278,7 +278,7 @@ TEST(Footprint, CountsRecordsPayloadsAndCapacities) {
 
 TEST(Deep, NothingRecurses) {
     constexpr std::uint32_t levels = 65536; // what the writer's largest depth allows
-    const cson_tracking_allocator allocator;
+    const json::TrackingAllocator allocator;
     {
         Value root(cson_value_make_array());
         for (std::uint32_t i = 1; i < levels; ++i) {

@@ -25,7 +25,7 @@ TEST(ErrorName, KnownAndUnknown) {
 }
 
 TEST(Value, OwnersAreCounted) {
-    const cson_tracking_allocator allocator;
+    const json::TrackingAllocator allocator;
     cson_value* value = cson_value_from_int(7);
     EXPECT_EQ(0u, value->refcount);
     EXPECT_EQ(0u, cson_value_release(value));
@@ -48,7 +48,7 @@ TEST(Value, OwnersAreCounted) {
 }
 
 TEST(Value, CommonValuesNeedNoMemory) {
-    const cson_tracking_allocator allocator;
+    const json::TrackingAllocator allocator;
     cson_value* const shared[] = {cson_value_true(),           cson_value_false(),
                                   cson_value_null_constant(),  cson_value_from_int(0),
                                   cson_value_from_double(0.0), cson_value_from_double(-0.0),
