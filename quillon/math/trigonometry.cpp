@@ -1,5 +1,6 @@
 #include "quillon/math/trigonometry.h"
 
+#include "quillon/math/table_functions.h"
 #include "quillon/math/trig_tables.h"
 
 #include <algorithm>
@@ -30,11 +31,11 @@ constexpr double wide_pi = PI;
 void fill_forward_tables() {
     for (std::int32_t i = 0; i < circle_entries; ++i) {
         const double angle = i * wide_pi / 36000.0;
-        cosines[i] = std::cos(angle);
-        sines[i] = std::sin(angle);
+        cosines[i] = table_functions::cos(angle);
+        sines[i] = table_functions::sin(angle);
     }
     for (std::int32_t i = 0; i < tangent_entries; ++i)
-        tangents[i] = std::tan(i * wide_pi / 1800.0);
+        tangents[i] = table_functions::tan(i * wide_pi / 1800.0);
 }
 
 // One arc sine serves four entries: the arguments lie even about 0, the arc sine is odd, and the
@@ -45,7 +46,7 @@ void fill_arc_tables() {
     constexpr std::int32_t middle = arc_entries / 2;
     for (std::int32_t i = 0; i <= middle; ++i) {
         const double x = static_cast<float>(i / 10000.0 - 1.0);
-        const double angle = std::asin(x);
+        const double angle = table_functions::asin(x);
         const std::int32_t mirrored = arc_entries - 1 - i;
         // The mirrored entry first, so that the middle one ends as a positive zero.
         arcsines[mirrored] = static_cast<float>(-angle);
@@ -65,7 +66,7 @@ double arctangent_argument(std::int32_t steps_from_zero) {
 // t stays below 0.0052, where three terms of the series leave out less than 2e-17.
 void fill_arctangent_block(float* middle, std::int32_t first, std::int32_t last) {
     const double start = arctangent_argument(first);
-    const double start_angle = std::atan(start);
+    const double start_angle = table_functions::atan(start);
     for (std::int32_t i = first; i <= last; ++i) {
         const double x = arctangent_argument(i);
         const double t = (x - start) / (1.0 + start * x);

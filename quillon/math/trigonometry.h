@@ -5,6 +5,9 @@
 // infinity, a value that is not a number or one beyond 9e18 steps reads the entry of angle 0, or an
 // end of an inverse table. Before __init_trig_tables all of them give 0.
 //
+// The tables hold what the C library computes, which differs between systems in the last place;
+// built with QUILLON_EXACT_TABLES, they hold correctly rounded values, which are equal everywhere.
+//
 // The tables may be read from any thread while no thread fills or clears them.
 #pragma once
 
