@@ -70,7 +70,7 @@ public:
         if (part >= 0.0 && part <= 1.0) {
             const auto entry = static_cast<std::int32_t>(position);
             if (std::abs(position - entry - 0.5) < 0.498)
-                return quillon::trig::sines[entry];
+                return quillon::trig::sinTable[entry];
         }
         return sinTR(part * std::acos(cosine));
     }

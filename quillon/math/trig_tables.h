@@ -1,4 +1,4 @@
-// The look-ups themselves, for the units of this folder that need more than one at a time.
+// Table look-ups for the units of this folder that need more than one at a time.
 #pragma once
 
 #include "quillon/math/constants.h"
@@ -9,12 +9,12 @@
 
 namespace quillon::trig {
 
-inline constexpr std::int32_t circle_entries = 72000;
-inline constexpr std::int32_t tangent_entries = 3600;
+inline constexpr std::int32_t CIRCLE_ENTRIES = 72000;
+inline constexpr std::int32_t TANGENT_ENTRIES = 3600;
 
 // Entry i holds the cosine or sine of i * PI / 36000.
-extern double cosines[circle_entries];
-extern double sines[circle_entries];
+extern double cosTable[CIRCLE_ENTRIES];
+extern double sinTable[CIRCLE_ENTRIES];
 
 // The functions below are inlined by force: a call would cost a look-up half as much again.
 
@@ -31,7 +31,7 @@ template <std::int32_t entries>
 }
 
 [[gnu::always_inline]] inline std::int64_t circle_index(double degrees) {
-    return wrapped_index<circle_entries>(degrees * 200.0 + 0.5);
+    return wrapped_index<CIRCLE_ENTRIES>(degrees * 200.0 + 0.5);
 }
 
 inline double to_degrees(double radians) {
@@ -47,7 +47,7 @@ struct Direction {
 // cosTR and sinTR of one angle in one look-up.
 [[gnu::always_inline]] inline Direction direction_at(double radians) {
     const std::int64_t index = circle_index(to_degrees(radians));
-    return {cosines[index], sines[index]};
+    return {cosTable[index], sinTable[index]};
 }
 
 } // namespace quillon::trig

@@ -12,30 +12,30 @@
 
 namespace quillon::trig {
 
-constinit double cosines[circle_entries] = {};
-constinit double sines[circle_entries] = {};
+constinit double cosTable[CIRCLE_ENTRIES] = {};
+constinit double sinTable[CIRCLE_ENTRIES] = {};
 
 namespace {
 
-constexpr std::int32_t arc_entries = 20001;
-constexpr std::int32_t arctangent_entries = 2000001;
-constexpr std::int32_t arctangent_middle = 1000000;
+constexpr std::int32_t ARC_ENTRIES = 20001;
+constexpr std::int32_t ARCTANGENT_ENTRIES = 2000001;
+constexpr std::int32_t ARCTANGENT_MIDDLE = 1000000;
 
-constinit double tangents[tangent_entries] = {};
-constinit float arccosines[arc_entries] = {};
-constinit float arcsines[arc_entries] = {};
-constinit float* arctangents = nullptr;
+constinit double tanTable[TANGENT_ENTRIES] = {};
+constinit float acosTable[ARC_ENTRIES] = {};
+constinit float asinTable[ARC_ENTRIES] = {};
+constinit float* atanTable = nullptr; // ARCTANGENT_ENTRIES elements, or none
 
-constexpr double wide_pi = PI;
+constexpr double WIDE_PI = PI;
 
 void fill_forward_tables() {
-    for (std::int32_t i = 0; i < circle_entries; ++i) {
-        const double angle = i * wide_pi / 36000.0;
-        cosines[i] = table_functions::cos(angle);
-        sines[i] = table_functions::sin(angle);
+    for (std::int32_t i = 0; i < CIRCLE_ENTRIES; ++i) {
+        const double angle = i * WIDE_PI / 36000.0;
+        cosTable[i] = table_functions::cos(angle);
+        sinTable[i] = table_functions::sin(angle);
     }
-    for (std::int32_t i = 0; i < tangent_entries; ++i)
-        tangents[i] = table_functions::tan(i * wide_pi / 1800.0);
+    for (std::int32_t i = 0; i < TANGENT_ENTRIES; ++i)
+        tanTable[i] = table_functions::tan(i * WIDE_PI / 1800.0);
 }
 
 // One arc sine serves four entries: the arguments lie even about 0, the arc sine is odd, and the
@@ -43,16 +43,16 @@ void fill_forward_tables() {
 // holds.
 void fill_arc_tables() {
     constexpr double right_angle = std::numbers::pi / 2.0;
-    constexpr std::int32_t middle = arc_entries / 2;
+    constexpr std::int32_t middle = ARC_ENTRIES / 2;
     for (std::int32_t i = 0; i <= middle; ++i) {
         const double x = static_cast<float>(i / 10000.0 - 1.0);
         const double angle = table_functions::asin(x);
-        const std::int32_t mirrored = arc_entries - 1 - i;
+        const std::int32_t mirrored = ARC_ENTRIES - 1 - i;
         // The mirrored entry first, so that the middle one ends as a positive zero.
-        arcsines[mirrored] = static_cast<float>(-angle);
-        arcsines[i] = static_cast<float>(angle);
-        arccosines[mirrored] = static_cast<float>(right_angle + angle);
-        arccosines[i] = static_cast<float>(right_angle - angle);
+        asinTable[mirrored] = static_cast<float>(-angle);
+        asinTable[i] = static_cast<float>(angle);
+        acosTable[mirrored] = static_cast<float>(right_angle + angle);
+        acosTable[i] = static_cast<float>(right_angle - angle);
     }
 }
 
@@ -79,11 +79,11 @@ void fill_arctangent_block(float* middle, std::int32_t first, std::int32_t last)
 
 void fill_arctangents() {
     constexpr std::int32_t block = 256;
-    auto* table = new float[arctangent_entries];
-    for (std::int32_t first = 0; first <= arctangent_middle; first += block)
-        fill_arctangent_block(table + arctangent_middle, first,
-                              std::min(first + block - 1, arctangent_middle));
-    arctangents = table;
+    auto* table = new float[ARCTANGENT_ENTRIES];
+    for (std::int32_t first = 0; first <= ARCTANGENT_MIDDLE; first += block)
+        fill_arctangent_block(table + ARCTANGENT_MIDDLE, first,
+                              std::min(first + block - 1, ARCTANGENT_MIDDLE));
+    atanTable = table;
 }
 
 // `position` truncated toward zero and held in 0 to `last`; 0 for a value that is not a number.
@@ -93,8 +93,14 @@ std::int32_t clamped_index(double position, std::int32_t last) {
     return position < last ? static_cast<std::int32_t>(position) : last;
 }
 
+// The heap block goes when the library is unloaded or the process ends. Priority 101 runs after all
+// destructors and exit handlers of the library, so a plug-in that is shut down there still reads it.
+[[gnu::destructor(101)]] void release_at_unload() {
+    __clear_trig_tables();
+}
+
 double tangent_at_degrees(double degrees) {
-    return tangents[wrapped_index<tangent_entries>(degrees * 10.0 + 0.5)];
+    return tanTable[wrapped_index<TANGENT_ENTRIES>(degrees * 10.0 + 0.5)];
 }
 
 } // namespace
@@ -107,7 +113,7 @@ using quillon::TWO_PI;
 // TWO_PI is a multiple of 2^-21. An angle below this limit is a multiple of that or of a finer
 // unit, so subtracting TWO_PI from it is exact, and so is any number of such steps.
 template <class Float>
-constexpr auto exact_below = static_cast<Float>(std::uint64_t{1}
+constexpr auto EXACT_BELOW = static_cast<Float>(std::uint64_t{1}
                                                 << (std::numeric_limits<Float>::digits - 21));
 
 template <class Float>
@@ -143,7 +149,7 @@ Float remainder_of_steps(Float angle) {
         return angle;
     if (angle <= 2.0F * TWO_PI)
         return angle - TWO_PI;
-    while (angle >= exact_below<Float> && angle - TWO_PI != angle)
+    while (angle >= EXACT_BELOW<Float> && angle - TWO_PI != angle)
         angle = stepped_down(angle);
     const Float remainder = std::fmod(angle, static_cast<Float>(TWO_PI));
     return remainder == Float{0} ? TWO_PI : remainder;
@@ -160,7 +166,7 @@ Float bound(Float angle) {
 
 void __init_trig_tables() {
     using namespace quillon::trig;
-    if (arctangents != nullptr)
+    if (atanTable != nullptr)
         return;
     fill_forward_tables();
     fill_arc_tables();
@@ -168,16 +174,16 @@ void __init_trig_tables() {
 }
 
 void __clear_trig_tables() {
-    delete[] quillon::trig::arctangents;
-    quillon::trig::arctangents = nullptr;
+    delete[] quillon::trig::atanTable;
+    quillon::trig::atanTable = nullptr;
 }
 
 double cosTD(const double& degrees) {
-    return quillon::trig::cosines[quillon::trig::circle_index(degrees)];
+    return quillon::trig::cosTable[quillon::trig::circle_index(degrees)];
 }
 
 double sinTD(const double& degrees) {
-    return quillon::trig::sines[quillon::trig::circle_index(degrees)];
+    return quillon::trig::sinTable[quillon::trig::circle_index(degrees)];
 }
 
 double tanTD(const double& degrees) {
@@ -186,12 +192,12 @@ double tanTD(const double& degrees) {
 
 double cosTR(const double& radians) {
     using namespace quillon::trig;
-    return cosines[circle_index(to_degrees(radians))];
+    return cosTable[circle_index(to_degrees(radians))];
 }
 
 double sinTR(const double& radians) {
     using namespace quillon::trig;
-    return sines[circle_index(to_degrees(radians))];
+    return sinTable[circle_index(to_degrees(radians))];
 }
 
 double tanTR(const double& radians) {
@@ -200,21 +206,21 @@ double tanTR(const double& radians) {
 
 float acosT(const double& x) {
     using namespace quillon::trig;
-    return arccosines[clamped_index((x + 1.0) * 10000.0, arc_entries - 1)];
+    return acosTable[clamped_index((x + 1.0) * 10000.0, ARC_ENTRIES - 1)];
 }
 
 float asinT(const double& x) {
     using namespace quillon::trig;
-    return arcsines[clamped_index((x + 1.0) * 10000.0, arc_entries - 1)];
+    return asinTable[clamped_index((x + 1.0) * 10000.0, ARC_ENTRIES - 1)];
 }
 
 float atanT(const double& x) {
     using namespace quillon::trig;
-    if (arctangents == nullptr)
+    if (atanTable == nullptr)
         return 0.0F;
     // Truncated before the middle is added, so toward zero and not downward.
     const double steps = std::trunc(x * 50000.0);
-    return arctangents[clamped_index(steps + arctangent_middle, arctangent_entries - 1)];
+    return atanTable[clamped_index(steps + ARCTANGENT_MIDDLE, ARCTANGENT_ENTRIES - 1)];
 }
 
 void trig_bind(double& radians) {
