@@ -5,11 +5,26 @@
 #include "quillon/math/trigonometry.h"
 #include "quillon/platform/random.h"
 
+#include <algorithm>
+#include <array>
+#include <cstddef>
 #include <random>
 
 namespace {
 
 using Generator = std::mt19937;
+
+// A seed that no other generator has, even where the platform returns one value twice.
+std::uint32_t unused_seed() {
+    static std::array<std::uint32_t, 3> used{};
+    static std::size_t count = 0;
+    const auto used_end = used.begin() + count;
+    std::uint32_t seed = quillon::platform::random_seed();
+    while (std::find(used.begin(), used_end, seed) != used_end)
+        ++seed;
+    used[count++] = seed;
+    return seed;
+}
 
 // 0 up to but excluding 1, in 2^32 steps.
 double draw_unit(Generator& generator) {
@@ -19,7 +34,7 @@ double draw_unit(Generator& generator) {
 } // namespace
 
 std::int32_t random_int(std::int32_t low, std::int32_t high) {
-    static Generator generator(quillon::platform::random_seed());
+    static Generator generator(unused_seed());
     const double lowest = low;
     const double highest = high;
     const double value = draw_unit(generator) * (highest - lowest + 1.0) + lowest;
@@ -27,14 +42,14 @@ std::int32_t random_int(std::int32_t low, std::int32_t high) {
 }
 
 float random_float(float low, float high) {
-    static Generator generator(quillon::platform::random_seed());
+    static Generator generator(unused_seed());
     const double unit = static_cast<float>(draw_unit(generator));
     const double lowest = low;
     return static_cast<float>(unit * (high - lowest) + lowest);
 }
 
 double random_double(double low, double high) {
-    static Generator generator(quillon::platform::random_seed());
+    static Generator generator(unused_seed());
     return draw_unit(generator) * (high - low) + low;
 }
 

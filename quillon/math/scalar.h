@@ -7,9 +7,10 @@
 
 extern "C" {
 
-// Random numbers from three independent Mersenne Twisters (MT19937), one to a function, each seeded
-// by the platform's random device on the first call. A call draws one 32-bit output.
+// Random numbers from three independent Mersenne Twisters (MT19937), one for each function.
 //
+// A call draws one 32-bit output. The first call of a function takes its seed from the platform's
+// random device; the three seeds always differ.
 // Not safe for use from two threads at once.
 
 // From `low` to `high`, both included; `high` where `low` is not below it.

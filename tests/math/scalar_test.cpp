@@ -4,84 +4,71 @@
 #include "quillon/math/trigonometry.h"
 #include "quillon/platform/random.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdlib>
+#include <cstdint>
 #include <limits>
-#include <utility>
-#include <vector>
+#include <random>
 
 using namespace quillon;
 
 namespace {
 
-constexpr std::int32_t int_lowest = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t lowest = std::numeric_limits<std::int32_t>::min();
 
-// The state word that MT19937 turned into an output: its four tempering steps taken back.
-std::uint32_t untempered(std::uint32_t y) {
-    y ^= y >> 18;
-    y ^= (y << 15) & 0xEFC60000;
-    std::uint32_t word = y;
-    for (int i = 0; i < 4; ++i)
-        word = y ^ ((word << 7) & 0x9D2C5680);
-    return word ^ (word >> 11) ^ (word >> 22);
-}
+// All bits but the lowest, so that the seeds after it wrap.
+constexpr std::uint32_t SEED = 0xFFFFFFFE;
 
 } // namespace
 
+// In place of the platform's: every generator is offered the same seed.
+std::uint32_t quillon::platform::random_seed() {
+    return SEED;
+}
+
 TEST(Constants, AreRoundedOnceFromTheNarrowPi) {
-    EXPECT_EQ(3.1415927410125732, PI);
-    EXPECT_EQ(4.71238899230957, THREE_HALF_PI);
-    EXPECT_EQ(0.31830987334251404, INV_PI);
-    EXPECT_EQ(57.2957763671875, RAD_TO_DEG);
-    EXPECT_EQ(6.022141456604004F * 1e23F, PHYS_AVOGADRO);
-    EXPECT_EQ(6.62606954574585F * 1e-34F, PHYS_PLANCK);
+    EXPECT_THAT((std::array{PI, HALF_PI, QUARTER_PI, THREE_HALF_PI, TWO_PI, INV_PI, FULL_CIRCLE,
+                            PI_OVER_6, PI_OVER_4, PI_OVER_3, PI_OVER_2, DEG_TO_RAD, RAD_TO_DEG}),
+                testing::ElementsAre(3.1415927410125732, 1.5707963705062866, 0.7853981852531433,
+                                     4.71238899230957, 6.2831854820251465, 0.31830987334251404,
+                                     6.2831854820251465, 0.5235987901687622, 0.7853981852531433,
+                                     1.0471975803375244, 1.5707963705062866, 0.01745329238474369,
+                                     57.2957763671875));
 }
 
-// One output a call, in sequence, whatever the other generators draw in between: each state word
-// follows from three earlier ones by the generator's recurrence.
-TEST(Random, DrawsFollowTheTwisterOneByOne) {
-    std::vector<std::uint32_t> states;
-    for (int i = 0; i < 1400; ++i) {
-        states.push_back(untempered(static_cast<std::uint32_t>(random_double(0.0, 4294967296.0))));
-        random_int(0, i);
-        random_float(0.0F, 1.0F);
-    }
-    for (std::size_t k = 0; k + 624 < states.size(); ++k) {
-        const std::uint32_t mixed = (states[k] & 0x80000000) | (states[k + 1] & 0x7FFFFFFF);
-        const std::uint32_t twisted = (mixed >> 1) ^ (mixed % 2 != 0 ? 0x9908B0DF : 0);
-        ASSERT_EQ(states[k + 397] ^ twisted, states[k + 624]) << k;
-    }
+TEST(Constants, PhysicalOnesAreMantissaTimesPower) {
+    EXPECT_THAT(
+        (std::array{PHYS_AVOGADRO, PHYS_VACUUM_PERMEABILITY, PHYS_BOLTZMANN, PHYS_STEFAN_BOLTZMANN,
+                    PHYS_PLANCK, PHYS_REDUCED_PLANCK, PHYS_PROTON_MASS, PHYS_NEUTRON_MASS,
+                    PHYS_ELECTRON_MASS, PHYS_ATOMIC_MASS_UNIT, PHYS_MEV_IN_JOULES}),
+        testing::ElementsAre(
+            6.022141456604004F * 1e23F, 1.2566370964050293F * 1e-6F, 1.380650281906128F * 1e-23F,
+            5.67037296295166F * 1e-8F, 6.62606954574585F * 1e-34F, 1.0545717477798462F * 1e-34F,
+            1.6726216077804565F * 1e-27F, 1.6749000549316406F * 1e-27F, 9.109381675720215F * 1e-31F,
+            1.6605387926101685F * 1e-27F, 1.6021764278411865F * 1e-13F));
 }
 
-TEST(Random, StaysInRangeAndTruncatesTowardZero) {
-    std::array<int, 5> counts{};
-    for (int i = 0; i < 50000; ++i) {
-        ASSERT_EQ(2, random_int(5, 2)) << "the bounds are not sorted";
-        ASSERT_EQ(int_lowest, random_int(std::numeric_limits<std::int32_t>::max(), int_lowest));
-        const float single = random_float(-3.0F, 5.0F);
-        ASSERT_TRUE(single >= -3.0F && single <= 5.0F) << single;
-        const std::int32_t value = random_int(-2, 2);
-        ASSERT_TRUE(value >= -2 && value <= 2) << value;
-        ++counts[value + 2];
-    }
-    EXPECT_LE(counts[0], 1);
-    EXPECT_NEAR(20000, counts[2], 600);
-    for (const int fifth : {1, 3, 4})
-        EXPECT_NEAR(10000, counts[fifth], 600) << fifth;
-}
-
-TEST(Random, RuntimeRandHasFifteenBits) {
-    int highest = 0;
+TEST(Random, EachFunctionFollowsATwisterOfItsOwnSeed) {
+    const auto unit = [](std::mt19937& twister) {
+        return static_cast<double>(twister()) / 4294967296.0;
+    };
+    std::mt19937 ints(SEED);
+    std::mt19937 singles(SEED + 1);
+    std::mt19937 doubles(SEED + 2);
+    constexpr std::int32_t highest = std::numeric_limits<std::int32_t>::max();
+    constexpr std::int32_t bounds[][2] = {
+        {-2, 2}, {3, 3}, {5, 2}, {lowest, highest}, {highest, lowest}};
     for (int i = 0; i < 2000; ++i) {
-        const int value = platform::runtime_rand();
-        ASSERT_TRUE(value >= 0 && value <= 32767) << value;
-        highest = std::max(highest, value);
+        const auto [low, high] = bounds[i % std::size(bounds)];
+        const double value = unit(ints) * (1.0 + high - low) + low;
+        ASSERT_EQ(value < high ? std::trunc(value) : high, random_int(low, high)) << i;
+        const double single = static_cast<float>(unit(singles));
+        ASSERT_EQ(static_cast<float>(single * 7.0 - 3.0), random_float(-3.0F, 4.0F)) << i;
+        ASSERT_EQ(unit(doubles) * 4.25 + 2.5, random_double(2.5, 6.75)) << i;
     }
-    EXPECT_GT(highest, 32567);
 }
 
 TEST(Bits, PowersOfTwoAndMasks) {
@@ -91,7 +78,7 @@ TEST(Bits, PowersOfTwoAndMasks) {
     for (const auto& [value, expected] : powers)
         EXPECT_EQ(expected, next_largest_power_of_2(value)) << value;
     EXPECT_EQ(0x81, construct_bitmask(0, 7, 7, -1, -1, -1, -1, -1)) << "a bit named twice";
-    EXPECT_EQ(int_lowest | 1, construct_bitmask(-1, -1, -1, -1, -1, -1, 0, 31));
+    EXPECT_EQ(lowest | 1, construct_bitmask(-1, -1, -1, -1, -1, -1, 0, 31));
     EXPECT_EQ(2, construct_bitmask(32, 1, -2, 32767, -32768, -1, 64, 40)) << "no such bits";
 }
 

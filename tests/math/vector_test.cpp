@@ -184,6 +184,16 @@ TEST(Vector3D, AngleAndProjection) {
     EXPECT_EQ(0.0, __cVector3d_get_scalar_for_projection_onto(x, {0, 0, 0}));
 }
 
+TEST(RuntimeRand, HasFifteenBits) {
+    int highest = 0;
+    for (int i = 0; i < 2000; ++i) {
+        const int value = platform::runtime_rand();
+        ASSERT_TRUE(value >= 0 && value <= 32767) << value;
+        highest = std::max(highest, value);
+    }
+    EXPECT_GT(highest, 32567);
+}
+
 TEST_F(RandomValues, DrawTheirComponentsInOrder) {
     const auto seeded = [](const auto& draw) {
         std::srand(9);
