@@ -285,6 +285,7 @@ bool __cSpline3d_is_equal_to(const cSpline3D& s, const cSpline3D& other) {
 }
 
 void __cSpline3d_spline_to_string(const cSpline3D& s, char* text) {
+    text += std::strlen(text);
     text += std::sprintf(text, "%c%i#", s.closed ? 'C' : 'S', s.count);
     for (std::int32_t i = 0; i < s.count; ++i) {
         const cVector3D& p = s.points[i];

@@ -68,11 +68,12 @@ QUILLON_API void __cSpline3d_set_by_spline(quillon::cSpline3D& s, const quillon:
 QUILLON_API bool __cSpline3d_is_equal_to(const quillon::cSpline3D& s,
                                          const quillon::cSpline3D& other);
 
-// Writes the text form to `text`: "C" or "S" for closed or open, the number of points, "#", then
-// three fields of three decimals a point, each closed by "#".
+// Appends the text form to the terminated text in `text`: "C" or "S" for closed or open, the number
+// of points, "#", then x, y and z of each point with three decimals, each closed by "#".
 //
-// At most 12 characters and 47 a point, with a terminating zero behind: a point that takes more has
-// its fields written with an exponent and seven digits.
+// `text` must be terminated: an empty buffer begins with a zero byte.
+// Needs up to 12 bytes, 47 more a point, and one for the terminating zero.
+// A point that takes more than 47 has its fields written with an exponent and seven digits.
 QUILLON_API void __cSpline3d_spline_to_string(const quillon::cSpline3D& s, char* text);
 
 // Replaces `s` by the spline of a text form; capacity becomes the number of points.

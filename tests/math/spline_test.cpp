@@ -38,6 +38,7 @@ cSpline3D random_spline(Numbers& numbers, int count, bool closed) {
 
 std::string text_of(const cSpline3D& s) {
     std::vector<char> text(12 + 47 * s.count + 1, '?');
+    text[0] = '\0';
     __cSpline3d_spline_to_string(s, text.data());
     return text.data();
 }
@@ -204,7 +205,9 @@ TEST(Spline3D, TextIsReadWhateverItAnnounces) {
 
 TEST(Spline3D, TextIsWrittenInThreeDecimalsOrInRoom) {
     EXPECT_EQ("S2#0.000#0.000#0.000#1.000#2.000#3.000#", text_of(cSpline3D(false, &a, &b)));
-    EXPECT_EQ("C0#", text_of(cSpline3D(true)));
+    char text[] = "after: \0??????";
+    __cSpline3d_spline_to_string(cSpline3D(true), text);
+    EXPECT_STREQ("after: C0#", text);
     const cVector3D fits(99999999999.0, -9999999999.0, 9999999999.0); // 47 characters
     EXPECT_EQ("S1#99999999999.000#-9999999999.000#9999999999.000#",
               text_of(cSpline3D(false, &fits)));
