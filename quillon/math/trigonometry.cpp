@@ -93,8 +93,9 @@ std::int32_t clamped_index(double position, std::int32_t last) {
     return position < last ? static_cast<std::int32_t>(position) : last;
 }
 
-// The heap block goes when the library is unloaded or the process ends. Priority 101 runs after all
-// destructors and exit handlers of the library, so a plug-in that is shut down there still reads it.
+// The heap block goes when the library is unloaded or the process ends.
+// Priority 101 runs after all destructors and exit handlers of the library, so a plug-in that is
+// shut down there still reads the table.
 [[gnu::destructor(101)]] void release_at_unload() {
     __clear_trig_tables();
 }

@@ -52,12 +52,12 @@ TEST_F(ExactTablesByMpfr, CosinesSinesAndTangentsAreRoundedCorrectly) {
     Rounded cosine(mpfr_cos, 53);
     Rounded sine(mpfr_sin, 53);
     Rounded tangent(mpfr_tan, 53);
-    for (std::int32_t i = 0; i < trig::circle_entries; ++i) {
+    for (std::int32_t i = 0; i < trig::CIRCLE_ENTRIES; ++i) {
         const double angle = i * WIDE_PI / 36000.0;
         ASSERT_EQ(cosine(angle), cosTD(i / 200.0)) << "entry " << i;
         ASSERT_EQ(sine(angle), sinTD(i / 200.0)) << "entry " << i;
     }
-    for (std::int32_t i = 0; i < trig::tangent_entries; ++i)
+    for (std::int32_t i = 0; i < trig::TANGENT_ENTRIES; ++i)
         ASSERT_EQ(tangent(i * WIDE_PI / 1800.0), tanTD(i / 10.0)) << "entry " << i;
 }
 
