@@ -7,12 +7,14 @@
 
 namespace tool::platform {
 
+inline constexpr const char* LIBRARY_EXTENSION = ".so";
+
 std::filesystem::path executable();
 
 // Whether a person reads the standard output as it is written.
 bool output_is_terminal();
 
-// Keeps what the process writes to its standard output from reaching it.
+// Catches what the process writes to its standard output as long as the object lives.
 class OutputCapture {
 public:
     OutputCapture();
@@ -32,7 +34,7 @@ private:
     int output;
 };
 
-// A library that the tool loads by itself, to learn from the loader what the host did not tell.
+// A library that the tool loads by itself, as the host does not report why it refused a file.
 class LibraryFile {
 public:
     explicit LibraryFile(const std::filesystem::path& file);
@@ -43,11 +45,11 @@ public:
     // Null if it does not load.
     void* handle() const { return library; }
 
-    // Why it does not load, in plain words and the loader's own; empty if it does.
+    // Why it does not load, in plain words and, where it was asked, the loader's; empty if it does.
     const std::string& reason() const { return why_not; }
 
 private:
-    void* library;
+    void* library = nullptr;
     std::string why_not;
 };
 

@@ -1,11 +1,9 @@
 #include "platform.h"
 
 #include "command.h"
+#include "elf_file.h"
 
-#include <cstring>
 #include <dlfcn.h>
-#include <elf.h>
-#include <fstream>
 #include <link.h>
 #include <unistd.h>
 
@@ -14,37 +12,20 @@ namespace fs = std::filesystem;
 namespace tool::platform {
 namespace {
 
-// The beginning that files of every word size and byte order share.
-struct ElfStart {
-    unsigned char identity[EI_NIDENT];
-    ElfW(Half) type;
-    ElfW(Half) machine;
-};
-
-ElfStart elf_start(const fs::path& file) {
-    ElfStart start{};
-    std::ifstream(file, std::ios::binary).read(reinterpret_cast<char*>(&start), sizeof(start));
-    return start;
-}
-
-bool same_machine(const ElfStart& a, const ElfStart& b) {
-    return a.identity[EI_CLASS] == b.identity[EI_CLASS] &&
-           a.identity[EI_DATA] == b.identity[EI_DATA] && a.machine == b.machine;
-}
-
-const char* plain_reason(const fs::path& file, const std::string& loader_text) {
-    if (!fs::is_regular_file(file))
-        return "not a file";
-    const ElfStart start = elf_start(file);
-    if (std::memcmp(start.identity, ELFMAG, SELFMAG) != 0)
-        return "not a library";
-    if (!same_machine(start, elf_start(executable())))
-        return "wrong architecture";
+const char* plain_reason(const std::string& loader_text) {
     if (loader_text.find("undefined symbol") != std::string::npos)
-        return "missing symbol";
+        return "missing symbol: ";
     if (loader_text.find("cannot open shared object file") != std::string::npos)
-        return "missing dependency";
-    return "does not load";
+        return "missing dependency: ";
+    return "does not load: ";
+}
+
+// Why the file cannot be handed to the system's loader; a pipe would keep it waiting.
+std::string fault_of(const fs::path& file) {
+    std::error_code error;
+    if (fs::is_regular_file(file, error))
+        return elf_fault(file);
+    return error ? "not a file: " + error.message() : "not a file";
 }
 
 } // namespace
@@ -88,14 +69,14 @@ std::string OutputCapture::text() const {
     }
 }
 
-LibraryFile::LibraryFile(const fs::path& file)
-    // A pipe would keep the loader waiting.
-    : library(fs::is_regular_file(file) ? dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL) : nullptr) {
+LibraryFile::LibraryFile(const fs::path& file) : why_not(fault_of(file)) {
+    if (!why_not.empty())
+        return;
+    library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (library != nullptr)
         return;
-    const char* const loader_text = dlerror();
-    const std::string text = loader_text == nullptr ? "" : loader_text;
-    why_not = plain_reason(file, text) + (text.empty() ? "" : ": " + text);
+    const std::string text = dlerror();
+    why_not = plain_reason(text) + text;
 }
 
 LibraryFile::~LibraryFile() {

@@ -3,8 +3,8 @@
 #include "command.h"
 #include "platform.h"
 #include "plugin_folder.h"
+#include "quillon/core/modules.h"
 #include "quillon/core/plugins.h"
-#include "quillon/core/services.h"
 
 #include <algorithm>
 #include <iterator>
@@ -15,6 +15,28 @@ namespace tool {
 namespace {
 
 using Plugins = quillon::DSParray<quillon::cPlugin>;
+
+// A module that a plug-in can serve.
+struct Module {
+    const char* keyword;
+    const char* connect_entry_point;
+    std::size_t entry_count;
+    void** (*table)();
+};
+
+// In the order in which the library offers them.
+constexpr Module MODULES[] = {
+    {"GRAPHICS", "connect_graphics_interface", quillon::ENTRY_COUNT<quillon::GraphicsTable>,
+     [] { return __mGraphics_instance()->interface; }},
+    {"INPUT", "connect_input_interface", quillon::ENTRY_COUNT<quillon::InputTable>,
+     [] { return __mInput_instance()->interface; }},
+    {"SYSTEM", "connect_system_interface", quillon::ENTRY_COUNT<quillon::SystemTable>,
+     [] { return __mSystem_instance()->interface; }},
+    {"NET", "connect_network_interface", quillon::ENTRY_COUNT<quillon::NetworkTable>,
+     [] { return __mNetwork_instance()->interface; }},
+    {"AUDIO", "connect_sound_interface", quillon::ENTRY_COUNT<quillon::AudioTable>,
+     [] { return __mAudio_instance()->interface; }},
+};
 
 std::string joined(const std::vector<std::string>& parts) {
     std::string text;
@@ -39,6 +61,16 @@ std::string why_refused(const fs::path& file) {
                            : "missing entry point: " + joined(missing);
 }
 
+// The library passes over them without a word.
+std::vector<std::string> folders_named_as_libraries(const fs::path& folder) {
+    std::vector<std::string> names;
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder))
+        if (entry.path().extension() == platform::LIBRARY_EXTENSION && entry.is_directory())
+            names.push_back(entry.path().filename().string());
+    std::ranges::sort(names);
+    return names;
+}
+
 // The list of plug-ins, with the inspector as its last.
 const Plugins& loaded_plugins() {
     const auto inspector = static_cast<std::int16_t>(__mCore_get_plugin_count());
@@ -54,29 +86,29 @@ const Plugins& loaded_plugins() {
     return *plugins;
 }
 
-bool can_serve(const quillon::cPlugin& plugin, const quillon::Service& service) {
-    return plugin.initialised && plugin.get_plugin_compatibility(service.keyword) &&
-           platform::own_function(plugin.library, service.connect_entry_point) != nullptr;
+bool can_serve(const quillon::cPlugin& plugin, const Module& module) {
+    return plugin.initialised && plugin.get_plugin_compatibility(module.keyword) &&
+           platform::own_function(plugin.library, module.connect_entry_point) != nullptr;
 }
 
-bool fills_table(const quillon::cPlugin& plugin, const quillon::Service& service) {
-    void** const table = service.interface();
-    return std::any_of(table, table + service.entry_count, [&plugin](void* entry) {
+bool fills_table(const quillon::cPlugin& plugin, const Module& module) {
+    void** const table = module.table();
+    return std::any_of(table, table + module.entry_count, [&plugin](void* entry) {
         return entry != nullptr && platform::holds(plugin.library, entry);
     });
 }
 
-// The plug-in whose functions stand in the module's table, or where it is filled with functions
-// from elsewhere the first that could have done so; null for an unconnected module.
-const quillon::cPlugin* server_of(const quillon::Service& service,
+// The plug-in whose functions are in the module's table. If the functions are from elsewhere, the
+// first plug-in that could have filled it; null for an unconnected module.
+const quillon::cPlugin* server_of(const Module& module,
                                   const std::vector<const quillon::cPlugin*>& plugins) {
-    if (service.interface() == nullptr)
+    if (module.table() == nullptr)
         return nullptr;
     const quillon::cPlugin* first = nullptr;
     for (const quillon::cPlugin* plugin : plugins) {
-        if (!can_serve(*plugin, service))
+        if (!can_serve(*plugin, module))
             continue;
-        if (fills_table(*plugin, service))
+        if (fills_table(*plugin, module))
             return plugin;
         if (first == nullptr)
             first = plugin;
@@ -88,8 +120,8 @@ const quillon::cPlugin* server_of(const quillon::Service& service,
 class Outcome {
 public:
     explicit Outcome(std::vector<const quillon::cPlugin*> all) : plugins(std::move(all)) {
-        for (std::size_t i = 0; i < std::size(quillon::SERVICES); ++i)
-            servers[i] = server_of(quillon::SERVICES[i], plugins);
+        for (std::size_t i = 0; i < std::size(MODULES); ++i)
+            servers[i] = server_of(MODULES[i], plugins);
     }
 
     LoadedPlugin describe(const quillon::cPlugin& plugin) const {
@@ -119,7 +151,7 @@ private:
         std::vector<std::string> keywords;
         for (std::size_t i = 0; i < std::size(servers); ++i)
             if (servers[i] == &plugin)
-                keywords.emplace_back(quillon::SERVICES[i].keyword);
+                keywords.emplace_back(MODULES[i].keyword);
         return keywords;
     }
 
@@ -146,29 +178,29 @@ private:
                 return "waits for prerequisite " + quoted(name) + why_unmet(name, plugin);
         std::vector<std::string> taken;
         for (std::size_t i = 0; i < std::size(servers); ++i) {
-            const quillon::Service& service = quillon::SERVICES[i];
-            if (!plugin.get_plugin_compatibility(service.keyword))
+            const Module& module = MODULES[i];
+            if (!plugin.get_plugin_compatibility(module.keyword))
                 continue;
-            if (service.interface() == nullptr)
-                return why_module_stayed_free(plugin, service);
-            // A plug-in that changes its answers cannot be told for the server of its module.
+            if (module.table() == nullptr)
+                return why_module_stayed_free(plugin, module);
+            // A plug-in that changes its answers is not recognised as the server of its module.
             const std::string server =
                 servers[i] == nullptr ? "another" : quoted(servers[i]->get_plugin_name());
-            taken.push_back(service.keyword + (" by " + server));
+            taken.push_back(module.keyword + (" by " + server));
         }
         return taken.empty() ? "serves none of the five modules"
                              : "every module that it serves is taken: " + joined(taken);
     }
 
     static std::string why_module_stayed_free(const quillon::cPlugin& plugin,
-                                              const quillon::Service& service) {
-        if (platform::own_function(plugin.library, service.connect_entry_point) == nullptr)
-            return std::string("no connect entry point: ") + service.connect_entry_point;
+                                              const Module& module) {
+        if (platform::own_function(plugin.library, module.connect_entry_point) == nullptr)
+            return std::string("no connect entry point: ") + module.connect_entry_point;
         return plugin.initialised ? "was not asked to connect" : "initialize said no";
     }
 
     std::vector<const quillon::cPlugin*> plugins;
-    const quillon::cPlugin* servers[std::size(quillon::SERVICES)];
+    const quillon::cPlugin* servers[std::size(MODULES)];
 };
 
 } // namespace
@@ -177,6 +209,8 @@ PluginReport report_on(const fs::path& folder) {
     PluginReport report;
     for (const std::string& file : open_plugins(folder))
         report.refused.push_back({file, why_refused(folder / file)});
+    for (const std::string& name : folders_named_as_libraries(folder))
+        report.refused.push_back({name, "a folder, not a file"});
 
     const Plugins& list = loaded_plugins();
     std::vector<const quillon::cPlugin*> plugins;

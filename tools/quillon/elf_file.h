@@ -1,0 +1,12 @@
+// ELF headers, read without the system's loader, which ends the process on some damaged files.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace tool::platform {
+
+// Why a regular file is no library of this machine; empty if its headers are in order.
+std::string elf_fault(const std::filesystem::path& file);
+
+} // namespace tool::platform
