@@ -1,21 +1,9 @@
+#include "tool_run.h"
+
 #include <gtest/gtest.h>
-
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-
 namespace fs = std::filesystem;
 
-namespace {
-
-std::string text_of(const fs::path& file) {
-    std::ifstream stream(file);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-} // namespace
-
-// A line "<!-- quotes FILE -->" promises that the fenced block behind it is the whole of the file.
+// A line "<!-- quotes FILE -->" promises that the fenced block after it is the whole of the file.
 TEST(Documents, QuotedExamplesAreTheFiles) {
     const std::string promise = "<!-- quotes ";
     int quotes = 0;
@@ -23,14 +11,14 @@ TEST(Documents, QuotedExamplesAreTheFiles) {
          fs::recursive_directory_iterator(SOURCE_FOLDER "/docs")) {
         if (document.path().extension() != ".md")
             continue;
-        const std::string text = text_of(document.path());
+        const std::string text = bytes_of(document.path());
         for (std::size_t at = text.find(promise); at != std::string::npos;
              at = text.find(promise, at + 1)) {
             const std::size_t name = at + promise.size();
             const std::string file = text.substr(name, text.find(' ', name) - name);
             const std::size_t begin = text.find('\n', text.find("```", name)) + 1;
             const std::size_t end = text.find("```\n", begin);
-            EXPECT_EQ(text_of(fs::path(SOURCE_FOLDER) / file), text.substr(begin, end - begin))
+            EXPECT_EQ(bytes_of(fs::path(SOURCE_FOLDER) / file), text.substr(begin, end - begin))
                 << document.path() << " quotes " << file;
             ++quotes;
         }

@@ -84,15 +84,15 @@ TEST(Plugins, EachThatIsNotConnectedHasItsReason) {
     }
 }
 
-// A sound plug-in with one byte changed.
-void add_damaged(const std::string& file, std::streamoff offset, char byte) {
+// A sound plug-in, for the caller to damage.
+fs::path add_copy(const std::string& name) {
+    const fs::path file = "plugin/" + name + ".so";
     fs::copy(FIXTURE_FOLDER "/graphics.so", file);
-    std::fstream(file, std::ios::binary | std::ios::in | std::ios::out).seekp(offset).put(byte);
+    return file;
 }
 
-void add_cut(const std::string& file, std::uintmax_t size) {
-    fs::copy(FIXTURE_FOLDER "/graphics.so", file);
-    fs::resize_file(file, size);
+void add_changed(const std::string& name, std::streamoff offset, char byte) {
+    std::fstream(add_copy(name), std::ios::in | std::ios::out).seekp(offset).put(byte);
 }
 
 TEST(Plugins, EachRefusedFileHasItsReason) {
@@ -101,11 +101,11 @@ TEST(Plugins, EachRefusedFileHasItsReason) {
     std::ofstream("plugin/a_text.so") << "not a library at all";
     fs::create_symlink("nothing", "plugin/b_dangling.so");
     fs::create_symlink("c_loop.so", "plugin/c_loop.so");
-    add_damaged("plugin/d_foreign.so", offsetof(Elf64_Ehdr, e_machine), EM_S390);
-    add_damaged("plugin/e_object.so", offsetof(Elf64_Ehdr, e_type), ET_REL);
-    add_cut("plugin/f_start.so", 4);
-    add_cut("plugin/g_header.so", 40);
-    add_cut("plugin/h_segments.so", sizeof(Elf64_Ehdr) + 1);
+    add_changed("d_foreign", offsetof(Elf64_Ehdr, e_machine), EM_S390);
+    add_changed("e_object", offsetof(Elf64_Ehdr, e_type), ET_REL);
+    fs::resize_file(add_copy("f_start"), 4);
+    fs::resize_file(add_copy("g_header"), 40);
+    fs::resize_file(add_copy("h_segments"), sizeof(Elf64_Ehdr) + 1);
     // Reading it from the start fails for every user, root too.
     fs::create_symlink("/proc/self/mem", "plugin/i_unreadable.so");
     fs::create_directory("plugin/j_folder.so");
@@ -151,8 +151,7 @@ TEST(Plugins, WithoutAFolderTheOnesThatCameWithTheTool) {
     const ToolRun run = run_tool("plugins", "ASAN_OPTIONS=detect_leaks=0");
     EXPECT_EQ(0, run.code);
     EXPECT_THAT(run.out, HasSubstr("plug-ins in " PLUGIN_FOLDER "\n"));
-    for (const char* file : {"clock.so", "image.so"})
-        EXPECT_THAT(run.out, HasSubstr(file));
+    EXPECT_THAT(run.out, HasSubstr("clock.so"));
 }
 
 TEST(Plugins, FolderThatCannotBeListedIsAFailure) {
@@ -161,20 +160,9 @@ TEST(Plugins, FolderThatCannotBeListedIsAFailure) {
     const std::string deep = std::string(120, 'a') + "/" + std::string(120, 'b');
     fs::create_directories(deep);
 
-    const struct {
-        std::string folder;
-        const char* error;
-    } cases[] = {{"nothing", "quillon plugins: cannot list 'nothing': No such file"},
-                 {"file", "cannot list 'file': Not a directory"},
-                 {deep, "is too long"}};
-
-    for (const auto& row : cases) {
-        SCOPED_TRACE(row.folder);
-        const ToolRun run = run_tool("plugins " + row.folder);
-        EXPECT_EQ(1, run.code);
-        EXPECT_EQ("", run.out);
-        EXPECT_THAT(run.error, HasSubstr(row.error));
-    }
+    expect_failures(1, {{"plugins nothing", "quillon plugins: cannot list 'nothing': No such file"},
+                        {"plugins file", "cannot list 'file': Not a directory"},
+                        {"plugins " + deep, "is too long"}});
 }
 
 } // namespace

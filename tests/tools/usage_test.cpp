@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 using testing::HasSubstr;
-using testing::StartsWith;
 
 TEST(Usage, HelpAndVersionEverywhere) {
     const ScratchFolder folder;
@@ -24,43 +23,31 @@ TEST(Usage, HelpAndVersionEverywhere) {
 TEST(Usage, MisuseIsAnErrorWithAHint) {
     const ScratchFolder folder;
 
-    const struct {
-        const char* arguments;
-        const char* error;
-    } cases[] = {
-        {"", "quillon: A subcommand is required\nSee 'quillon --help'.\n"},
-        {"plugin", "unknown word 'plugin'; did you mean 'plugins'?"},
-        {"covnert a b", "unknown word 'covnert'; did you mean 'convert'?"},
-        {"xyzzy", "quillon: unknown word 'xyzzy'\nSee 'quillon --help'.\n"},
-        {"--versoin", "unknown word '--versoin'; did you mean '--version'?"},
-        {"plugins --jsno", "quillon plugins: unknown word '--jsno'; did you mean '--json'?"},
-        {"plugins one two", "quillon plugins: unknown word 'two'"},
-        {"inputs --bind 'Left Contrl + S'", "'Left Contrl'; did you mean 'Left Control'?"},
-        {"inputs --bind 'Space Or Mause X'", "'Mause X'; did you mean 'Mouse X'?"},
-        {"inputs --frames 0", "Value 0 not in range"},
-        {"convert in.png", "OUT is required\nSee 'quillon convert --help'."},
-        {"mask in.png out.png", "one of --alpha, --channel and --key is required"},
-        {"mask in.png out.png --alpha --channel 1", "--alpha excludes --channel"},
-        {"mask in.png out.png --channel 4", "--channel: Value 4 not in range 0 to 3"},
-        {"mask in.png out.png --key pinkish", "'pinkish' is no colour; 'quillon palette' lists"},
-        {"mask in.png out.png --key 1#2", "'1#2' is no colour"},
-        {"adjust in.png out.png --darken 256", "--darken: Value 256 not in range 0 to 255"},
-        {"brush in.png out.png --at 3 --radius 1 --color RED", "--at = 3"},
-        {"brush in.png out.png --at 3,4 --color RED", "--radius is required"},
-    };
-
-    for (const auto& row : cases) {
-        SCOPED_TRACE(row.arguments);
-        const ToolRun run = run_tool(row.arguments);
-        EXPECT_EQ(2, run.code);
-        EXPECT_EQ("", run.out);
-        EXPECT_THAT(run.error, HasSubstr(row.error));
-    }
+    expect_failures(
+        2, {
+               {"", "quillon: A subcommand is required\nSee 'quillon --help'.\n"},
+               {"plugin", "unknown word 'plugin'; did you mean 'plugins'?"},
+               {"xyzzy", "quillon: unknown word 'xyzzy'\nSee 'quillon --help'.\n"},
+               {"--versoin", "unknown word '--versoin'; did you mean '--version'?"},
+               {"plugins --jsno", "quillon plugins: unknown word '--jsno'; did you mean '--json'?"},
+               {"plugins one two", "quillon plugins: unknown word 'two'"},
+               {"inputs --bind 'Left Contrl + S'", "'Left Contrl'; did you mean 'Left Control'?"},
+               {"inputs --bind 'Space Or Mause X'", "'Mause X'; did you mean 'Mouse X'?"},
+               {"inputs --frames 0", "Value 0 not in range"},
+               {"convert in.png", "OUT is required\nSee 'quillon convert --help'."},
+               {"mask in.png out.png", "one of --alpha, --channel and --key is required"},
+               {"mask in.png out.png --alpha --channel 1", "--alpha excludes --channel"},
+               {"mask in.png out.png --channel 4", "--channel: Value 4 not in range 0 to 3"},
+               {"mask in.png out.png --key pinkish",
+                "'pinkish' is no colour; 'quillon palette' lists"},
+               {"mask in.png out.png --key 1#2", "'1#2' is no colour"},
+               {"adjust in.png out.png --darken 256", "--darken: Value 256 not in range 0 to 255"},
+               {"brush in.png out.png --at 3 --radius 1 --color RED", "--at = 3"},
+               {"brush in.png out.png --at 3,4 --color RED", "--radius is required"},
+           });
 }
 
 TEST(Usage, OutputThatCannotBeWrittenIsAFailure) {
     const ScratchFolder folder;
-    const ToolRun run = run_tool("--help > /dev/full");
-    EXPECT_EQ(1, run.code);
-    EXPECT_THAT(run.error, StartsWith("quillon: cannot write"));
+    expect_failures(1, {{"--help > /dev/full", "quillon: cannot write"}});
 }

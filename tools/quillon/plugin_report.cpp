@@ -64,8 +64,9 @@ std::string why_refused(const fs::path& file) {
 // The library passes over them without a word.
 std::vector<std::string> folders_named_as_libraries(const fs::path& folder) {
     std::vector<std::string> names;
+    std::error_code ignored; // of links that lead nowhere
     for (const fs::directory_entry& entry : fs::directory_iterator(folder))
-        if (entry.path().extension() == platform::LIBRARY_EXTENSION && entry.is_directory())
+        if (entry.path().extension() == platform::LIBRARY_EXTENSION && entry.is_directory(ignored))
             names.push_back(entry.path().filename().string());
     std::ranges::sort(names);
     return names;
