@@ -12,6 +12,10 @@
 #include <string>
 #include <type_traits>
 
+// A macro of the Windows headers, put back at the end of this file.
+#pragma push_macro("interface")
+#undef interface
+
 namespace quillon {
 
 // For host-side code that reaches a module's table through a member of the module. A view is valid
@@ -199,3 +203,5 @@ QUILLON_API quillon::modAudio* __mAudio_instance();
 QUILLON_API quillon::modPhysics* __mPhysics_instance();
 QUILLON_API quillon::modFileOperations* __mFileOps_instance();
 }
+
+#pragma pop_macro("interface")

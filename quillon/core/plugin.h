@@ -10,8 +10,10 @@
 // connect entry points have returned are then still alive; tables are not, and function-local
 // statics that are first reached later may be gone.
 //
-// The names below are global, and `shutdown` is also a call of the sockets interface: keep that
-// one's header out of the unit that defines the entry points.
+// The names below are global. `shutdown` is also a call of the sockets interface: both headers may
+// be included, in any order, since the entry point is an overload of its own under the same symbol.
+// A plug-in that calls sockets itself reaches its own entry point under that name, so it leaves
+// such calls to a library.
 #pragma once
 
 #include "quillon/containers/list.h"
@@ -26,17 +28,18 @@
 #include <string_view>
 
 #if defined(_WIN32)
-    #define QUILLON_PLUGIN_EXPORT extern "C" __declspec(dllexport)
+    #define QUILLON_PLUGIN_VISIBLE __declspec(dllexport)
 #else
-    #define QUILLON_PLUGIN_EXPORT extern "C" __attribute__((visibility("default")))
+    #define QUILLON_PLUGIN_VISIBLE __attribute__((visibility("default")))
 #endif
+#define QUILLON_PLUGIN_EXPORT extern "C" QUILLON_PLUGIN_VISIBLE
 
 // The six that every plug-in defines. The last four are called before `initialize`, many times.
 
 // Gets ready, or says no and may be asked again; `parameters` holds what the host filed by
 // name_hash of a name.
 QUILLON_PLUGIN_EXPORT bool initialize(quillon::DSPrefHashMap<void>* parameters);
-QUILLON_PLUGIN_EXPORT void shutdown();
+QUILLON_PLUGIN_VISIBLE void shutdown() __asm__("shutdown");
 // Texts that stay valid as long as the plug-in is loaded. Only the purpose "Module" is connected.
 QUILLON_PLUGIN_EXPORT const char* get_plugin_name();
 QUILLON_PLUGIN_EXPORT const char* get_plugin_purpose();
