@@ -1,0 +1,40 @@
+// The contract of a clock.
+#pragma once
+
+#include "contract.h"
+
+#include <array>
+#include <cstddef>
+
+namespace quillon {
+
+struct System {
+    using Module = modSystem;
+    static constexpr const char* SERVICE = "SYSTEM";
+    static constexpr ContractIdentity IDENTITY = {"quillon.system", 1};
+    static constexpr std::array<ContractIdentity, 1> ACCEPTED = {IDENTITY};
+
+    Identify* identify = nullptr;
+
+    // Why the latest call that can fail failed, in one line; empty if it succeeded.
+    // Never null; valid until the next call of an entry.
+    const char* (*last_error)() = nullptr;
+
+    // Seconds since the plug-in was initialised; never falls. For any thread.
+    double (*get_time)() = nullptr;
+
+    void* reserved_3_to_10[8] = {};
+
+    // Sleeps for that many seconds, at most a day; returns at once for 0, less, and NaN.
+    // For any thread; __mGeneric_worker_loop calls this.
+    void (*pause)(const double& seconds) = nullptr;
+
+    void* reserved_12_to_19[8] = {};
+    void* own_20_to_24[OWN_ENTRY_COUNT<SystemTable>] = {};
+};
+
+static_assert(sizeof(System) == sizeof(SystemTable));
+static_assert(offsetof(System, pause) == offsetof(SystemTable, pause));
+static_assert(offsetof(System, own_20_to_24) == FIRST_OWN_ENTRY<SystemTable> * sizeof(void*));
+
+} // namespace quillon
