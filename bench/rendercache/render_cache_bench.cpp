@@ -1,6 +1,6 @@
 // Unrolling and tangents on a million corners, beside a plain reading and the bare memory traffic.
-#include "quillon/platform/stores.h"
 #include "quillon/rendercache/tangents.h"
+#include "quillon/simd/stores.h"
 
 #include <benchmark/benchmark.h>
 
@@ -210,7 +210,7 @@ void bare_grid_attribute(const std::vector<std::uint32_t>& indices,
         std::array<float, 4> four;
         four.fill(index + first);
         for (std::size_t to = 0; to < width * CORNERS_PER_QUAD; to += four.size())
-            quillon::platform::StreamingStores::put(array + i * width + to, four.data());
+            quillon::simd::StreamingStores::put(array + i * width + to, four.data());
     }
 }
 
@@ -219,7 +219,7 @@ void bare_grid(const Model& model) {
     bare_grid_attribute<3>(model.indices[2], model.normals, model.cache->normals);
     bare_grid_attribute<2>(model.indices[1], model.texcoords, model.cache->texcoords);
     bare_grid_attribute<4>(model.indices[3], model.colors, model.cache->colors);
-    quillon::platform::finish_streaming();
+    quillon::simd::finish_streaming();
 }
 
 // A plain reading of the tangents: polygon by polygon through the flat function.

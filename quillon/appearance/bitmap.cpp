@@ -3,12 +3,12 @@
 #include "quillon/appearance/color_names.h"
 #include "quillon/appearance/pixels.h"
 #include "quillon/core/modules.h"
-#include "quillon/platform/cpu.h"
+#include "quillon/simd/dispatch.h"
 
 namespace {
 
 using quillon::PIXEL_BYTES;
-using quillon::platform::run_vectorised;
+using quillon::simd::run_vectorised;
 
 struct ChannelSums {
     std::uint32_t r = 0;

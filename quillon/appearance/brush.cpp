@@ -1,7 +1,7 @@
 #include "quillon/appearance/filters.h"
 #include "quillon/appearance/pixels.h"
 #include "quillon/math/gauss.h"
-#include "quillon/platform/cpu.h"
+#include "quillon/simd/dispatch.h"
 
 #include <algorithm>
 
@@ -155,8 +155,8 @@ void __cBitmap_gauss_brush(const quillon::cColor& color, uint8_t* pixels, int32_
                             dy_square,
                             static_cast<size_t>(full.begin - run.begin),
                             static_cast<size_t>(std::max(full.end - run.begin, int64_t{0}))};
-        quillon::platform::run_vectorised<paint>(pixels +
-                                                     (y * width + run.begin) * int64_t{PIXEL_BYTES},
-                                                 static_cast<size_t>(run.end - run.begin), &stroke);
+        quillon::simd::run_vectorised<paint>(pixels +
+                                                 (y * width + run.begin) * int64_t{PIXEL_BYTES},
+                                             static_cast<size_t>(run.end - run.begin), &stroke);
     }
 }

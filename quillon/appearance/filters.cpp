@@ -1,7 +1,7 @@
 #include "quillon/appearance/filters.h"
 
 #include "quillon/appearance/pixels.h"
-#include "quillon/platform/cpu.h"
+#include "quillon/simd/dispatch.h"
 
 #include <array>
 #include <bit>
@@ -11,7 +11,7 @@
 namespace {
 
 using quillon::ALPHA_BITS;
-using quillon::platform::run_vectorised;
+using quillon::simd::run_vectorised;
 using std::size_t;
 using std::uint16_t;
 using std::uint32_t;

@@ -1,6 +1,6 @@
 #include "quillon/appearance/filters.h"
 #include "quillon/appearance/pixels.h"
-#include "quillon/platform/cpu.h"
+#include "quillon/simd/dispatch.h"
 
 #include <cmath>
 #include <vector>
@@ -9,7 +9,7 @@ namespace {
 
 using quillon::BLOCK_PIXELS;
 using quillon::PIXEL_BYTES;
-using quillon::platform::run_vectorised;
+using quillon::simd::run_vectorised;
 using std::int32_t;
 using std::size_t;
 using std::uint32_t;

@@ -1,21 +1,21 @@
 #include "quillon/math/matrix.h"
 
-#include "quillon/math/lanes.h"
 #include "quillon/math/quaternion.h"
 #include "quillon/math/text_fields.h"
 #include "quillon/math/trig_tables.h"
-#include "quillon/platform/cpu.h"
 #include "quillon/platform/random.h"
+#include "quillon/simd/dispatch.h"
+#include "quillon/simd/lanes.h"
 
 #include <cmath>
 
 using quillon::cMatrix3D;
 using quillon::cQuaternion;
 using quillon::cVector3D;
-using quillon::load;
-using quillon::Pair;
-using quillon::Quad;
-using quillon::store;
+using quillon::simd::load;
+using quillon::simd::Pair;
+using quillon::simd::Quad;
+using quillon::simd::store;
 using quillon::trig::direction_at;
 
 namespace {

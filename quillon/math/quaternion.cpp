@@ -1,12 +1,12 @@
 #include "quillon/math/quaternion.h"
 
-#include "quillon/math/lanes.h"
 #include "quillon/math/matrix.h"
 #include "quillon/math/text_fields.h"
 #include "quillon/math/trig_tables.h"
 #include "quillon/math/trigonometry.h"
-#include "quillon/platform/cpu.h"
 #include "quillon/platform/random.h"
+#include "quillon/simd/dispatch.h"
+#include "quillon/simd/lanes.h"
 
 #include <cmath>
 #include <limits>
@@ -14,9 +14,9 @@
 using quillon::cMatrix3D;
 using quillon::cQuaternion;
 using quillon::cVector3D;
-using quillon::load;
-using quillon::Quad;
-using quillon::store;
+using quillon::simd::load;
+using quillon::simd::Quad;
+using quillon::simd::store;
 
 namespace {
 

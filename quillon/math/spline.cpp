@@ -1,8 +1,8 @@
 #include "quillon/math/spline.h"
 
-#include "quillon/math/lanes.h"
 #include "quillon/math/text_fields.h"
-#include "quillon/platform/cpu.h"
+#include "quillon/simd/dispatch.h"
+#include "quillon/simd/lanes.h"
 
 #include <algorithm>
 #include <bit>
@@ -15,9 +15,9 @@
 
 using quillon::cSpline3D;
 using quillon::cVector3D;
-using quillon::Pair;
-using quillon::Quad;
-using quillon::square_roots;
+using quillon::simd::Pair;
+using quillon::simd::Quad;
+using quillon::simd::square_roots;
 
 namespace {
 

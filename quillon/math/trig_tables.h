@@ -2,7 +2,7 @@
 #pragma once
 
 #include "quillon/math/constants.h"
-#include "quillon/platform/convert.h"
+#include "quillon/simd/convert.h"
 
 #include <cstdint>
 #include <limits>
@@ -21,7 +21,7 @@ extern double sinTable[CIRCLE_ENTRIES];
 // `position` truncated toward zero and wrapped into 0 to `entries - 1`; 0 where it fits no integer.
 template <std::int32_t entries>
 [[gnu::always_inline]] inline std::int64_t wrapped_index(double position) {
-    const std::int64_t whole = platform::truncated(position);
+    const std::int64_t whole = simd::truncated(position);
     if (static_cast<std::uint64_t>(whole) < entries) [[likely]]
         return whole;
     if (whole == std::numeric_limits<std::int64_t>::min())

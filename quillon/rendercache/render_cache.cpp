@@ -1,6 +1,6 @@
 #include "quillon/rendercache/render_cache.h"
 
-#include "quillon/platform/stores.h"
+#include "quillon/simd/stores.h"
 
 #include <algorithm>
 #include <cstring>
@@ -12,8 +12,8 @@ using quillon::cColor;
 using quillon::cRenderCache;
 using quillon::cVector3D;
 using TexCoord = quillon::cVector2D<double>;
-using quillon::platform::CachedStores;
-using quillon::platform::StreamingStores;
+using quillon::simd::CachedStores;
+using quillon::simd::StreamingStores;
 
 namespace {
 
@@ -103,10 +103,10 @@ void unroll_by(float* array, const Source* source, Element element, std::size_t 
     };
 
     std::size_t corner = first;
-    for (; corner < end && !quillon::platform::is_store_aligned(array + corner * width); ++corner)
+    for (; corner < end && !quillon::simd::is_store_aligned(array + corner * width); ++corner)
         flatten_one(corner);
     for (; end - corner >= GROUP; corner += GROUP) {
-        alignas(quillon::platform::STORE_ALIGNMENT) float group[GROUP * width];
+        alignas(quillon::simd::STORE_ALIGNMENT) float group[GROUP * width];
         for (std::size_t i = 0; i < GROUP; ++i)
             flatten(source[element(corner + i)], group + i * width);
         for (std::size_t i = 0; i < GROUP * width; i += 4)
@@ -171,7 +171,7 @@ void __mGraphics_modify_render_cache_from_verts(cRenderCache* cache, const cVect
         unroll(cache->texcoords, texcoords, InOrder{}, first, end, corners);
         unroll(cache->colors, colors, InOrder{}, first, end, corners);
     }
-    quillon::platform::finish_streaming();
+    quillon::simd::finish_streaming();
 }
 
 void __mGraphics_modify_render_cache_from_polys(cRenderCache* cache, const cVector3D* positions,
@@ -187,7 +187,7 @@ void __mGraphics_modify_render_cache_from_polys(cRenderCache* cache, const cVect
     unroll_indexed(*cache, cache->normals, normals, normal_indices);
     unroll_indexed(*cache, cache->texcoords, texcoords, texcoord_indices);
     unroll_indexed(*cache, cache->colors, colors, color_indices);
-    quillon::platform::finish_streaming();
+    quillon::simd::finish_streaming();
 }
 
 void __mGraphics_copy_render_cache(void* /*context*/, cRenderCache* destination,

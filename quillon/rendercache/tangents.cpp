@@ -1,7 +1,7 @@
 #include "quillon/rendercache/tangents.h"
 
-#include "quillon/math/lanes.h"
-#include "quillon/platform/cpu.h"
+#include "quillon/simd/dispatch.h"
+#include "quillon/simd/lanes.h"
 
 #include <algorithm>
 #include <cmath>
@@ -116,8 +116,8 @@ struct Kernel {
 
 using TwoFloats [[gnu::vector_size(8)]] = float;
 using FourFloats [[gnu::vector_size(16)]] = float;
-using NarrowKernel = Kernel<TwoFloats, quillon::Pair, 0, 1>;
-using WideKernel = Kernel<FourFloats, quillon::Quad, 0, 1, 2, 3>;
+using NarrowKernel = Kernel<TwoFloats, quillon::simd::Pair, 0, 1>;
+using WideKernel = Kernel<FourFloats, quillon::simd::Quad, 0, 1, 2, 3>;
 
 void fill_polygon(const cRenderCache& cache, std::size_t poly) {
     const std::size_t entry = poly * cache.verts_per_poly;
@@ -163,7 +163,7 @@ void __mGraphics_render_cache_calc_tangents(cRenderCache* cache) {
         return;
     // The last polygon has none behind it that would cover its float too many.
     const std::size_t vectorised = (cache->poly_count - 1) / WideKernel::LANES * WideKernel::LANES;
-    quillon::platform::run_vectorised<WideKernel::run, NarrowKernel::run>(
+    quillon::simd::run_vectorised<WideKernel::run, NarrowKernel::run>(
         static_cast<const cRenderCache*>(cache), vectorised);
     for (std::size_t poly = vectorised; poly < cache->poly_count; ++poly)
         fill_polygon(*cache, poly);

@@ -3,7 +3,7 @@
 
 #include <cstddef> // where the C library names itself
 
-namespace quillon::platform {
+namespace quillon::simd {
 
 // Not on Windows: GCC aligns stacks to 16 bytes there, and spills AVX registers as if it were 32.
 #if defined(__x86_64__) && !defined(_WIN32) && !defined(QUILLON_NO_AVX2)
@@ -38,7 +38,7 @@ void run_vectorised(Arguments... arguments) {
 
 #endif
 
-} // namespace quillon::platform
+} // namespace quillon::simd
 
 // Compiles a function twice, for AVX2 and for any x86-64, and lets the dynamic loader pick. For
 // functions so short that the test in run_vectorised would show.

@@ -8,7 +8,7 @@
 #include <cstddef>
 #include <cstring>
 
-namespace quillon {
+namespace quillon::simd {
 
 using Pair = double __attribute__((vector_size(16)));
 using Quad = double __attribute__((vector_size(32)));
@@ -30,4 +30,4 @@ template <class Lanes>
         roots[i] = std::sqrt(values[i]);
 }
 
-} // namespace quillon
+} // namespace quillon::simd

@@ -9,7 +9,7 @@
     #include <emmintrin.h>
 #endif
 
-namespace quillon::platform {
+namespace quillon::simd {
 
 // Four floats are stored at once, at an address that is a multiple of ALIGNMENT.
 inline constexpr std::size_t STORE_ALIGNMENT = 4 * sizeof(float);
@@ -44,4 +44,4 @@ inline void finish_streaming() {}
 
 #endif
 
-} // namespace quillon::platform
+} // namespace quillon::simd

@@ -8,7 +8,7 @@
     #include <emmintrin.h>
 #endif
 
-namespace quillon::platform {
+namespace quillon::simd {
 
 // `value` truncated toward zero; the least integer for what fits none, a NaN among them.
 [[gnu::always_inline]] inline std::int64_t truncated(double value) {
@@ -21,4 +21,4 @@ namespace quillon::platform {
 #endif
 }
 
-} // namespace quillon::platform
+} // namespace quillon::simd
