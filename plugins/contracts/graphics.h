@@ -88,9 +88,9 @@ enum LightFlag : std::uint8_t {
 };
 
 enum class Blend : std::uint8_t {
-    OPAQUE_COVER, // hides what is behind it
-    ALPHA,        // covers by its alpha; drawn after everything opaque, from far to near
-    ADD           // adds its light, times its alpha
+    Opaque, // hides what is behind it
+    Alpha,  // covers by its alpha; drawn after everything opaque, from far to near
+    Add     // adds its light, times its alpha
 };
 
 // One mesh in one place.
@@ -101,8 +101,10 @@ struct MeshDrawing {
     cVector3D scale = {1.0, 1.0, 1.0};
     const cMaterial* material = nullptr; // null: MATERIAL_DEFAULT
     PictureHandle texture = 0;           // times the diffuse colour and the alpha
-    PictureHandle normal_map = 0;        // needs tangents and texture coordinates in the mesh
-    Blend blend = Blend::OPAQUE_COVER;
+    // As __cBitmap_bump_map_to_normal_map makes it: red along the first texture axis, green along
+    // the second, blue along the normal. Needs tangents and texture coordinates in the mesh.
+    PictureHandle normal_map = 0;
+    Blend blend = Blend::Opaque;
     bool is_lit = true; // otherwise the emission and the diffuse colour show as they are
 };
 
@@ -113,7 +115,7 @@ struct SpriteDrawing {
     double height = 1.0;
     PictureHandle picture = 0; // 0: a plain rectangle
     cColor color = WHITE;      // times the picture
-    Blend blend = Blend::ADD;
+    Blend blend = Blend::Add;
     bool has_fog = true;
 };
 
