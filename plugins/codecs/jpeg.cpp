@@ -1,24 +1,24 @@
 #include "codecs.h"
-#include "image.h"
 
 #include <array>
 #include <csetjmp>
 // libjpeg's headers need these two before them.
 #include <cstddef>
 #include <cstdio>
+#include <cstdlib>
 // clang-format off
 #include <jpeglib.h>
 #include <jerror.h>
 // clang-format on
 #include <stdexcept>
 
-namespace image {
+namespace quillon::codecs {
 namespace {
 
 constexpr int QUALITY = 95;
 
 // One reading or writing of libjpeg, with what its callbacks need.
-template <class Codec>
+template <typename Codec>
 struct Session {
     Codec codec{};
     jpeg_error_mgr errors{};
@@ -28,14 +28,14 @@ struct Session {
 };
 
 // libjpeg calls this instead of returning, and it must not return either.
-template <class Codec>
+template <typename Codec>
 [[noreturn]] void fail(j_common_ptr codec, const char* text) {
     auto& session = *static_cast<Session<Codec>*>(codec->client_data);
     std::snprintf(session.reason.data(), session.reason.size(), "JPEG: %s", text);
     std::longjmp(session.on_failure, 1);
 }
 
-template <class Codec>
+template <typename Codec>
 [[noreturn]] void on_error(j_common_ptr codec) {
     std::array<char, JMSG_LENGTH_MAX> text{};
     codec->err->format_message(codec, text.data());
@@ -44,7 +44,7 @@ template <class Codec>
 
 // libjpeg patches up damaged data and only warns of it; a picture that is not whole is an error
 // here.
-template <class Codec>
+template <typename Codec>
 void on_message(j_common_ptr codec, int level) {
     const int code = codec->err->msg_code;
     const bool harmless =
@@ -59,7 +59,7 @@ void on_progress(j_common_ptr codec) {
         fail<jpeg_decompress_struct>(codec, "the file has too many scans");
 }
 
-template <class Codec>
+template <typename Codec>
 void catch_errors(Session<Codec>& session) {
     session.codec.err = jpeg_std_error(&session.errors);
     session.codec.client_data = &session;
@@ -86,7 +86,7 @@ struct Writer : Session<jpeg_compress_struct> {
 };
 
 // Runs a step that libjpeg may leave by a long jump, so it must hold nothing that needs destroying.
-template <class Codec, class Step>
+template <typename Codec, typename Step>
 void guarded(Session<Codec>& session, Step step) {
     if (setjmp(session.on_failure) != 0)
         throw std::runtime_error(session.reason.data());
@@ -120,6 +120,18 @@ void read_pixels(Reader& reader, const Picture& picture) {
         }
         jpeg_finish_decompress(&reader.codec);
     });
+}
+
+// Opaque, at full resolution of colour.
+void set_up(jpeg_compress_struct& codec, const PictureView& picture) {
+    codec.image_width = picture.width;
+    codec.image_height = picture.height;
+    codec.input_components = 4;
+    codec.in_color_space = JCS_EXT_RGBX;
+    jpeg_set_defaults(&codec);
+    jpeg_set_quality(&codec, QUALITY, TRUE);
+    codec.comp_info[0].h_samp_factor = 1;
+    codec.comp_info[0].v_samp_factor = 1;
 }
 
 // Turns the four inks of each pixel into opaque RGBA; programs that leave Adobe's mark store the
@@ -159,14 +171,7 @@ void write_jpeg(const PictureView& picture, std::FILE* stream) {
         jpeg_compress_struct& codec = writer.codec;
         jpeg_create_compress(&codec);
         jpeg_stdio_dest(&codec, stream);
-        codec.image_width = picture.width;
-        codec.image_height = picture.height;
-        codec.input_components = 4;
-        codec.in_color_space = JCS_EXT_RGBX;
-        jpeg_set_defaults(&codec);
-        jpeg_set_quality(&codec, QUALITY, TRUE);
-        codec.comp_info[0].h_samp_factor = 1;
-        codec.comp_info[0].v_samp_factor = 1;
+        set_up(codec, picture);
         jpeg_start_compress(&codec, TRUE);
         while (codec.next_scanline < codec.image_height) {
             // libjpeg only reads the row, though its type does not say so.
@@ -178,4 +183,20 @@ void write_jpeg(const PictureView& picture, std::FILE* stream) {
     });
 }
 
-} // namespace image
+void touch_jpeg() {
+    // The choice of vector instructions is what libjpeg keeps, and compressing makes it.
+    unsigned char pixel[4] = {};
+    unsigned char* memory = nullptr;
+    unsigned long size = 0;
+    Writer writer;
+    guarded(writer, [&] {
+        jpeg_compress_struct& codec = writer.codec;
+        jpeg_create_compress(&codec);
+        jpeg_mem_dest(&codec, &memory, &size);
+        set_up(codec, {1, 1, pixel});
+        jpeg_start_compress(&codec, TRUE);
+    });
+    std::free(memory);
+}
+
+} // namespace quillon::codecs

@@ -1,7 +1,8 @@
-#include "image.h"
+#include "picture_files.h"
 
 #include "codecs.h"
-#include "quillon/core/plugin.h"
+
+#include "quillon/containers/names.h"
 
 #include <algorithm>
 #include <array>
@@ -18,7 +19,7 @@
 
 namespace fs = std::filesystem;
 
-namespace image {
+namespace quillon::codecs {
 namespace {
 
 struct Format {
@@ -34,9 +35,6 @@ constexpr Format FORMATS[] = {
     {"\xff\xd8\xff", read_jpeg, write_jpeg, {".jpg", ".jpeg"}},
 };
 
-// Why the last load or save failed.
-std::string last_error;
-
 struct CloseFile {
     void operator()(std::FILE* stream) const { std::fclose(stream); }
 };
@@ -49,9 +47,9 @@ std::vector<std::uint8_t> file_bytes(const char* name) {
     const std::uintmax_t size = fs::file_size(name, failure);
     if (failure)
         throw std::runtime_error(failure.message());
-    if (size > MAX_FILE_BYTES)
-        throw std::runtime_error("the file has more than " + std::to_string(MAX_FILE_BYTES) +
-                                 " bytes");
+    if (size > MAX_PICTURE_FILE_BYTES)
+        throw std::runtime_error("the file has more than " +
+                                 std::to_string(MAX_PICTURE_FILE_BYTES) + " bytes");
     const File file(std::fopen(name, "rb"));
     if (file == nullptr)
         throw std::system_error(errno, std::generic_category());
@@ -75,7 +73,7 @@ const Format& format_of_name(const char* name) {
     const std::string extension = fs::path(name).extension().string();
     const auto* const found = std::ranges::find_if(FORMATS, [&extension](const Format& format) {
         return std::ranges::any_of(format.extensions, [&extension](std::string_view known) {
-            return quillon::equal_ignoring_case(known, extension);
+            return equal_ignoring_case(known, extension);
         });
     });
     return found == std::end(FORMATS) ? FORMATS[0] : *found;
@@ -89,85 +87,71 @@ void write_file(File file, const char* name, const PictureView& picture) {
 }
 
 // A device that the host wrote to is no leftover.
-void remove_leftover(const char* name) {
+void remove_leftover(const fs::path& path) {
     std::error_code ignored;
-    if (fs::is_regular_file(name, ignored))
-        fs::remove(name, ignored);
+    if (fs::is_regular_file(path, ignored))
+        fs::remove(path, ignored);
 }
 
-// Runs `work` and keeps the reason if it throws, so that nothing leaves the plug-in but a false.
-template <class Work>
-bool succeeds(const char* task, const char* name, Work work) {
+void write_or_remove(const char* name, const PictureView& picture) {
+    if (picture.pixels == nullptr || picture.width == 0 || picture.height == 0)
+        throw std::runtime_error("there are no pixels to write");
+    const fs::path path(name); // made now, as there may be no memory for it later
+    File file(std::fopen(name, "wb"));
+    if (file == nullptr)
+        throw std::system_error(errno, std::generic_category());
     try {
-        last_error.clear();
-        work();
-        return true;
-    } catch (const std::exception& failure) {
-        last_error = std::string("cannot ") + task + " '" + name + "': " + failure.what();
+        write_file(std::move(file), name, picture);
+    } catch (...) {
+        remove_leftover(path);
+        throw;
     }
-    return false;
 }
 
-void load_bitmap(const char* name, void* width, void* height, void* pixels) {
+// Runs `work`; if it throws, keeps the reason with what could not be done. So nothing leaves the
+// plug-in but a false, even when there is no memory for the reason.
+template <typename Work>
+bool succeeds(LastError& error, const char* task, const char* name, Work work) {
+    LastError reason;
+    if (reason.guard(work))
+        return error.clear();
+    return error.fail("cannot ", task, " '", name, "': ", reason.text());
+}
+
+} // namespace
+
+Picture make_picture(std::uint32_t width, std::uint32_t height) {
+    if (width > MAX_PICTURE_SIDE || height > MAX_PICTURE_SIDE ||
+        std::uint64_t{width} * height > MAX_PICTURE_PIXELS)
+        throw std::runtime_error(
+            "the picture is larger than this plug-in reads: " + std::to_string(width) + " x " +
+            std::to_string(height) + " pixels, where " + std::to_string(MAX_PICTURE_SIDE) +
+            " a side and " + std::to_string(MAX_PICTURE_PIXELS) + " in all are the most");
+    const std::size_t bytes = std::size_t{width} * height * 4;
+    return {static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(height),
+            std::make_unique_for_overwrite<std::uint8_t[]>(bytes)};
+}
+
+void prepare() {
+    touch_jpeg();
+}
+
+void load_bitmap(LastError& error, const char* name, void* width, void* height, void* pixels) {
     Picture picture{};
-    const bool loaded = succeeds("load", name, [name, &picture] {
+    const bool is_loaded = succeeds(error, "load", name, [name, &picture] {
         const std::vector<std::uint8_t> bytes = file_bytes(name);
         picture = format_of_content(bytes).read(bytes);
     });
-    if (!loaded)
+    if (!is_loaded)
         picture = {};
     *static_cast<std::uint16_t*>(width) = picture.width;
     *static_cast<std::uint16_t*>(height) = picture.height;
     *static_cast<std::uint8_t**>(pixels) = picture.pixels.release();
 }
 
-bool save_bitmap(const char* name, std::uint16_t width, std::uint16_t height,
-                 std::uint8_t* pixels) {
-    return succeeds("save", name, [&] {
-        if (pixels == nullptr || width == 0 || height == 0)
-            throw std::runtime_error("there are no pixels to write");
-        File file(std::fopen(name, "wb"));
-        if (file == nullptr)
-            throw std::system_error(errno, std::generic_category());
-        try {
-            write_file(std::move(file), name, {width, height, pixels});
-        } catch (...) {
-            remove_leftover(name);
-            throw;
-        }
-    });
+bool save_bitmap(LastError& error, const char* name, std::uint16_t width, std::uint16_t height,
+                 const std::uint8_t* pixels) {
+    return succeeds(error, "save", name, [&] { write_or_remove(name, {width, height, pixels}); });
 }
 
-} // namespace
-
-Picture make_picture(std::uint32_t width, std::uint32_t height) {
-    if (width > MAX_SIDE || height > MAX_SIDE || std::uint64_t{width} * height > MAX_PIXELS)
-        throw std::runtime_error(
-            "the picture is larger than this plug-in reads: " + std::to_string(width) + " x " +
-            std::to_string(height) + " pixels, where " + std::to_string(MAX_SIDE) + " a side and " +
-            std::to_string(MAX_PIXELS) + " in all are the most");
-    const std::size_t bytes = std::size_t{width} * height * 4;
-    return {static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(height),
-            std::make_unique_for_overwrite<std::uint8_t[]>(bytes)};
-}
-
-} // namespace image
-
-QUILLON_PLUGIN_SERVES("image", "GRAPHICS")
-QUILLON_PLUGIN_NEEDS_NOTHING()
-
-bool initialize(quillon::DSPrefHashMap<void>*) {
-    return true;
-}
-
-void shutdown() {}
-
-void connect_graphics_interface(void** table) {
-    auto& graphics = quillon::as_table<quillon::GraphicsTable>(table);
-    graphics.load_bitmap = image::load_bitmap;
-    graphics.save_bitmap = image::save_bitmap;
-}
-
-QUILLON_PLUGIN_EXPORT const char* image_last_error() {
-    return image::last_error.c_str();
-}
+} // namespace quillon::codecs

@@ -1,5 +1,4 @@
 #include "codecs.h"
-#include "image.h"
 
 #include <algorithm>
 #include <array>
@@ -9,7 +8,7 @@
 #include <stdexcept>
 #include <string>
 
-namespace image {
+namespace quillon::codecs {
 namespace {
 
 // One reading or writing of libpng, with what its callbacks need.
@@ -63,7 +62,7 @@ struct Writer : Session {
 };
 
 // Runs a step that libpng may leave by a long jump, so it must hold nothing that needs destroying.
-template <class Step>
+template <typename Step>
 void guarded(Session& session, Step step) {
     if (session.info == nullptr)
         throw std::runtime_error("PNG: out of memory");
@@ -142,4 +141,4 @@ void write_png(const PictureView& picture, std::FILE* stream) {
     });
 }
 
-} // namespace image
+} // namespace quillon::codecs

@@ -1,6 +1,6 @@
 #include "image_plugin.h"
 
-#include "plugins/image/image.h"
+#include "plugins/contracts/pictures.h"
 #include "quillon/platform/loader.h"
 
 #include <filesystem>
@@ -17,9 +17,9 @@ Function* image_function(const char* name) {
 
 } // namespace
 
-const quillon::GraphicsTable& image_table() {
-    static const quillon::GraphicsTable table = [] {
-        quillon::GraphicsTable filled{};
+const quillon::Pictures& image_table() {
+    static const quillon::Pictures table = [] {
+        quillon::Pictures filled;
         image_function<void(void**)>("connect_graphics_interface")(
             reinterpret_cast<void**>(&filled));
         return filled;
@@ -28,7 +28,7 @@ const quillon::GraphicsTable& image_table() {
 }
 
 std::string image_error() {
-    return image_function<image::LastError>(image::LAST_ERROR)();
+    return image_table().last_error();
 }
 
 Loaded load_image(const std::string& file) {

@@ -1,7 +1,7 @@
 // The image plug-in, loaded once, and what its entries gave.
 #pragma once
 
-#include "quillon/core/interfaces.h"
+#include "plugins/contracts/pictures.h"
 
 #include <cstdint>
 #include <string>
@@ -17,7 +17,7 @@ struct Loaded {
     std::string error;
 };
 
-const quillon::GraphicsTable& image_table();
+const quillon::Pictures& image_table();
 std::string image_error();
 
 Loaded load_image(const std::string& file);

@@ -2,10 +2,9 @@
 
 #include "command.h"
 #include "plugin_folder.h"
-#include "plugins/image/image.h"
+#include "plugins/contracts/pictures.h"
 #include "quillon/appearance/bitmap.h"
 #include "quillon/core/modules.h"
-#include "quillon/core/plugins.h"
 
 namespace fs = std::filesystem;
 
@@ -13,10 +12,8 @@ namespace tool {
 namespace {
 
 [[noreturn]] void fail(const std::string& what) {
-    const std::int16_t plugin = __mCore_get_first_valid_plugin("Module", "GRAPHICS");
-    auto* const last_error =
-        reinterpret_cast<image::LastError*>(__mCore_get_plugin_function(plugin, image::LAST_ERROR));
-    const std::string reason = last_error == nullptr ? "" : last_error();
+    const auto pictures = quillon::contract<quillon::Pictures>(__mGraphics_instance());
+    const std::string reason = pictures ? pictures->last_error() : pictures.reason;
     throw Failure(reason.empty() ? what + "; the graphics plug-in gave no reason" : reason);
 }
 

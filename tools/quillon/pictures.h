@@ -1,4 +1,4 @@
-// Pictures, read and written by the graphics plug-in as plugins/image/image.h says.
+// Pictures, read and written by the graphics plug-in as plugins/contracts/pictures.h says.
 #pragma once
 
 #include <cstdint>
