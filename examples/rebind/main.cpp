@@ -4,11 +4,10 @@
 // repeat; F1 to F3 choose the action whose input the next press replaces; closing the window ends
 // it.
 //
-// Whoever sees a press posts a message and knows nothing of what it leads to. The game, which
-// repeats an action with delayed messages, and the menu, which rebinds, register for what they
-// want.
+// The loop posts a message for each press, whatever it leads to. The game, which repeats an action
+// with delayed messages, and the menu, which rebinds, register for the messages that they want.
 
-#include <quillon/plugins/input_sdl.h>
+#include <quillon/plugins/input.h>
 #include <quillon/quillon.h>
 
 #include <array>
@@ -147,7 +146,7 @@ void post_presses() {
     }
 }
 
-void play(const quillon::input_sdl::Operations& input) {
+void play(const quillon::Input& input) {
     using Clock = std::chrono::steady_clock;
     Game game;
     Menu menu;
@@ -168,18 +167,16 @@ void play(const quillon::input_sdl::Operations& input) {
 
 int main() {
     __mCore_open();
-    const std::string_view plugin =
-        __mCore_get_plugin_name(__mCore_get_first_valid_plugin("Module", "INPUT"));
-    if (__mInput_instance()->interface == nullptr || plugin != "input-sdl") {
-        std::cerr << "rebind: no input; put the plug-in input-sdl into the folder 'plugin'\n";
+    const auto input = quillon::contract<quillon::Input>(__mInput_instance());
+    if (!input) {
+        std::cerr << "rebind: " << input.reason << "; put input-sdl into the folder 'plugin'\n";
         return 1;
     }
-    const auto& input = quillon::input_sdl::operations(__mInput_instance()->interface);
-    if (!input.open_window("rebind", 320, 120)) {
-        std::cerr << "rebind: no window: " << input.last_error() << "; start it in a desktop\n";
+    if (!input->open_window("rebind", 320, 120)) {
+        std::cerr << "rebind: no window: " << input->last_error() << "; start it in a desktop\n";
         return 1;
     }
     print_bindings();
-    play(input);
+    play(*input);
     return 0;
 }

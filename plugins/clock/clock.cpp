@@ -1,4 +1,5 @@
-// Serves SYSTEM: entry 11 sleeps the given number of seconds.
+// Serves SYSTEM: the time since the start, and pauses.
+#include "plugins/contracts/system.h"
 #include "quillon/core/plugin.h"
 
 #include <algorithm>
@@ -7,13 +8,21 @@
 
 namespace {
 
-// A day: what is asked for by mistake must end too, and the system's clocks can count it.
+using Clock = std::chrono::steady_clock;
+using Seconds = std::chrono::duration<double>;
+
+// A day: a pause that is asked for by mistake must end too, and the system's clocks can count it.
 constexpr double MAX_SECONDS = 24 * 60 * 60;
 
-// Returns at once for 0, less, and what is no number; sleeps MAX_SECONDS for more.
+constinit Clock::time_point start{};
+
+double get_time() {
+    return Seconds(Clock::now() - start).count();
+}
+
 void pause(const double& seconds) {
     if (seconds > 0)
-        std::this_thread::sleep_for(std::chrono::duration<double>(std::min(seconds, MAX_SECONDS)));
+        std::this_thread::sleep_for(Seconds(std::min(seconds, MAX_SECONDS)));
 }
 
 } // namespace
@@ -21,12 +30,14 @@ void pause(const double& seconds) {
 QUILLON_PLUGIN_SERVES("clock", "SYSTEM")
 QUILLON_PLUGIN_NEEDS_NOTHING()
 
-bool initialize(quillon::DSPrefHashMap<void>*) {
-    return true;
+bool initialize(quillon::DSPrefHashMap<void>* parameters) {
+    start = Clock::now();
+    return quillon::is_wanted(parameters, "SYSTEM", "clock");
 }
 
 void shutdown() {}
 
 void connect_system_interface(void** table) {
-    quillon::as_table<quillon::SystemTable>(table).pause = pause;
+    quillon::serve<quillon::System>(
+        table, {.last_error = [] { return ""; }, .get_time = get_time, .pause = pause});
 }

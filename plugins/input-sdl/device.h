@@ -1,6 +1,8 @@
-// Everything that the plug-in reads, moved on by one update a frame.
+// Keyboard, mouse and pads, read by one update a frame.
 #pragma once
 
+#include "event_feed.h"
+#include "own_window.h"
 #include "pads.h"
 #include "states.h"
 
@@ -15,31 +17,37 @@ public:
     void close();
 
     void update();
+    // Opens none, and returns true, while another window of the program has the focus.
     bool open_window(const char* title, int width, int height);
 
-    bool quit_requested() const { return quitRequested; }
+    bool quit_requested() const { return quit; }
 
-    const char* last_error() const { return lastError; }
+    bool has_focus() const { return focused; }
 
-    const DigitalStates& digital() const { return digitalStates; }
+    const char* last_error() const { return error; }
 
-    const AnalogStates& analog() const { return analogStates; }
+    const DigitalStates& digital() const { return digital_states; }
 
-    const Pads& pads() const { return openPads; }
+    const AnalogStates& analog() const { return analog_states; }
+
+    const Pads& pads() const { return open_pads; }
 
 private:
     void handle(const SDL_Event& event);
-    void serve_window();
+    void set_digital(std::int16_t code, bool down);
     bool open_display();
     bool fail(const char* reason);
 
-    DigitalStates digitalStates;
-    AnalogStates analogStates;
-    Pads openPads;
-    SDL_Window* window = nullptr;
-    bool hasDisplay = false;
-    bool quitRequested = false;
-    char lastError[256] = "";
+    EventFeed feed;
+    std::vector<SDL_Event> events; // of the current update
+    DigitalStates digital_states;
+    AnalogStates analog_states;
+    Pads open_pads;
+    OwnWindow window;
+    bool has_display = false;
+    bool focused = false;
+    bool quit = false;
+    char error[256] = "";
 };
 
 } // namespace quillon::input_sdl

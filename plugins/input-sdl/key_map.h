@@ -1,4 +1,4 @@
-// Which key of the keyboard each code stands for.
+// The key of the keyboard for each code.
 //
 // By position: a code is one physical key, named as on a US keyboard. So every code has exactly one
 // key on every keyboard, whatever the layout (the eleven punctuation codes are the keys of a US

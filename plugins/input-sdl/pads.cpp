@@ -1,6 +1,6 @@
 #include "pads.h"
 
-#include "input_sdl.h"
+#include "plugins/contracts/input.h"
 
 #include <algorithm>
 
@@ -51,7 +51,7 @@ constexpr float LONGEST_RUMBLE_SECONDS = 60;
 
 constexpr Uint8 HAT_BITS[HAT_DIRECTIONS] = {SDL_HAT_LEFT, SDL_HAT_RIGHT, SDL_HAT_UP, SDL_HAT_DOWN};
 
-// The pad-relative code of each button that SDL tells of, or NO_INPUT.
+// The pad-relative code of each of SDL's buttons, or NO_INPUT.
 constexpr auto BUTTON_CODES = [] {
     std::array<std::int16_t, SDL_CONTROLLER_BUTTON_MAX> codes{};
     codes.fill(NO_INPUT);
@@ -77,14 +77,14 @@ float travel(Sint16 raw) {
 }
 
 // `value`, held to 0 to `limit`, in steps of which `scale` make 1.
-template <class Steps>
+template <typename Steps>
 Steps scaled(float value, float limit, float scale) {
     return value > 0 ? static_cast<Steps>(std::min(value, limit) * scale) : Steps{0};
 }
 
 // Sets `code` while `distance` is in the zone that starts at `start`, and returns whether it is.
 bool set_zone(DigitalStates& digital, int code, float distance, float start) {
-    const bool inside = digital.answer(DigitalStates::Down, static_cast<std::uint16_t>(code));
+    const bool inside = digital.answer(DigitalStates::DOWN, static_cast<std::uint16_t>(code));
     const bool stays = distance >= (inside ? start - AXIS_ZONE_SLACK : start);
     digital.set(code, stays);
     return stays;

@@ -1,4 +1,4 @@
-// Up to four pads and the codes that their buttons, axes and hats stand for.
+// Up to four pads, and the codes of their buttons, axes and hats.
 #pragma once
 
 #include "states.h"
@@ -15,7 +15,7 @@ namespace quillon::input_sdl {
 // a binding means the same on each; any other has its own first 16 buttons, 4 axes and 2 hats.
 class Pads {
 public:
-    // Gives the free numbers to pads that are plugged in and have none.
+    // Numbers the pads that are plugged in and have no number yet, as far as numbers are free.
     void open_waiting();
     void close_all();
 

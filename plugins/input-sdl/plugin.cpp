@@ -1,7 +1,8 @@
 // The plug-in "input-sdl": the input module's table, answered by one Device.
 #include "device.h"
-#include "input_sdl.h"
 #include "key_map.h"
+
+#include "plugins/contracts/input.h"
 
 #include "quillon/core/plugin.h"
 
@@ -26,8 +27,8 @@ const char* key_label(std::uint16_t code) {
 
 } // namespace
 
-bool initialize(quillon::DSPrefHashMap<void>* /*parameters*/) {
-    return device.open();
+bool initialize(quillon::DSPrefHashMap<void>* parameters) {
+    return quillon::is_wanted(parameters, "INPUT", "input-sdl") && device.open();
 }
 
 void shutdown() {
@@ -38,24 +39,25 @@ QUILLON_PLUGIN_SERVES("input-sdl", "INPUT")
 QUILLON_PLUGIN_NEEDS_NOTHING()
 
 void connect_input_interface(void** table) {
-    auto& input = quillon::as_table<quillon::InputTable>(table);
-    input.key_down = answer<DigitalStates::Down>;
-    input.key_press = answer<DigitalStates::Press>;
-    input.key_hold_press = answer<DigitalStates::HoldPress>;
-    input.key_release = answer<DigitalStates::Release>;
-    input.key_double_click = answer<DigitalStates::DoubleClick>;
-    input.axis_value = [](std::uint16_t code) { return device.analog().value(code); };
-    input.axis_delta = [](std::uint16_t code) { return device.analog().delta(code); };
-
-    quillon::as_table<quillon::input_sdl::Operations>(table) = {
-        .update = [] { device.update(); },
-        .open_window = [](const char* title, int width,
-                          int height) { return device.open_window(title, width, height); },
-        .quit_requested = [] { return device.quit_requested(); },
-        .pad_name = [](std::uint16_t pad) { return device.pads().name(pad); },
-        .key_label = key_label,
-        .rumble = [](std::uint16_t pad, float slow, float fast,
-                     float seconds) { return device.pads().rumble(pad, slow, fast, seconds); },
-        .last_error = [] { return device.last_error(); },
-    };
+    quillon::serve<quillon::Input>(
+        table,
+        {
+            .last_error = [] { return device.last_error(); },
+            .update = [] { device.update(); },
+            .open_window = [](const char* title, int width,
+                              int height) { return device.open_window(title, width, height); },
+            .quit_requested = [] { return device.quit_requested(); },
+            .has_focus = [] { return device.has_focus(); },
+            .pad_name = [](std::uint16_t pad) { return device.pads().name(pad); },
+            .key_label = key_label,
+            .rumble = [](std::uint16_t pad, float slow, float fast,
+                         float seconds) { return device.pads().rumble(pad, slow, fast, seconds); },
+            .key_down = answer<DigitalStates::DOWN>,
+            .key_press = answer<DigitalStates::PRESS>,
+            .key_hold_press = answer<DigitalStates::HOLD_PRESS>,
+            .key_release = answer<DigitalStates::RELEASE>,
+            .key_double_click = answer<DigitalStates::DOUBLE_CLICK>,
+            .axis_value = [](std::uint16_t code) { return device.analog().value(code); },
+            .axis_delta = [](std::uint16_t code) { return device.analog().delta(code); },
+        });
 }

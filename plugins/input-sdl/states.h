@@ -1,4 +1,4 @@
-// What the plug-in knows of every code, apart from where it comes from.
+// The state of every input code, whatever device it comes from.
 #pragma once
 
 #include "quillon/input/codes.h"
@@ -9,20 +9,21 @@
 
 namespace quillon::input_sdl {
 
-// The digital inputs: which are down, and which edges the current update shows.
+// The digital inputs: those that are down, and the edges that the current update shows.
 //
 // A code outside the tables is never down.
 class DigitalStates {
 public:
-    enum Question : std::size_t { Down, Press, HoldPress, Release, DoubleClick, QuestionCount };
+    enum Question : std::size_t { DOWN, PRESS, HOLD_PRESS, RELEASE, DOUBLE_CLICK, QUESTION_COUNT };
 
     // Ends the edges that have been visible long enough; `now` in seconds, never falling.
     void begin_update(double now);
 
-    // Repeating what is known already changes nothing.
+    // Repeating the current state changes nothing.
     void set(int code, bool down);
+    void release_all();
 
-    // Finds the holds, then answers for the three kinds of Any from their keys or buttons.
+    // Finds the holds, then the three kinds of Any from their keys or buttons.
     void end_update();
 
     bool answer(Question question, std::uint16_t code) const {
@@ -31,10 +32,10 @@ public:
 
 private:
     struct State {
-        std::array<bool, QuestionCount> answers{};
-        double pressedAt = 0;
-        double releasedAt = 0;
-        double holdsAt = 0;
+        std::array<bool, QUESTION_COUNT> answers{};
+        double pressed_at = 0;
+        double released_at = 0;
+        double holds_at = 0;
         bool clicked = false; // its last press may become the first half of a double click
     };
 
@@ -55,7 +56,7 @@ public:
 
     float value(std::uint16_t code) const { return code < values.size() ? values[code] : 0; }
 
-    // What the last update changed.
+    // The change of the last update.
     float delta(std::uint16_t code) const {
         return code < values.size() ? values[code] - previous[code] : 0;
     }

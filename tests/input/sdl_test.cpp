@@ -1,6 +1,6 @@
 // The plug-in "input-sdl" as a host has it, with SDL's virtual pads and a real window in a virtual
 // display, where xdotool is the user.
-#include "plugins/input-sdl/input_sdl.h"
+#include "plugins/contracts/input.h"
 #include "quillon/core/modules.h"
 #include "quillon/core/plugins.h"
 #include "quillon/input/analog.h"
@@ -11,13 +11,16 @@
 
 #include <SDL.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
-#include <iostream>
 #include <string>
+#include <thread>
+#include <utility>
+#include <vector>
 
 // What the message bus library keeps for the life of the process is not the plug-in's to free.
 extern "C" [[gnu::visibility("default")]] const char* __lsan_default_suppressions();
@@ -31,8 +34,9 @@ namespace {
 using quillon::cInputAnalog;
 using quillon::cInputDigital;
 
-const quillon::input_sdl::Operations& plugin() {
-    return quillon::input_sdl::operations(__mInput_instance()->interface);
+const quillon::Input& plugin() {
+    static const auto input = quillon::contract<quillon::Input>(__mInput_instance());
+    return *input;
 }
 
 // Starts an X server on a free display; it ends with this process, once the plug-in has let go.
@@ -49,18 +53,17 @@ std::string start_display() {
 // One host for all tests, with the plug-ins of the build tree.
 class Host : public testing::Environment {
 public:
-    static inline bool hasDisplay = false;
+    static inline bool has_display = false;
 
     void SetUp() override {
         const std::string display = start_display();
-        hasDisplay = !display.empty();
-        setenv(hasDisplay ? "DISPLAY" : "SDL_VIDEODRIVER", hasDisplay ? display.c_str() : "dummy",
+        has_display = !display.empty();
+        setenv(has_display ? "DISPLAY" : "SDL_VIDEODRIVER", has_display ? display.c_str() : "dummy",
                1);
         std::filesystem::current_path(BUILD_FOLDER);
         __mCore_open();
-        ASSERT_STREQ("input-sdl",
-                     __mCore_get_plugin_name(__mCore_get_first_valid_plugin("Module", "INPUT")));
-        EXPECT_EQ(hasDisplay, plugin().open_window("quillon test", 320, 200))
+        ASSERT_TRUE(quillon::contract<quillon::Input>(__mInput_instance()));
+        EXPECT_EQ(has_display, plugin().open_window("quillon test", 320, 200))
             << plugin().last_error();
     }
 };
@@ -99,43 +102,26 @@ void type(const std::string& command) {
 class SdlWindow : public testing::Test {
 protected:
     void SetUp() override {
-        if (Host::hasDisplay)
+        if (Host::has_display)
             return;
-        const char* const missing =
-            "keys and the mouse are NOT TESTED: apt-get install xvfb xdotool";
-        ASSERT_EQ(nullptr, std::getenv("CI")) << missing;
-        std::cerr << missing << "\n";
-        GTEST_SKIP();
+        ASSERT_EQ(nullptr, std::getenv("CI")) << "apt-get install xvfb xdotool";
+        GTEST_SKIP() << "keys and the mouse are NOT TESTED: apt-get install xvfb xdotool";
     }
 };
 
 TEST_F(SdlWindow, KeysHaveTheirCodes) {
-    const struct {
-        const char* keysym; // what xdotool calls it
-        const char* name;
-    } rows[] = {
-        {"Return", "Enter"},
-        {"Prior", "Page Up"},
-        {"a", "A"},
-        {"z", "Z"},
-        {"0", "0"},
-        {"1", "1"},
-        {"9", "9"},
-        {"F12", "F12"},
-        {"KP_Insert", "Keypad 0"},
-        {"KP_Prior", "Keypad 9"},
-        {"equal", "+"},
-        {"semicolon", ":"},
-        {"comma", "<"},
-    };
-
-    for (const auto& row : rows) {
-        const cInputDigital binding = key(row.name);
-        type(std::string("key ") + row.keysym);
-        EXPECT_TRUE(eventually([&] { return binding.query_press(); })) << row.name;
-        EXPECT_TRUE(key("Any Key").query_press()) << row.name;
-        EXPECT_TRUE(binding.query_release() || eventually([&] { return binding.query_release(); }))
-            << row.name;
+    using Row = std::pair<const char*, const char*>; // what xdotool calls it, and its display name
+    for (const auto& [keysym, name] :
+         {Row("Return", "Enter"), Row("Prior", "Page Up"), Row("a", "A"), Row("z", "Z"),
+          Row("0", "0"), Row("1", "1"), Row("9", "9"), Row("F12", "F12"),
+          Row("KP_Insert", "Keypad 0"), Row("KP_Prior", "Keypad 9"), Row("equal", "+"),
+          Row("semicolon", ":"), Row("comma", "<")}) {
+        SCOPED_TRACE(name);
+        const cInputDigital binding = key(name);
+        type(std::string("key ") + keysym);
+        EXPECT_TRUE(eventually([&] { return binding.query_press(); }));
+        EXPECT_TRUE(key("Any Key").query_press());
+        EXPECT_TRUE(binding.query_release() || eventually([&] { return binding.query_release(); }));
     }
     EXPECT_STREQ(";", plugin().key_label(static_cast<std::uint16_t>(quillon::digital_code(":"))));
     EXPECT_EQ(nullptr, plugin().key_label(quillon::ANY_MOUSE));
@@ -187,10 +173,104 @@ TEST_F(SdlWindow, ToolShowsWhatIsPressed) {
     EXPECT_THAT(shown, testing::ContainsRegex("bound: Mouse X +\\[ +\\| +\\] \\+0.00\n"));
 }
 
-TEST_F(SdlWindow, ClosingItIsSeen) {
+TEST_F(SdlWindow, IsPaintedAndMakesWayForAnother) {
+    type("search --sync --name 'quillon test' windowfocus --sync");
+    ASSERT_TRUE(eventually([] { return plugin().has_focus(); }));
+    SDL_Window* const own = SDL_GetKeyboardFocus();
+    const Uint32 own_id = SDL_GetWindowID(own);
+    EXPECT_NE(0, *static_cast<Uint8*>(SDL_GetWindowSurface(own)->pixels));
+    EXPECT_FALSE(plugin().open_window("second", 8, 8));
+    EXPECT_STREQ("the window is open already", plugin().last_error());
+
+    SDL_Window* const other = SDL_CreateWindow("other", 0, 0, 64, 48, 0);
+    type("search --sync --name '^other$' windowfocus --sync");
+    EXPECT_TRUE(eventually([&] { return SDL_GetWindowFromID(own_id) == nullptr; }));
+    EXPECT_TRUE(plugin().has_focus());
+    EXPECT_TRUE(plugin().open_window("not needed", 8, 8));
+    SDL_DestroyWindow(other);
+    EXPECT_TRUE(eventually([] { return !plugin().has_focus(); }));
+    EXPECT_TRUE(plugin().open_window("quillon test", 320, 200)) << "the first one is gone";
+}
+
+void push(SDL_Event event) {
+    EXPECT_EQ(1, SDL_PushEvent(&event));
+}
+
+void push_key(SDL_Scancode key, bool pressed) {
+    SDL_Event event{.type = pressed ? SDL_KEYDOWN : SDL_KEYUP};
+    event.key.state = pressed ? SDL_PRESSED : SDL_RELEASED;
+    event.key.keysym.scancode = key;
+    push(event);
+}
+
+class SdlEvents : public testing::Test {
+protected:
+    void SetUp() override { SDL_FlushEvents(SDL_FIRSTEVENT, SDL_LASTEVENT); }
+};
+
+TEST_F(SdlEvents, HostThatPollsTheQueueTakesNoKeyAndLosesNone) {
+    int pressed = 0;
+    int polled = 0;
+    for (int tap = 0; tap < 20; ++tap) {
+        push_key(SDL_SCANCODE_SPACE, true);
+        push_key(SDL_SCANCODE_SPACE, false);
+        if (tap % 2 == 0)
+            plugin().update();
+        for (SDL_Event event; SDL_PollEvent(&event) != 0;)
+            polled += event.type == SDL_KEYDOWN ? 1 : 0;
+        if (tap % 2 != 0)
+            plugin().update();
+        pressed += key("Space").query_press() ? 1 : 0;
+    }
+    EXPECT_EQ(20, pressed);
+    EXPECT_EQ(20, polled);
+}
+
+TEST_F(SdlEvents, ComeFromAnyThread) {
+    constexpr int MOTIONS = 2000;
+    std::thread mouse([] {
+        SDL_Event motion{.type = SDL_MOUSEMOTION};
+        motion.motion.xrel = 1;
+        for (int i = 0; i < MOTIONS; ++i)
+            push(motion);
+    });
+    float moved = 0;
+    EXPECT_TRUE(eventually([&] {
+        moved += __mInput_instance()->axis_value(quillon::MOUSE_X);
+        return moved >= MOTIONS;
+    }));
+    mouse.join();
+    EXPECT_EQ(MOTIONS, moved);
+}
+
+TEST_F(SdlEvents, TooManyBetweenUpdatesReleaseAllKeys) {
+    push_key(SDL_SCANCODE_A, true);
+    plugin().update();
+    for (int i = 0; i < 5000; ++i)
+        push_key(SDL_SCANCODE_B, i % 2 == 0);
+    plugin().update();
+    EXPECT_FALSE(down("A") || down("B"));
+}
+
+TEST_F(SdlEvents, UnreadOnesAreDroppedAfterSecondsButNotTheHostsOwn) {
+    SDL_Event old{};
+    for (const Uint32 type : {SDL_KEYUP, SDL_USEREVENT}) {
+        old.type = type;
+        old.common.timestamp = SDL_GetTicks() - 11'000;
+        SDL_PeepEvents(&old, 1, SDL_ADDEVENT, type, type);
+    }
+    push_key(SDL_SCANCODE_A, false);
+    plugin().update();
+    std::vector<Uint32> left;
+    for (SDL_Event event; SDL_PollEvent(&event) != 0;)
+        left.push_back(event.type);
+    EXPECT_THAT(left, testing::IsSupersetOf({Uint32{SDL_USEREVENT}, Uint32{SDL_KEYUP}}));
+    EXPECT_EQ(1, std::ranges::count(left, Uint32{SDL_KEYUP}));
+}
+
+TEST_F(SdlEvents, QuitIsSeenByTheNextUpdate) {
+    push({.type = SDL_QUIT});
     EXPECT_FALSE(plugin().quit_requested());
-    SDL_Event quit{.type = SDL_QUIT};
-    SDL_PushEvent(&quit);
     plugin().update();
     EXPECT_TRUE(plugin().quit_requested());
 }
@@ -248,7 +328,7 @@ TEST(SdlPads, AnyPadHasItsButtonsAndHatsInOrder) {
         EXPECT_TRUE(!down("Pad 1 Any") && binding.query_release()) << button;
     }
     pad.button(17, true);
-    EXPECT_FALSE(key("Pad 1 Axis 1 -").query_press()) << "the code behind the last button";
+    EXPECT_FALSE(key("Pad 1 Axis 1 -").query_press()) << "the code after the last button";
     pad.hat(0, SDL_HAT_LEFTUP);
     EXPECT_TRUE(down("Pad 1 Hat 1 Left") && down("Pad 1 Hat 1 Up"));
     pad.hat(0, SDL_HAT_UP);
@@ -256,7 +336,7 @@ TEST(SdlPads, AnyPadHasItsButtonsAndHatsInOrder) {
     pad.hat(1, SDL_HAT_DOWN);
     EXPECT_TRUE(down("Pad 1 Hat 2 Down"));
     pad.hat(2, SDL_HAT_RIGHT);
-    EXPECT_FALSE(down("Pad 2 Btn 1")) << "the code behind the last hat";
+    EXPECT_FALSE(down("Pad 2 Btn 1")) << "the code after the last hat";
 }
 
 TEST(SdlPads, AxesHaveValuesAndZones) {

@@ -1,6 +1,6 @@
 #include "input_view.h"
 
-#include "plugins/input-sdl/input_sdl.h"
+#include "plugins/contracts/input.h"
 #include "quillon/core/modules.h"
 #include "quillon/input/names.h"
 
@@ -54,8 +54,7 @@ std::string axis_line(cInputAnalog axis) {
     return label(axis.display_name()) + bar(axis.query()) + "\n";
 }
 
-std::string axis_lines() {
-    const auto& plugin = quillon::input_sdl::operations(__mInput_instance()->interface);
+std::string axis_lines(const quillon::Input& plugin) {
     std::string lines =
         axis_line({.code = quillon::MOUSE_X}) + axis_line({.code = quillon::MOUSE_Y});
     for (std::int16_t pad = 0; pad < quillon::PAD_COUNT; ++pad) {
@@ -96,8 +95,8 @@ struct Answers {
 
 } // namespace
 
-std::string input_view(std::span<const Binding> bindings) {
-    std::string text = label("pressed") + pressed_names() + "\n" + axis_lines();
+std::string input_view(const quillon::Input& plugin, std::span<const Binding> bindings) {
+    std::string text = label("pressed") + pressed_names() + "\n" + axis_lines(plugin);
     for (const Binding& binding : bindings)
         text += label("bound: " + binding.text) + std::visit(Answers(), binding.input) + "\n";
     return text;

@@ -4,32 +4,29 @@
 #include "input_view.h"
 #include "platform.h"
 #include "plugin_folder.h"
-#include "plugins/input-sdl/input_sdl.h"
+#include "plugins/contracts/input.h"
 #include "quillon/core/modules.h"
-#include "quillon/core/plugins.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <chrono>
 #include <iostream>
-#include <string_view>
 #include <thread>
 
 namespace tool {
 namespace {
 
-constexpr const char* PLUGIN = "input-sdl";
 constexpr const char* WINDOW = "quillon inputs";
 constexpr auto FRAME = std::chrono::milliseconds(16);
 
-constexpr int MOST_FRAMES = 1'000'000'000;
+constexpr int MAX_FRAMES = 1'000'000'000;
 
 struct Arguments {
     std::vector<std::string> bindings;
     int frames = 0;
 };
 
-// Why a text is no binding, or nothing.
+// Why a text is not a binding; empty if it is.
 std::string fault_of(const std::string& text) {
     try {
         parse_binding(text);
@@ -39,18 +36,16 @@ std::string fault_of(const std::string& text) {
     }
 }
 
-const quillon::input_sdl::Operations& open_input() {
+const quillon::Input& open_input() {
     const auto folder = default_plugin_folder();
     open_plugins(folder);
-    void* const* const table = __mInput_instance()->interface;
-    const std::int16_t serving = __mCore_get_first_valid_plugin("Module", "INPUT");
-    if (table == nullptr || __mCore_get_plugin_name(serving) != std::string_view(PLUGIN))
-        throw Failure("the plug-in '" + std::string(PLUGIN) + "' in '" + folder.string() +
-                      "' does not serve INPUT; 'quillon plugins' tells why");
-    return quillon::input_sdl::operations(table);
+    const auto input = quillon::contract<quillon::Input>(__mInput_instance());
+    if (!input)
+        throw Failure(input.reason + " in '" + folder.string() + "'; 'quillon plugins' says more");
+    return *input;
 }
 
-// Shows each frame in the place of the last, or one below the other in a file.
+// Shows each frame in the place of the last one, or below it in a file.
 class Screen {
 public:
     void show(const std::string& frame) {
@@ -73,7 +68,7 @@ ExitCode show_inputs(const Arguments& arguments) {
     std::ranges::transform(arguments.bindings, std::back_inserter(bindings), parse_binding);
     const auto& input = open_input();
     if (input.open_window(WINDOW, 480, 160))
-        std::cerr << "keys and the mouse count while the window '" << WINDOW
+        std::cerr << "keys and the mouse are read while the window '" << WINDOW
                   << "' is in focus; close it to end\n";
     else
         std::cerr << "no keys and no mouse, only pads: " << input.last_error() << "\n";
@@ -83,7 +78,7 @@ ExitCode show_inputs(const Arguments& arguments) {
         input.update();
         if (input.quit_requested())
             break;
-        screen.show(input_view(bindings));
+        screen.show(input_view(input, bindings));
         std::this_thread::sleep_for(FRAME);
     }
     return SUCCESS;
@@ -99,7 +94,7 @@ Action declare_inputs(CLI::App& app) {
         ->allow_extra_args(false)
         ->check(fault_of);
     app.add_option("--frames", arguments->frames, "End by itself after so many frames")
-        ->check(CLI::Range(1, MOST_FRAMES));
+        ->check(CLI::Range(1, MAX_FRAMES));
     return [arguments] { return show_inputs(*arguments); };
 }
 
