@@ -16,7 +16,8 @@ inline constexpr const char* LIBRARY_EXTENSION = ".so";
 
 // A handle of the loaded library, to be given back with release_library; null if it does not load.
 //
-// A path of more than PATH_LIMIT characters, and one that is no regular file, does not load.
+// A path of more than PATH_LIMIT characters does not load, nor does a file that is not a regular
+// one or that ends before its segments do.
 void* load_library(const std::string& path);
 
 // The function that the library itself exports under `name`; null if there is none.

@@ -2,24 +2,74 @@
 
 #include "quillon/platform/paths.h"
 
+#include <cstdint>
+#include <cstring>
+
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <link.h>
 #include <sys/stat.h>
+#include <unistd.h>
+
+#ifdef __GLIBC_PREREQ
+    #if __GLIBC_PREREQ(2, 35)
+        #define HAS_FIND_OBJECT
+    #endif
+#endif
 
 namespace quillon::platform {
 namespace {
 
-// Opening a pipe would wait for a writer that never comes.
-bool is_regular_file(const std::string& path) {
+// A file that is open for reading, if it could be opened.
+class OpenFile {
+public:
+    explicit OpenFile(const std::string& path) : file(open(path.c_str(), O_RDONLY | O_CLOEXEC)) {}
+
+    OpenFile(const OpenFile&) = delete;
+    OpenFile& operator=(const OpenFile&) = delete;
+
+    ~OpenFile() {
+        if (file >= 0)
+            close(file);
+    }
+
+    template <typename Record>
+    bool read(Record& record, std::uint64_t offset) const {
+        constexpr auto SIZE = static_cast<ssize_t>(sizeof(Record));
+        return pread(file, &record, sizeof(Record), static_cast<off_t>(offset)) == SIZE;
+    }
+
+private:
+    int file;
+};
+
+// The loader maps the segments without a look at the length of the file, and what it touches beyond
+// the end of a file that was cut off ends the process by a signal.
+bool has_whole_segments(const OpenFile& file, std::uint64_t size) {
+    ElfW(Ehdr) header;
+    if (!file.read(header, 0) || std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0)
+        return false;
+    for (unsigned i = 0; i < header.e_phnum; ++i) {
+        ElfW(Phdr) segment;
+        if (!file.read(segment, header.e_phoff + std::uint64_t{i} * header.e_phentsize) ||
+            segment.p_offset > size || segment.p_filesz > size - segment.p_offset)
+            return false;
+    }
+    return true;
+}
+
+bool can_be_loaded(const std::string& path) {
     struct stat status {};
 
-    return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+    // Opening a pipe would wait for a writer that never comes.
+    return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
+           has_whole_segments(OpenFile(path), static_cast<std::uint64_t>(status.st_size));
 }
 
 // The library that holds `address`. glibc finds it in logarithmic time where it can, while dladdr
 // walks every loaded library, which makes loading many plug-ins quadratic.
 const void* library_at(void* address) {
-#if defined(__GLIBC__) && __GLIBC_PREREQ(2, 35)
+#ifdef HAS_FIND_OBJECT
     dl_find_object found{};
     return _dl_find_object(address, &found) == 0 ? found.dlfo_link_map : nullptr;
 #else
@@ -33,7 +83,7 @@ const void* library_at(void* address) {
 } // namespace
 
 void* load_library(const std::string& path) {
-    if (wide_length(path) > PATH_LIMIT || !is_regular_file(path))
+    if (wide_length(path) > PATH_LIMIT || !can_be_loaded(path))
         return nullptr;
     return dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
 }
