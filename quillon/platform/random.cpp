@@ -1,8 +1,8 @@
 #include "quillon/platform/random.h"
 
 #include <cstdlib>
-#include <exception>
 #include <random>
+#include <stdexcept>
 
 namespace quillon::platform {
 
@@ -13,7 +13,7 @@ int runtime_rand() {
 std::uint32_t random_seed() {
     try {
         return std::random_device{}();
-    } catch (const std::exception&) {
+    } catch (const std::runtime_error&) {
         // No device: the address of the stack, which the system draws anew for each process.
         const int on_stack = 0;
         return static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(&on_stack) >> 4);
