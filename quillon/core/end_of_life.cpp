@@ -1,11 +1,12 @@
 #include "quillon/core/end_of_life.h"
 
-#include <cstdlib>
+#include "quillon/platform/exit.h"
 
 namespace quillon {
 namespace {
 
 constinit EndOfLifeEntry* latest = nullptr;
+constinit bool has_begun = false;
 
 } // namespace
 
@@ -15,6 +16,7 @@ void register_for_end_of_life(EndOfLifeEntry& entry) {
 }
 
 void run_end_of_life() {
+    has_begun = true;
     while (latest != nullptr) {
         EndOfLifeEntry& entry = *latest;
         latest = entry.earlier;
@@ -22,9 +24,13 @@ void run_end_of_life() {
     }
 }
 
+bool end_of_life_has_begun() {
+    return has_begun;
+}
+
 void run_end_of_life_before_exit_handlers() {
     // Without memory for one more handler, an earlier one does the work.
-    static_cast<void>(std::atexit(run_end_of_life));
+    platform::call_at_unload_or_exit(run_end_of_life);
 }
 
 } // namespace quillon

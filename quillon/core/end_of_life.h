@@ -22,8 +22,20 @@ void register_for_end_of_life(EndOfLifeEntry& entry);
 // Destroys what is on the list, latest first. Does nothing more when it is called again.
 void run_end_of_life();
 
-// Makes the list run ahead of every exit handler that exists now.
+// True once the list has begun to run.
+bool end_of_life_has_begun();
+
+// Makes the list run before every exit handler that exists now.
 void run_end_of_life_before_exit_handlers();
+
+// Does so when the scope is left, also by an exception.
+struct EndOfLifeComesFirst {
+    EndOfLifeComesFirst() = default;
+    EndOfLifeComesFirst(const EndOfLifeComesFirst&) = delete;
+    EndOfLifeComesFirst& operator=(const EndOfLifeComesFirst&) = delete;
+
+    ~EndOfLifeComesFirst() { run_end_of_life_before_exit_handlers(); }
+};
 
 // An object in static storage, built on first use and destroyed by the end-of-life list. A use
 // after that builds it anew, so that every export still answers.
