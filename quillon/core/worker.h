@@ -12,8 +12,9 @@ class cThread {
 public:
     // A thread's whole run; or for a worker, whether there is work (not 0).
     virtual std::uint32_t run() = 0;
-    // A worker's work.
-    virtual void work() = 0;
+
+    // A worker's work. A plain thread has none.
+    virtual void work() {}
 
     std::uint32_t threadState = 0; // 0 once the run has ended
     bool stopRequested = false;    // ends a worker before its next pass
