@@ -3,13 +3,29 @@
 
 #include "quillon/export.h"
 
+#include <memory>
+
 namespace quillon {
 
-// One name of a listing. The caller frees each `name` with `delete[]` and each entry with `delete`.
+// One name of a listing. The caller frees each `name` with `delete[]` and each entry with `delete`,
+// or leaves both to a FileListOwner.
 struct cFileListEntry {
     char* name;
     cFileListEntry* next;
 };
+
+struct DeleteFileList {
+    void operator()(cFileListEntry* first) const {
+        while (first != nullptr) {
+            const std::unique_ptr<cFileListEntry> entry(first);
+            const std::unique_ptr<char[]> name(entry->name);
+            first = entry->next;
+        }
+    }
+};
+
+// Owns a whole listing: `const FileListOwner files(__mFileOps_collect_files("data", ".png"));`
+using FileListOwner = std::unique_ptr<cFileListEntry, DeleteFileList>;
 
 } // namespace quillon
 

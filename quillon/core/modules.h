@@ -2,6 +2,7 @@
 #pragma once
 
 #include "quillon/containers/list.h"
+#include "quillon/core/file_list.h"
 #include "quillon/core/interfaces.h"
 #include "quillon/export.h"
 #include "quillon/messages/router.h"
@@ -30,6 +31,16 @@ struct cPairedInterfaceView {
     void*** interface;
 };
 
+inline std::unique_ptr<cInterfaceView> view_of(void**& interface) {
+    return std::make_unique<cInterfaceView>(cInterfaceView{&interface});
+}
+
+inline std::unique_ptr<cPairedInterfaceView> view_of(std::uintptr_t& first, std::uintptr_t& second,
+                                                     void**& interface) {
+    return std::make_unique<cPairedInterfaceView>(
+        cPairedInterfaceView{&first, &second, &interface});
+}
+
 // Calls an entry of a module's table; false, 0 or nothing if the module or the entry is not there.
 template <class Table, class Result, class... Arguments>
 Result call_entry(void** interface, Result (*Table::*entry)(Arguments...),
@@ -47,7 +58,7 @@ Result call_entry(void** interface, Result (*Table::*entry)(Arguments...),
 
 class modGraphics {
 public:
-    modGraphics();
+    modGraphics() = default;
     modGraphics(const modGraphics&) = delete;
     modGraphics& operator=(const modGraphics&) = delete;
 
@@ -70,13 +81,13 @@ public:
     std::uintptr_t firstWord;
     std::uintptr_t secondWord;
 
-    std::unique_ptr<cInterfaceView> view0;
-    std::unique_ptr<cPairedInterfaceView> view1;
-    std::unique_ptr<cInterfaceView> view2;
-    std::unique_ptr<cPairedInterfaceView> view3;
-    std::unique_ptr<cInterfaceView> view4;
-    std::unique_ptr<cInterfaceView> view5;
-    std::unique_ptr<cInterfaceView> view6;
+    std::unique_ptr<cInterfaceView> view0 = view_of(interface);
+    std::unique_ptr<cPairedInterfaceView> view1 = view_of(firstWord, secondWord, interface);
+    std::unique_ptr<cInterfaceView> view2 = view_of(interface);
+    std::unique_ptr<cPairedInterfaceView> view3 = view_of(firstWord, secondWord, interface);
+    std::unique_ptr<cInterfaceView> view4 = view_of(interface);
+    std::unique_ptr<cInterfaceView> view5 = view_of(interface);
+    std::unique_ptr<cInterfaceView> view6 = view_of(interface);
 };
 
 class modInput {
@@ -143,7 +154,7 @@ public:
 
 class modNetwork {
 public:
-    modNetwork();
+    modNetwork() = default;
     modNetwork(const modNetwork&) = delete;
     modNetwork& operator=(const modNetwork&) = delete;
 
@@ -152,21 +163,21 @@ public:
     bool statusFlag = false; // for host-side code, like the word behind it
     std::uintptr_t spareWord;
     void** interface = nullptr;
-    std::unique_ptr<cInterfaceView> view0;
-    std::unique_ptr<cInterfaceView> view1;
+    std::unique_ptr<cInterfaceView> view0 = view_of(interface);
+    std::unique_ptr<cInterfaceView> view1 = view_of(interface);
 };
 
 class modAudio {
 public:
-    modAudio();
+    modAudio() = default;
     modAudio(const modAudio&) = delete;
     modAudio& operator=(const modAudio&) = delete;
 
     virtual ~modAudio() { ::operator delete(interface); }
 
     void** interface = nullptr;
-    std::unique_ptr<cInterfaceView> view0;
-    std::unique_ptr<cInterfaceView> view1;
+    std::unique_ptr<cInterfaceView> view0 = view_of(interface);
+    std::unique_ptr<cInterfaceView> view1 = view_of(interface);
 };
 
 class modCore {
@@ -183,9 +194,15 @@ class modFileOperations {
 public:
     virtual ~modFileOperations() = default;
 
-    // Appends the names that __mFileOps_collect_files gives to `names`, as strings made with `new`.
+    // Appends the names that __mFileOps_collect_files finds to `names`, as strings made with `new`.
     void collect_files(const std::string& folder, DSParray<std::string>& names,
-                       const std::string& filter) const;
+                       const std::string& filter) const {
+        const FileListOwner files(__mFileOps_collect_files(folder.c_str(), filter.c_str()));
+        for (const cFileListEntry* file = files.get(); file != nullptr; file = file->next) {
+            names.make_room_for_one();
+            names.add(new std::string(file->name), DSP_APPEND);
+        }
+    }
 };
 
 } // namespace quillon

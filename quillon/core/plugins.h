@@ -6,12 +6,9 @@
 #include "quillon/export.h"
 
 #include <cstdint>
-#include <iterator>
 #include <string>
 
 namespace quillon {
-
-struct Service;
 
 // The functions that make a shared library a plug-in, in the order of cPlugin's fields.
 QUILLON_LOCAL inline constexpr const char* ENTRY_POINTS[] = {"initialize",
@@ -21,38 +18,29 @@ QUILLON_LOCAL inline constexpr const char* ENTRY_POINTS[] = {"initialize",
                                                              "get_plugin_compatibility",
                                                              "get_plugin_prereqs"};
 
-// A loaded plug-in file. The list of them is what a plug-in's `initialize` finds under the key of
-// "Modules"; a plug-in may read the fields and call the entry points, the operations are the
-// library's own.
+// A loaded plug-in file, which the library makes and destroys.
+//
+// The list of them, a DSParray<cPlugin>, is what a plug-in's `initialize` finds under the key of
+// "Modules". Its readers may read the fields and call the entry points.
+// While the library ends, a plug-in that was shut down leaves a null in the list.
 class cPlugin {
 public:
-    // Takes the library over, and its functions of ENTRY_POINTS.
-    cPlugin(void* loaded_library, void* const (&entry_points)[std::size(ENTRY_POINTS)]);
     cPlugin(const cPlugin&) = delete;
     cPlugin& operator=(const cPlugin&) = delete;
 
-    virtual ~cPlugin() { end(); } // in here, as plug-ins need the class's type information
+    virtual ~cPlugin() = default; // shuts the plug-in down and releases the file
 
-    // Offers the plug-in every free module, and tells whether it took one.
-    bool connect();
-
-    // The plug-in's own export of that name, which initialises the plug-in first if need be.
-    // Null if there is no such export, or if `initialize` says no; the next call asks it again.
-    void* get_function(const char* name);
-
-    void* library;
+    void* library = nullptr;
     bool initialised = false;
-    bool (*initialize)(DSPrefHashMap<void>* parameters);
-    void (*shutdown)();
-    const char* (*get_plugin_name)();
-    const char* (*get_plugin_purpose)();
-    bool (*get_plugin_compatibility)(const char* word);
-    void (*get_plugin_prereqs)(DSParray<std::string>& names);
+    bool (*initialize)(DSPrefHashMap<void>* parameters) = nullptr;
+    void (*shutdown)() = nullptr;
+    const char* (*get_plugin_name)() = nullptr;
+    const char* (*get_plugin_purpose)() = nullptr;
+    bool (*get_plugin_compatibility)(const char* word) = nullptr;
+    void (*get_plugin_prereqs)(DSParray<std::string>& names) = nullptr;
 
-private:
-    void end();
-    bool prerequisites_are_met() const;
-    bool serve(const Service& service);
+protected:
+    cPlugin() = default;
 };
 
 } // namespace quillon

@@ -1,0 +1,37 @@
+// The three lists that the core holds beside the modules.
+#pragma once
+
+#include "quillon/containers/list.h"
+#include "quillon/containers/map.h"
+#include "quillon/core/loaded_plugin.h"
+
+namespace quillon {
+
+// Owns the plug-ins, each of which is a LoadedPlugin.
+//
+// As the list dies it ends them, first loaded first. Their places stay: one is null once the
+// plug-in there was shut down.
+class PluginList : public DSParray<cPlugin> {
+public:
+    PluginList() = default;
+    PluginList(const PluginList&) = delete;
+    PluginList& operator=(const PluginList&) = delete;
+
+    ~PluginList() override;
+
+    // The plug-in at `position`; null for a place that is empty and beyond the end.
+    LoadedPlugin* plugin_at(std::uint32_t position) const {
+        return static_cast<LoadedPlugin*>(get(position));
+    }
+};
+
+// What `initialize` of a plug-in receives; refers to its values.
+DSPrefHashMap<void>& pluginInitParameters();
+
+// Every plug-in that loaded, in the order of loading.
+PluginList& plugins();
+
+// What hosts and plug-ins share by key; frees its values.
+DSPhashMap<void>& uniquePointers();
+
+} // namespace quillon

@@ -1,0 +1,12 @@
+// The listing of one folder, for the library itself; see file_list.h for what a filter is.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace quillon {
+
+// The names in `folder` that `filter` selects, sorted bytewise.
+std::vector<std::string> matching_names(const char* folder, const char* filter);
+
+} // namespace quillon
