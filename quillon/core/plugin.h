@@ -8,7 +8,20 @@
 // `shutdown` runs once for each plug-in whose `initialize` returned true, on unload of the library
 // or on an ordinary exit of the process. Static objects that exist when `initialize` and the
 // connect entry points have returned are then still alive; tables are not, and function-local
-// statics that are first reached later may be gone.
+// statics that are first reached later may be gone. Indices of plug-ins do not change meanwhile:
+// one that was shut down before answers "INVALID", null, false and -1.
+//
+// Any function of a plug-in may call the library, which does not start over:
+//   While a plug-in is being initialised, __mCore_get_plugin_function returns null for it.
+//   __mCore_open changes nothing and returns true inside __mCore_open and once the library ends.
+//   __mCore_parse_folder_for_plugins loads nothing once the library ends.
+//
+// An exception that leaves a plug-in's function propagates to the host. The plug-ins that were
+// loaded before are shut down at the end as ever.
+//   get_plugin_name or _purpose, while a folder is scanned: the file is not added and stays mapped.
+//   initialize: the plug-in is not initialised; it may be asked again.
+//   A connect entry point: the module stays free, and its table is gone.
+//   shutdown: std::terminate.
 //
 // The names below are global. `shutdown` is also a call of the sockets interface: both headers may
 // be included, in any order, since the entry point is an overload of its own under the same symbol.
@@ -40,13 +53,15 @@
 // name_hash of a name.
 QUILLON_PLUGIN_EXPORT bool initialize(quillon::DSPrefHashMap<void>* parameters);
 QUILLON_PLUGIN_VISIBLE void shutdown() __asm__("shutdown");
-// Texts that stay valid as long as the plug-in is loaded. Only the purpose "Module" is connected.
+// Texts that stay valid as long as the plug-in is loaded; one that returns null is refused. Only
+// the purpose "Module" is connected.
 QUILLON_PLUGIN_EXPORT const char* get_plugin_name();
 QUILLON_PLUGIN_EXPORT const char* get_plugin_purpose();
 // True for the keywords "GRAPHICS", "INPUT", "SYSTEM", "NET", "AUDIO" of the modules that it
 // serves.
 QUILLON_PLUGIN_EXPORT bool get_plugin_compatibility(const char* word);
 // Appends to the empty list the names, made with `new`, of plug-ins that must be initialised first.
+// The list dies after the plug-in has been offered the modules.
 QUILLON_PLUGIN_EXPORT void get_plugin_prereqs(quillon::DSParray<std::string>& names);
 
 // One for each module served: writes the plug-in's functions into the cleared table.
@@ -63,6 +78,12 @@ namespace quillon {
 template <class Table>
 Table& as_table(void** table) {
     return *reinterpret_cast<Table*>(table);
+}
+
+// Appends a name for get_plugin_prereqs; leaks nothing if there is no memory for it.
+inline void add_name(DSParray<std::string>& names, const char* name) {
+    names.make_room_for_one();
+    names.add(new std::string(name), DSP_APPEND);
 }
 
 } // namespace quillon
@@ -85,7 +106,7 @@ Table& as_table(void** table) {
 #define QUILLON_PLUGIN_NEEDS(...)                                                                  \
     void get_plugin_prereqs(quillon::DSParray<std::string>& names) {                               \
         for (const char* name : std::initializer_list<const char*>{__VA_ARGS__})                   \
-            names.add(new std::string(name), quillon::DSP_APPEND);                                 \
+            quillon::add_name(names, name);                                                        \
     }
 
 // Defines get_plugin_prereqs of a plug-in that needs no other.
