@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <malloc.h>
+
 using testing::ElementsAreArray;
 
 namespace {
@@ -25,19 +27,24 @@ const struct {
     {"PrerequisiteBehindWaitsForTheNextPass",
      {"needs_graphics", "graphics", "input_and_system"},
      {"Graphics: initialize", "Graphics: connect graphics", "Both: initialize",
-      "Both: connect input", "Both: connect system", "Sound: initialize", "Sound: connect sound"},
+      "Both: connect input", "Both: connect system", "Sound: initialize after Graphics",
+      "Sound: connect sound"},
      "GISA"},
     {"PrerequisiteInOtherCase",
      {"graphics", "needs_other_case"},
      {"Graphics: initialize", "Graphics: connect graphics"},
      "G"},
     {"PrerequisiteIsItself", {"needs_itself"}, {}, ""},
-    {"PrerequisiteServesNothing", {"serves_nothing", "needs_idle"}, {}, ""},
+    {"OneOfThreePrerequisitesServesNothing",
+     {"graphics", "serves_nothing", "input_and_system", "needs_three"},
+     {"Graphics: initialize", "Graphics: connect graphics", "Both: initialize",
+      "Both: connect input", "Both: connect system"},
+     "GIS"},
     {"PrerequisiteIsNoModule", {"tool", "needs_tool"}, {}, ""},
     {"NamesakeThatIsNotInitialisedIsPassedOver",
      {"refuses", "graphics", "needs_graphics"},
-     {"Refuses: initialize", "Graphics: initialize", "Graphics: connect graphics",
-      "Sound: initialize", "Sound: connect sound"},
+     {"Graphics: initialize", "Graphics: initialize", "Graphics: connect graphics",
+      "Sound: initialize after Graphics", "Sound: connect sound"},
      "GA"},
     {"OtherPurposes", {"tool", "module_in_lower_case"}, {}, ""},
     {"InitializeIsAskedAgain",
@@ -51,17 +58,29 @@ const struct {
      "G"},
 };
 
+struct Module {
+    char initial;
+    void** interface;
+    std::size_t entries;
+};
+
+std::vector<Module> modules(const LoadedLibrary& library) {
+    return {{'G', EXPORT_OF(library, __mGraphics_instance)()->interface, 97},
+            {'I', EXPORT_OF(library, __mInput_instance)()->interface, 35},
+            {'S', EXPORT_OF(library, __mSystem_instance)()->interface, 25},
+            {'N', EXPORT_OF(library, __mNetwork_instance)()->interface, 26},
+            {'A', EXPORT_OF(library, __mAudio_instance)()->interface, 14}};
+}
+
+// Initials of the modules that have a table, which holds all its entries.
 std::string connected_modules(const LoadedLibrary& library) {
     std::string initials;
-    const auto note = [&initials](char initial, void** interface) {
-        if (interface != nullptr)
-            initials += initial;
-    };
-    note('G', EXPORT_OF(library, __mGraphics_instance)()->interface);
-    note('I', EXPORT_OF(library, __mInput_instance)()->interface);
-    note('S', EXPORT_OF(library, __mSystem_instance)()->interface);
-    note('N', EXPORT_OF(library, __mNetwork_instance)()->interface);
-    note('A', EXPORT_OF(library, __mAudio_instance)()->interface);
+    for (const Module& module : modules(library)) {
+        if (module.interface == nullptr)
+            continue;
+        initials += module.initial;
+        EXPECT_GE(malloc_usable_size(module.interface), module.entries * sizeof(void*));
+    }
     return initials;
 }
 
@@ -89,4 +108,19 @@ TEST(Connection, ATakenModuleIsOfferedToNobodyElse) {
     EXPECT_EQ(std::count(events.begin(), events.end(), "Graphics: asked GRAPHICS"), 1);
     EXPECT_EQ(std::count(events.begin(), events.end(), "Other: asked GRAPHICS"), 0);
     EXPECT_EQ(std::count(events.begin(), events.end(), "Other: asked AUDIO"), 2);
+}
+
+TEST(Connection, AThrowingConnectEntryPointLeavesTheModuleFree) {
+    const ScratchFolder folder;
+    folder.add_plugins({"graphics"});
+    const LoadedLibrary library;
+    library.observe([](const std::string& event) {
+        if (event == "Graphics: connect graphics")
+            throw std::runtime_error(event);
+    });
+    EXPECT_THROW(EXPORT_OF(library, __mCore_open)(), std::runtime_error);
+    EXPECT_EQ(connected_modules(library), "");
+    library.observe([](const std::string&) {});
+    EXPORT_OF(library, __mCore_open)();
+    EXPECT_EQ(connected_modules(library), "G");
 }

@@ -21,12 +21,13 @@ ScratchFolder::~ScratchFolder() {
     fs::remove_all(folder);
 }
 
-void ScratchFolder::add_plugins(const std::vector<std::string>& fixtures) const {
-    fs::create_directories(folder / "plugin");
+void ScratchFolder::add_plugins(const std::vector<std::string>& fixtures,
+                                const char* inside) const {
+    fs::create_directories(folder / inside);
     int number = 0;
     for (const std::string& name : fixtures)
         fs::copy(fs::path(FIXTURE_FOLDER) / (name + ".so"),
-                 folder / "plugin" / (std::to_string(number++) + "_" + name + ".so"));
+                 folder / inside / (std::to_string(number++) + "_" + name + ".so"));
 }
 
 std::vector<std::string> ScratchFolder::events(const std::string& unwanted) {
@@ -38,6 +39,16 @@ std::vector<std::string> ScratchFolder::events(const std::string& unwanted) {
     return lines;
 }
 
+namespace {
+
+std::function<void(const std::string&)> current_observer;
+
+void pass_on(const std::string& event) {
+    current_observer(event);
+}
+
+} // namespace
+
 LoadedLibrary::LoadedLibrary() : handle(dlopen(LIBRARY_FILE, RTLD_NOW | RTLD_LOCAL)) {
     if (handle == nullptr)
         throw std::runtime_error(dlerror());
@@ -47,6 +58,12 @@ void LoadedLibrary::unload() {
     if (handle != nullptr)
         dlclose(handle);
     handle = nullptr;
+}
+
+void LoadedLibrary::observe(std::function<void(const std::string& event)> observer) const {
+    current_observer = std::move(observer);
+    EXPORT_OF(*this, __mCore_add_plugin_init_parameter)
+    ("observer", reinterpret_cast<void*>(pass_on));
 }
 
 void* LoadedLibrary::address(const char* name) const {

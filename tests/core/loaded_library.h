@@ -6,6 +6,7 @@
 #include "quillon/core/worker.h"
 
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -17,10 +18,10 @@ public:
     ScratchFolder& operator=(const ScratchFolder&) = delete;
     ~ScratchFolder();
 
-    // Copies fixtures into "plugin", as 0_NAME, 1_NAME, ... so that they load in the given order.
-    void add_plugins(const std::vector<std::string>& fixtures) const;
+    // Copies fixtures into `inside`, as 0_NAME, 1_NAME, ... so that they load in the given order.
+    void add_plugins(const std::vector<std::string>& fixtures, const char* inside = "plugin") const;
 
-    // The lines of the file "events", without those that begin as `unwanted` does behind the name.
+    // The lines of the file "events", without those that have `unwanted` after the plug-in's name.
     static std::vector<std::string> events(const std::string& unwanted = "asked");
 
     std::string path() const { return folder.string(); }
@@ -40,10 +41,13 @@ public:
 
     void unload();
 
+    // Calls `observer` with the events of the fixtures that are initialised from now on.
+    void observe(std::function<void(const std::string& event)> observer) const;
+
     void* address(const char* name) const;
 
     // The loaded library's export, as a function of the given type; see EXPORT_OF.
-    template <class Function>
+    template <typename Function>
     Function* function(const char* name) const {
         return reinterpret_cast<Function*>(address(name));
     }

@@ -3,9 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <clocale>
 #include <fstream>
-#include <functional>
 
+#include <dlfcn.h>
 #include <sys/stat.h>
 
 using testing::internal::CaptureStdout;
@@ -47,7 +48,8 @@ TEST(Loading, RefusesWhatLacksSomethingAndGoesOn) {
     // The C library has a `shutdown` of its own, which is not the plug-in's.
     for (const char* fixture : {"without_initialize", "without_shutdown", "without_get_plugin_name",
                                 "without_get_plugin_purpose", "without_get_plugin_compatibility",
-                                "without_get_plugin_prereqs", "missing_library", "missing_symbol"})
+                                "without_get_plugin_prereqs", "no_name", "no_purpose",
+                                "missing_library", "missing_symbol"})
         expect_refusal(fixture, [&](const fs::path& file) { copy_fixture(file, fixture); });
 }
 
@@ -58,10 +60,11 @@ TEST(Loading, RefusesWhatIsNoPluginFileAndGoesOn) {
     expect_refusal("dangling", [](const fs::path& file) { fs::create_symlink("nowhere", file); });
     expect_refusal("other architecture", [](const fs::path& file) { spoil(file, 18, 0x7F); });
     expect_refusal("other word size", [](const fs::path& file) { spoil(file, 4, 1); });
-    expect_refusal("truncated", [](const fs::path& file) {
-        copy_fixture(file, "graphics");
-        fs::resize_file(file, 500);
-    });
+    for (const int length : {20, 500, 4096, 8192, 12288})
+        expect_refusal("cut off", [length](const fs::path& file) {
+            copy_fixture(file, "graphics");
+            fs::resize_file(file, length);
+        });
 }
 
 TEST(Loading, ARefusedFileIsNamedBeforeItIsReleased) {
@@ -102,20 +105,26 @@ TEST(Loading, OnlyFilesWithTheExtensionInOrderOfNameAndNoneIsInitialised) {
     EXPECT_EQ(GetCapturedStdout(),
               "loading plugin: Both\nloading plugin: Tool\nloading plugin: Graphics\n");
     EXPECT_TRUE(folder.events("").empty());
+    EXPECT_EQ(dlsym(RTLD_DEFAULT, "note_argument"), nullptr) << "plug-ins do not see each other";
 }
 
 TEST(Loading, PathsUpToTheLimitLoad) {
+    ASSERT_NE(std::setlocale(LC_CTYPE, "C.UTF-8"), nullptr);
     const ScratchFolder folder;
-    for (const std::size_t length : {260u, 261u}) {
-        // Two folders, as a single name cannot be that long.
-        const std::string inside = std::string(200, 'x') + "/" + std::string(length - 206, 'y');
-        fs::create_directories(inside);
-        copy_fixture(inside + "/p.so", "graphics");
-        LoadedLibrary library;
-        CaptureStdout();
-        EXPORT_OF(library, __mCore_parse_folder_for_plugins)(inside.c_str());
-        EXPECT_EQ(GetCapturedStdout(), length == 260
-                                           ? "loading plugin: Graphics\n"
-                                           : "ERROR: Attempt to load module p.so failed\n");
-    }
+    for (const std::string letter : {"x", "\u00E9"})
+        for (const int length : {260, 261}) {
+            // Three folders, as a single name cannot be that long.
+            std::string inside;
+            for (int i = 0; i < length - 5; ++i)
+                inside += i % 90 == 89 ? "/" : letter;
+            fs::create_directories(inside);
+            copy_fixture(inside + "/p.so", "graphics");
+            LoadedLibrary library;
+            CaptureStdout();
+            EXPORT_OF(library, __mCore_parse_folder_for_plugins)(inside.c_str());
+            EXPECT_EQ(GetCapturedStdout(), length == 260
+                                               ? "loading plugin: Graphics\n"
+                                               : "ERROR: Attempt to load module p.so failed\n");
+        }
+    std::setlocale(LC_CTYPE, "C");
 }

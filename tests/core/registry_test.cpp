@@ -58,9 +58,9 @@ TEST_F(Registry, FindsTheFirstPluginOfAPurposeThatSaysYes) {
     EXPECT_TRUE(folder.events("").empty()) << "an empty word is asked of nobody";
     EXPECT_EQ(find("Module", "SYSTEM"), 2);
     EXPECT_EQ(find("Module", "AUDIO"), 3);
-    EXPECT_EQ(find("Tool", "GRAPHICS"), 0);
-    EXPECT_EQ(find("Tool", "AUDIO"), -1);
-    EXPECT_EQ(find("TOOL", ""), -1);
+    EXPECT_EQ(find("Module tool", "GRAPHICS"), 0);
+    EXPECT_EQ(find("Module tool", "AUDIO"), -1);
+    EXPECT_EQ(find("MODULE", ""), -1);
 }
 
 TEST_F(Registry, AFunctionIsResolvedBeforeThePluginIsInitialised) {
@@ -79,7 +79,43 @@ TEST_F(Registry, APluginThatRefusesIsAskedEveryTime) {
     open({"refuses"});
     for (int i = 0; i < 2; ++i)
         EXPECT_EQ(EXPORT_OF(library, __mCore_get_plugin_function)(0, "note_argument"), nullptr);
-    EXPECT_THAT(folder.events(), ElementsAre("Refuses: initialize", "Refuses: initialize"));
+    EXPECT_THAT(folder.events(), ElementsAre("Graphics: initialize", "Graphics: initialize"));
+}
+
+TEST_F(Registry, AnInitializeThatReachesForItsOwnPluginDoesNotStartOver) {
+    void* own_function = this;
+    bool opened = false;
+    library.observe([&](const std::string& event) {
+        if (event != "Graphics: initialize")
+            return;
+        own_function = EXPORT_OF(library, __mCore_get_plugin_function)(0, "note_argument");
+        opened = EXPORT_OF(library, __mCore_open)();
+    });
+    open({"graphics"});
+    EXPECT_EQ(own_function, nullptr);
+    EXPECT_TRUE(opened);
+    EXPECT_EQ(EXPORT_OF(library, __mCore_get_plugin_count)(), 1u);
+    library.observe([](const std::string&) {});
+}
+
+TEST_F(Registry, AThrowingInitializeIsAskedAgain) {
+    open({"tool"});
+    library.observe([](const std::string& event) { throw std::runtime_error(event); });
+    auto* const function = EXPORT_OF(library, __mCore_get_plugin_function);
+    EXPECT_THROW(function(0, "note_argument"), std::runtime_error);
+    library.observe([](const std::string&) {});
+    EXPECT_NE(function(0, "note_argument"), nullptr);
+}
+
+TEST_F(Registry, AThrowingNameEndsTheScanAndKeepsWhatWasLoaded) {
+    try {
+        open({"graphics", "throws", "tool"});
+        FAIL() << "no exception";
+    } catch (const std::exception& failure) {
+        EXPECT_STREQ(failure.what(), "a failure of Fixture");
+    }
+    EXPECT_EQ(EXPORT_OF(library, __mCore_get_plugin_count)(), 1u);
+    EXPECT_NE(parameter("Modules"), nullptr) << "filed before the scan";
 }
 
 TEST_F(Registry, CallsAFunctionWithOneArgument) {
@@ -90,7 +126,7 @@ TEST_F(Registry, CallsAFunctionWithOneArgument) {
     call(0, "no_such_function", argument);
     call(1, "note_argument", argument);
     EXPECT_THAT(folder.events(),
-                ElementsAre("Graphics: argument forty-two", "Refuses: initialize"));
+                ElementsAre("Graphics: argument forty-two", "Graphics: initialize"));
 }
 
 TEST_F(Registry, TheFirstUniquePointerUnderAKeyStays) {
