@@ -125,6 +125,49 @@ void write_jansson(benchmark::State& state, const std::string& text) {
     count_bytes(state, text);
 }
 
+// An object of `count` pairs whose keys begin with `prefix`.
+std::string flat_object(int count, const char* prefix) {
+    std::string text = "{";
+    for (int i = 0; i < count; ++i) {
+        text += text.size() > 1 ? ",\"" : "\"";
+        text += prefix + std::to_string(i) + "\":" + std::to_string(i);
+    }
+    return text + "}";
+}
+
+// Half of the source's keys are new to the destination.
+void combine_quillon(benchmark::State& state) {
+    const auto count = static_cast<int>(state.range(0));
+    cson_value* source = read(flat_object(count, "key"));
+    cson_value* base = read(flat_object(count / 2, "key"));
+    for (auto _ : state) {
+        cson_value* copy = cson_value_copy(base);
+        if (cson_object_combine(cson_value_object(copy), cson_value_object(source), 0) != cson_OK)
+            state.SkipWithError("not combined");
+        cson_value_release(copy);
+    }
+    cson_value_release(source);
+    cson_value_release(base);
+    state.SetItemsProcessed(state.iterations() * count);
+}
+
+void combine_jansson(benchmark::State& state) {
+    const auto count = static_cast<int>(state.range(0));
+    json_t* source = json_loads(flat_object(count, "key").c_str(), 0, nullptr);
+    json_t* base = json_loads(flat_object(count / 2, "key").c_str(), 0, nullptr);
+    for (auto _ : state) {
+        json_t* copy = json_deep_copy(base);
+        json_object_update_missing(copy, source);
+        json_decref(copy);
+    }
+    json_decref(source);
+    json_decref(base);
+    state.SetItemsProcessed(state.iterations() * count);
+}
+
+BENCHMARK(combine_quillon)->Name("combine/quillon")->Arg(10)->Arg(60)->Arg(100)->Arg(40000);
+BENCHMARK(combine_jansson)->Name("combine/jansson")->Arg(10)->Arg(60)->Arg(100)->Arg(40000);
+
 using Measure = void (*)(benchmark::State&, const std::string&);
 
 struct Contender {
