@@ -1,6 +1,5 @@
+// The growable lists of arrays and objects, which differ in the type of their entries alone.
 #include "quillon/json/record.h"
-
-#include "quillon/json/allocator.h"
 
 #include <cstring>
 #include <limits>
@@ -12,40 +11,27 @@ using namespace json;
 
 namespace {
 
-constexpr std::uint32_t most = std::numeric_limits<std::uint32_t>::max();
-
-// Gives the list new storage, as it has none or stands in a reading's or copy's memory.
-template <class List>
-bool move(List* list, std::uint32_t capacity) {
-    auto* entries = reinterpret_cast<void* const*>(list->items);
-    const List moved = {build_storage(nullptr, list, capacity, entries, list->capacity),
-                        list->count, capacity};
-    if (moved.items == nullptr)
-        return false;
-    free_storage(list);
-    *list = moved;
-    return true;
-}
-
-template <class List>
+template <typename List>
 bool resize(List* list, std::uint32_t capacity) {
-    constexpr std::size_t entry = sizeof(void*);
-    constexpr std::size_t limit = std::numeric_limits<std::size_t>::max() / entry - 1;
-    StorageHeader* header = list->items != nullptr ? header_of(list) : nullptr;
-    if (header == nullptr || header->chunk_offset != 0)
-        return move(list, capacity);
-    void* block = std::size_t{capacity} <= limit
-                      ? reallocate(header, sizeof(*header) + capacity * entry, tag_of(list))
-                      : nullptr;
+    // Storage in a pool's chunk can't be resized: its entries move to a block of their own.
+    const bool moves = list->items == nullptr || header_of(list)->chunk_offset != 0;
+    void* block =
+        reallocate(moves ? nullptr : header_of(list), storage_bytes(capacity), tag_of(list));
     if (block == nullptr)
         return false;
-    list->items = reinterpret_cast<decltype(list->items)>(static_cast<StorageHeader*>(block) + 1);
-    std::memset(list->items + list->capacity, 0, (capacity - list->capacity) * entry);
-    list->capacity = capacity;
+    auto* header = moves ? new (block) StorageHeader{} : static_cast<StorageHeader*>(block);
+    auto* items = reinterpret_cast<decltype(list->items)>(header + 1);
+    const List grown = {items, list->count, capacity};
+    if (moves && list->items != nullptr) {
+        std::memcpy(items, list->items, list->capacity * sizeof(*items));
+        free(header_of(list), header_of(list)->chunk_offset, tag_of(list));
+    }
+    std::memset(items + list->capacity, 0, (capacity - list->capacity) * sizeof(*items));
+    *list = grown;
     return true;
 }
 
-template <class List>
+template <typename List>
 std::uint32_t reserve(List* list, std::uint32_t capacity) {
     if (list == nullptr)
         return 0;
@@ -56,36 +42,35 @@ std::uint32_t reserve(List* list, std::uint32_t capacity) {
     return list->capacity;
 }
 
-template <class List, class Entry>
+template <typename List, typename Entry>
 int push(List* list, Entry* entry) {
     if (list == nullptr || entry == nullptr)
         return cson_ArgError;
-    if (list->count == most || reserve(list, list->count + 1) <= list->count)
+    if (list->count == std::numeric_limits<std::uint32_t>::max() ||
+        reserve(list, list->count + 1) <= list->count)
         return cson_AllocError;
     list->items[list->count++] = entry;
     return cson_OK;
 }
 
-template <class List, class Entry>
+template <typename List, typename Entry>
 int visit(List* list, int (*visitor)(Entry*, void*), void* state) {
     if (list == nullptr || visitor == nullptr)
         return cson_OK;
-    for (std::uint32_t i = 0; i < list->count; ++i) {
-        const int result = list->items[i] != nullptr ? visitor(list->items[i], state) : 0;
-        if (result != 0)
-            return result;
-    }
-    return cson_OK;
+    int result = 0;
+    for (std::uint32_t i = 0; i < list->count && result == 0; ++i)
+        result = list->items[i] != nullptr ? visitor(list->items[i], state) : 0;
+    return result;
 }
 
-template <class List, class Entry>
+template <typename List, typename Entry>
 void clear(List* list, void (*disposer)(Entry*)) {
     if (list == nullptr)
         return;
     for (std::uint32_t i = 0; disposer != nullptr && i < list->count; ++i)
         if (list->items[i] != nullptr)
             disposer(list->items[i]);
-    reserve(list, 0);
+    free_storage(list);
 }
 
 } // namespace

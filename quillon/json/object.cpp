@@ -1,8 +1,9 @@
-#include "quillon/json/containers.h"
+// Objects: pairs in order of first insertion, found by walking the list.
 #include "quillon/json/record.h"
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 #include <string_view>
 #include <utility>
 
@@ -12,36 +13,70 @@ using namespace json;
 
 namespace {
 
-std::string_view text_of(const char* text) {
-    return text != nullptr ? std::string_view(text) : std::string_view();
+std::string_view text_of(const char* key) {
+    return key != nullptr ? std::string_view(key) : std::string_view();
 }
 
-std::string_view text_of(const cson_string* string) {
-    return string != nullptr ? view_of(string) : std::string_view();
+std::string_view text_of(const cson_string* key) {
+    return key != nullptr ? view_of(key) : std::string_view();
 }
 
-// The position of the first pair with this key, or `count`.
-std::uint32_t position_of(const cson_object* object, std::string_view key) {
-    const cson_kvp_list& list = object->list;
-    for (std::uint32_t i = 0; i < list.count; ++i) {
-        const cson_string* candidate = key_of(list.items[i]);
-        if (candidate != nullptr && view_of(candidate) == key)
-            return i;
-    }
-    return list.count;
+// The first pair with this key, or the end of the entries.
+cson_kvp** entry_of(const cson_object* object, std::string_view key) {
+    cson_kvp** end = object->list.items + object->list.count;
+    return std::find_if(object->list.items, end, [key](const cson_kvp* pair) {
+        const cson_string* candidate = key_of(pair);
+        return candidate != nullptr && view_of(candidate) == key;
+    });
 }
 
-cson_kvp* pair_of(const cson_object* object, std::string_view key) {
-    const std::uint32_t position = position_of(object, key);
-    return position < object->list.count ? object->list.items[position] : nullptr;
-}
-
+// What a caller's object and key find: nothing for an empty key, though one may be stored.
 cson_kvp* find(const cson_object* object, std::string_view key) {
-    return object != nullptr && !key.empty() ? pair_of(object, key) : nullptr;
+    return object != nullptr && !key.empty() ? find_pair(object, key) : nullptr;
 }
 
-// Adds a pair at the end and counts the two owners.
-int append(cson_object* object, cson_value* key, cson_value* value) {
+// True unless a reference count would pass its largest; one string can be key and member at once.
+bool can_own_both(const cson_value* key, const cson_value* value) {
+    constexpr std::uint32_t last = std::numeric_limits<std::uint32_t>::max() - 1;
+    return can_own(key) && can_own(value) && (key != value || key->refcount != last);
+}
+
+// Removes the pair with this key, moves the later ones down, and stores the member, which keeps the
+// pair's reference.
+int take_out(cson_object* object, std::string_view key, cson_value*& member) {
+    if (object == nullptr || key.empty())
+        return cson_ArgError;
+    cson_kvp_list& list = object->list;
+    cson_kvp** entry = entry_of(object, key);
+    cson_kvp** end = list.items + list.count;
+    if (entry == end)
+        return cson_NotFoundError;
+    cson_kvp* pair = *entry;
+    std::copy(entry + 1, end, entry);
+    list.items[--list.count] = nullptr;
+    member = pair->value;
+    cson_value_release(pair->key);
+    free(pair, pair->chunk_offset, KVP_TAG);
+    return cson_OK;
+}
+
+int drop(cson_object* object, std::string_view key) {
+    cson_value* member = nullptr;
+    const int code = take_out(object, key, member);
+    cson_value_release(member);
+    return code;
+}
+
+} // namespace
+
+cson_kvp* json::find_pair(const cson_object* object, std::string_view key) {
+    cson_kvp** entry = entry_of(object, key);
+    return entry != object->list.items + object->list.count ? *entry : nullptr;
+}
+
+int json::append_pair(cson_object* object, cson_value* key, cson_value* value) {
+    if (!can_own_both(key, value))
+        return cson_RangeError;
     if (!grow_for_one(&object->list, 6, cson_kvp_list_reserve))
         return cson_AllocError;
     cson_kvp* pair = build_kvp(nullptr, key, value);
@@ -57,87 +92,54 @@ int append(cson_object* object, cson_value* key, cson_value* value) {
     return cson_OK;
 }
 
-// Puts key and member in the place of the old ones, which go last: the new ones may live by them.
-void overwrite(cson_kvp* pair, cson_value* key, cson_value* value) {
+// The old ones are released last: the new ones may live by them alone.
+int json::replace_pair(cson_kvp* pair, cson_value* key, cson_value* value) {
+    if (!can_own_both(key, value))
+        return cson_RangeError;
     add_owner(key);
     add_owner(value);
     cson_value* old_key = std::exchange(pair->key, key);
     cson_value* old_value = std::exchange(pair->value, value);
     cson_value_release(old_key);
     cson_value_release(old_value);
-}
-
-// Takes the pair with this key out of the list, or gives null. Later pairs move down by one.
-cson_kvp* take_out(cson_object* object, std::string_view key) {
-    cson_kvp_list& list = object->list;
-    const std::uint32_t position = position_of(object, key);
-    if (position == list.count)
-        return nullptr;
-    cson_kvp** entry = list.items + position;
-    cson_kvp* pair = *entry;
-    std::copy(entry + 1, list.items + list.count, entry);
-    list.items[--list.count] = nullptr;
-    return pair;
-}
-
-// Frees the pair with its key and hands its member over, still counted.
-cson_value* dissolve(cson_kvp* pair) {
-    cson_value* member = pair->value;
-    cson_value_release(pair->key);
-    free(pair, pair->chunk_offset, KVP_TAG);
-    return member;
-}
-
-int drop(cson_object* object, std::string_view key) {
-    if (object == nullptr || key.empty())
-        return cson_ArgError;
-    cson_kvp* pair = take_out(object, key);
-    if (pair == nullptr)
-        return cson_NotFoundError;
-    cson_value_release(dissolve(pair));
     return cson_OK;
 }
-
-} // namespace
 
 cson_value* cson_value_make_object() {
     return build_container(nullptr, cson_kind_object);
 }
 
 cson_kvp* cson_object_find(const cson_object* object, const char* key, std::uint32_t* index) {
-    cson_kvp* pair = find(object, text_of(key));
-    if (pair != nullptr && index != nullptr)
-        *index = position_of(object, text_of(key));
-    return pair;
+    const std::string_view text = text_of(key);
+    if (object == nullptr || text.empty())
+        return nullptr;
+    const auto position = static_cast<std::uint32_t>(entry_of(object, text) - object->list.items);
+    if (position == object->list.count)
+        return nullptr;
+    if (index != nullptr)
+        *index = position;
+    return object->list.items[position];
 }
 
 cson_value* cson_object_get_text(const cson_object* object, const char* key) {
-    return cson_kvp_value(find(object, text_of(key)));
+    return cson_kvp_value(cson_object_find(object, key, nullptr));
 }
 
 cson_value* cson_object_get_string(const cson_object* object, const cson_string* key) {
     return cson_kvp_value(find(object, text_of(key)));
 }
 
-cson_kvp* json::find_pair(const cson_object* object, const cson_string* key) {
-    return pair_of(object, text_of(key));
-}
-
 int cson_object_put_string(cson_object* object, cson_string* key, cson_value* value) {
     if (object == nullptr || key == nullptr)
         return cson_ArgError;
     if (value == nullptr)
-        return drop(object, text_of(key));
+        return drop(object, view_of(key));
     cson_value* key_value = cson_value_of_string(key);
     if (key_value == cson_value_of_object(object))
         return cson_ArgError;
-    if (!can_own(key_value) || !can_own(value))
-        return cson_RangeError;
-    cson_kvp* pair = pair_of(object, text_of(key));
-    if (pair == nullptr)
-        return append(object, key_value, value);
-    overwrite(pair, key_value, value);
-    return cson_OK;
+    cson_kvp* pair = find_pair(object, view_of(key));
+    return pair == nullptr ? append_pair(object, key_value, value)
+                           : replace_pair(pair, key_value, value);
 }
 
 int cson_object_put_text(cson_object* object, const char* key, cson_value* value) {
@@ -158,10 +160,10 @@ int cson_object_drop(cson_object* object, const char* key) {
     return drop(object, text_of(key));
 }
 
+// The member's reference passes to the caller; unlike a release this leaves a count of 0 alive.
 cson_value* cson_object_detach(cson_object* object, const char* key) {
-    if (find(object, text_of(key)) == nullptr)
-        return nullptr;
-    cson_value* member = dissolve(take_out(object, text_of(key)));
+    cson_value* member = nullptr;
+    take_out(object, text_of(key), member);
     if (member != nullptr && !cson_value_is_shared(member) && member->refcount > 0)
         --member->refcount;
     return member;

@@ -1,23 +1,23 @@
 // Member paths, and command-line style arguments.
-#include "quillon/json/containers.h"
+#include "quillon/json/record.h"
 
-#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
 
 namespace quillon {
+
+using namespace json;
+
 namespace {
 
-constexpr std::size_t longest_name = 127;
+constexpr std::size_t LONGEST_NAME = 127;
 
-// The run of characters up to the next separator or the end.
-std::size_t name_length(const char* path, char separator) {
-    std::size_t length = 0;
-    while (path[length] != 0 && path[length] != separator)
-        ++length;
-    return length;
+// The text up to the next separator.
+std::string_view name_at(const char* text, char separator) {
+    const char* end = std::strchr(text, separator);
+    return end != nullptr ? std::string_view(text, end) : std::string_view(text);
 }
 
 const char* skip(const char* text, char letter) {
@@ -26,50 +26,65 @@ const char* skip(const char* text, char letter) {
     return text;
 }
 
-cson_value* member_named(cson_object* object, const char* name, std::size_t length) {
-    std::array<char, longest_name + 1> terminated = {};
-    std::memcpy(terminated.data(), name, length);
-    return cson_object_get_text(object, terminated.data());
+cson_value* value_from(std::string_view text) {
+    return cson_value_from_text(text.data(), static_cast<std::uint32_t>(text.size()));
 }
 
 cson_value* number_or_text(const char* text) {
+    using Limits = std::numeric_limits<std::int32_t>;
     char* end = nullptr;
     errno = 0;
     const long integer = std::strtol(text, &end, 10);
-    using limits = std::numeric_limits<std::int32_t>;
-    const bool fits = errno == 0 && integer >= limits::min() && integer <= limits::max();
+    const bool fits = errno == 0 && integer >= Limits::min() && integer <= Limits::max();
     if (*end == 0 && fits)
         return cson_value_from_int(static_cast<std::int32_t>(integer));
     const double number = std::strtod(text, &end);
-    if (*end == 0)
-        return cson_value_from_double(number);
-    return cson_value_from_text(text, static_cast<std::uint32_t>(std::strlen(text)));
+    return *end == 0 ? cson_value_from_double(number) : value_from(text);
 }
 
-// The value of what stands behind the key: nothing, "=", or "=text".
+// The value of what follows a key: nothing, "=" or "=text".
 cson_value* argument_value(const char* rest) {
     if (*rest == 0)
         return cson_value_true();
     const char* text = rest + 1;
     if (*text == 0)
         return cson_value_null_constant();
-    if (*text >= '0' && *text <= '9')
-        return cson_value_from_text(text, static_cast<std::uint32_t>(std::strlen(text)));
-    return number_or_text(text);
+    return *text >= '0' && *text <= '9' ? value_from(text) : number_or_text(text);
+}
+
+// The argument without its dashes, or null for one that has none or nothing else.
+const char* argument_name(const char* argument) {
+    if (argument == nullptr || *argument != '-')
+        return nullptr;
+    const char* name = skip(argument, '-');
+    return *name != 0 ? name : nullptr;
 }
 
 int put_argument(cson_object* object, const char* name) {
-    const std::size_t length = name_length(name, '=');
-    cson_string* key = cson_string_make(name, static_cast<std::uint32_t>(length));
-    cson_value* value = argument_value(name + length);
+    const std::string_view key_text = name_at(name, '=');
+    cson_value* key = value_from(key_text);
+    cson_value* value = argument_value(name + key_text.size());
     int code = cson_AllocError;
     if (key != nullptr && value != nullptr)
-        code = cson_object_put_string(object, key, value);
+        code = cson_object_put_string(object, cson_value_string(key), value);
     if (code != cson_OK) {
-        cson_release_string(key);
+        cson_value_release(key);
         cson_value_release(value);
     }
     return code;
+}
+
+int put_arguments(cson_object* object, int argc, const char* const* argv, std::uint32_t& count) {
+    for (int i = 0; i < argc; ++i) {
+        const char* name = argument_name(argv[i]);
+        if (name == nullptr)
+            continue;
+        const int code = put_argument(object, name);
+        if (code != cson_OK)
+            return code;
+        ++count;
+    }
+    return cson_OK;
 }
 
 } // namespace
@@ -77,23 +92,20 @@ int put_argument(cson_object* object, const char* name) {
 int cson_object_path(cson_object* object, cson_value** out, const char* path, char separator) {
     if (object == nullptr || path == nullptr)
         return cson_ArgError;
-    if (*path == 0 || separator == 0)
-        return cson_RangeError;
-    path = skip(path, separator);
-    if (*path == 0)
+    if (separator == 0 || *skip(path, separator) == 0)
         return cson_RangeError;
     cson_value* member = nullptr;
-    while (*path != 0) {
-        const std::size_t length = name_length(path, separator);
-        if (length > longest_name)
+    for (path = skip(path, separator); *path != 0; path = skip(path, separator)) {
+        if (object == nullptr)
+            return cson_NotFoundError;
+        const std::string_view name = name_at(path, separator);
+        if (name.size() > LONGEST_NAME)
             return cson_RangeError;
-        member = member_named(object, path, length);
+        member = cson_kvp_value(find_pair(object, name));
         if (member == nullptr)
             return cson_NotFoundError;
-        path = skip(path + length, separator);
         object = cson_value_object(member);
-        if (*path != 0 && object == nullptr)
-            return cson_NotFoundError;
+        path += name.size();
     }
     if (out != nullptr)
         *out = member;
@@ -124,25 +136,18 @@ int cson_object_from_args(int argc, const char* const* argv, cson_object** targe
                           std::uint32_t* count) {
     if (argc < 1 || argv == nullptr || target == nullptr)
         return cson_ArgError;
-    cson_object* object =
-        *target != nullptr ? *target : cson_value_object(cson_value_make_object());
+    const bool is_new = *target == nullptr;
+    cson_object* object = is_new ? cson_value_object(cson_value_make_object()) : *target;
     if (object == nullptr)
         return cson_AllocError;
+    std::uint32_t put = 0;
+    const int code = put_arguments(object, argc, argv, put);
     if (count != nullptr)
-        *count = 0;
-    int code = cson_OK;
-    for (int i = 0; i < argc && code == cson_OK; ++i) {
-        const char* name = argv[i] != nullptr ? skip(argv[i], '-') : "";
-        if (name == argv[i] || *name == 0)
-            continue;
-        code = put_argument(object, name);
-        if (code == cson_OK && count != nullptr)
-            ++*count;
-    }
-    if (*target == nullptr && code != cson_OK)
-        cson_release_object(object);
-    else
+        *count = put;
+    if (code == cson_OK)
         *target = object;
+    else if (is_new)
+        cson_release_object(object);
     return code;
 }
 

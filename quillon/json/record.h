@@ -1,4 +1,4 @@
-// What makers, parser and copy share: values and containers built on memory of a pool.
+// Building values and containers, in memory of a pool or in blocks of their own.
 #pragma once
 
 #include "quillon/json/allocator.h"
@@ -27,35 +27,38 @@ extern const std::array<KindInfo, 8> KINDS; // by kind id
 
 inline constexpr const char* KVP_TAG = "cson_kvp";
 
-// The typed payload, whether or not the record refers to it at the moment.
-template <class Payload>
+// The typed payload, also of a record whose `value` is in use for something else.
+template <typename Payload>
 Payload* payload_of(cson_value* value) {
     return reinterpret_cast<Payload*>(value + 1);
 }
 
-template <class Payload>
+template <typename Payload>
 const Payload* payload_of(const cson_value* value) {
     return reinterpret_cast<const Payload*>(value + 1);
 }
 
-// True if the value has an `api` of this kind.
 inline bool has_kind(const cson_value* value, std::uint32_t kind) {
     return value != nullptr && value->api != nullptr && value->api->kind == kind;
 }
 
-// A string's text with what the length counts; the string must not be null.
+inline bool is_container(const cson_value* value) {
+    return has_kind(value, cson_kind_array) || has_kind(value, cson_kind_object);
+}
+
+// The text, zero bytes included; the string must not be null.
 inline std::string_view view_of(const cson_string* string) {
     return {reinterpret_cast<const char*>(string + 1), string->length};
 }
 
-// The pair's key, or null where it has none.
+// The pair's key; null for a null pair, and where the key is no string.
 inline const cson_string* key_of(const cson_kvp* pair) {
     return pair != nullptr && has_kind(pair->key, cson_kind_string)
                ? static_cast<const cson_string*>(pair->key->value)
                : nullptr;
 }
 
-// In front of a list's entries.
+// Precedes a list's entries.
 struct StorageHeader {
     std::uint32_t chunk_offset; // as in cson_value
     std::uint32_t unused;       // keeps the entries aligned
@@ -69,7 +72,7 @@ inline const char* tag_of(const cson_kvp_list*) {
     return "cson_kvp_list_reserve";
 }
 
-// Memory from the pool, or for a null pool a block of its own.
+// Memory from the pool, or for a null pool a block of its own; null without memory.
 inline void* allocate(Pool* pool, std::size_t bytes, const char* tag, std::uint32_t& chunk_offset) {
     if (pool != nullptr)
         return pool->allocate(bytes, tag, chunk_offset);
@@ -77,7 +80,7 @@ inline void* allocate(Pool* pool, std::size_t bytes, const char* tag, std::uint3
     return reallocate(nullptr, bytes, tag);
 }
 
-// A value of a kind with a payload, whose content, of `bytes` bytes, is yet to be written; or null.
+// A value whose payload of `bytes` bytes is still to be written, or null.
 inline cson_value* build_record(Pool* pool, std::uint32_t kind, std::size_t bytes) {
     if (bytes > std::numeric_limits<std::size_t>::max() - sizeof(cson_value))
         return nullptr;
@@ -101,6 +104,7 @@ inline cson_value* build_container(Pool* pool, std::uint32_t kind) {
 inline cson_value* build_string(Pool* pool, const char* text, std::uint32_t length) {
     if (text == nullptr || length == 0 || *text == 0)
         return &shared_constants.empty_string;
+    // One more would not fit into the 32 bits of extra bytes that a value can have.
     if (length == std::numeric_limits<std::uint32_t>::max())
         return nullptr;
     const std::size_t bytes = sizeof(cson_string) + 1 + length;
@@ -115,67 +119,71 @@ inline cson_value* build_string(Pool* pool, const char* text, std::uint32_t leng
     return value;
 }
 
-inline cson_value* build_int(Pool* pool, std::int32_t number) {
+// An integer or a double; `zero` is the shared constant.
+template <typename Number>
+cson_value* build_number(Pool* pool, std::uint32_t kind, Number number, cson_value* zero) {
     if (number == 0)
-        return &shared_constants.zero;
-    cson_value* value = build_record(pool, cson_kind_integer, sizeof(number));
+        return zero;
+    cson_value* value = build_record(pool, kind, sizeof(number));
     if (value != nullptr)
-        *payload_of<std::int32_t>(value) = number;
+        *payload_of<Number>(value) = number;
     return value;
+}
+
+inline cson_value* build_int(Pool* pool, std::int32_t number) {
+    return build_number(pool, cson_kind_integer, number, &shared_constants.zero);
 }
 
 inline cson_value* build_double(Pool* pool, double number) {
-    if (number == 0.0)
-        return &shared_constants.double_zero;
-    cson_value* value = build_record(pool, cson_kind_double, sizeof(number));
-    if (value != nullptr)
-        *payload_of<double>(value) = number;
-    return value;
+    return build_number(pool, cson_kind_double, number, &shared_constants.double_zero);
 }
 
-// A pair with its two owners still to be counted, or null.
+// A pair whose two references are still to be counted, or null.
 inline cson_kvp* build_kvp(Pool* pool, cson_value* key, cson_value* value) {
     std::uint32_t chunk_offset = 0;
     void* block = allocate(pool, sizeof(cson_kvp), KVP_TAG, chunk_offset);
     return block != nullptr ? new (block) cson_kvp{key, value, chunk_offset} : nullptr;
 }
 
-// New storage of a list with its first entries, null meaning none, and the others null; or null.
-template <class List>
+// Bytes of a list's storage; a size that no allocation can have where `capacity` is too large.
+inline std::size_t storage_bytes(std::uint32_t capacity) {
+    constexpr std::size_t most = std::numeric_limits<std::size_t>::max();
+    const bool fits = capacity <= (most - sizeof(StorageHeader)) / sizeof(void*);
+    return fits ? sizeof(StorageHeader) + capacity * sizeof(void*) : most;
+}
+
+// Entries for a list: the first `count` copied from `entries`, the others null. Null without
+// memory.
+template <typename List>
 auto build_storage(Pool* pool, const List* list, std::uint32_t capacity, void* const* entries,
                    std::uint32_t count) -> decltype(list->items) {
-    constexpr std::size_t entry = sizeof(void*);
-    constexpr std::size_t most = std::numeric_limits<std::size_t>::max();
-    if (std::size_t{capacity} > (most - sizeof(StorageHeader)) / entry)
-        return nullptr;
     std::uint32_t chunk_offset = 0;
-    void* block =
-        allocate(pool, sizeof(StorageHeader) + capacity * entry, tag_of(list), chunk_offset);
+    void* block = allocate(pool, storage_bytes(capacity), tag_of(list), chunk_offset);
     if (block == nullptr)
         return nullptr;
     auto* header = new (block) StorageHeader{chunk_offset, 0};
     auto* items = reinterpret_cast<decltype(list->items)>(header + 1);
-    if (entries != nullptr)
-        std::memcpy(items, entries, count * entry);
-    std::memset(items + count, 0, (capacity - count) * entry);
+    if (count != 0)
+        std::memcpy(items, entries, count * sizeof(void*));
+    std::memset(items + count, 0, (capacity - count) * sizeof(void*));
     return items;
 }
 
-template <class List>
+template <typename List>
 StorageHeader* header_of(const List* list) {
     return reinterpret_cast<StorageHeader*>(list->items) - 1;
 }
 
-template <class List>
+template <typename List>
 void free_storage(List* list) {
     if (list->items != nullptr)
         free(header_of(list), header_of(list)->chunk_offset, tag_of(list));
     *list = {};
 }
 
-// What a push does to a list first: one entry before it is full, room for twice the count, from
-// nothing for `first`. False without memory.
-template <class List>
+// Prepares a push: one entry before a list is full its capacity becomes twice the count, and
+// `first` for an empty one. False without memory.
+template <typename List>
 bool grow_for_one(List* list, std::uint32_t first, std::uint32_t (*reserve)(List*, std::uint32_t)) {
     if (list->capacity != 0 && list->count != list->capacity - 1)
         return true;
@@ -185,18 +193,26 @@ bool grow_for_one(List* list, std::uint32_t first, std::uint32_t (*reserve)(List
     return reserve(list, wanted) >= wanted;
 }
 
-// The pair of a key, which here may be empty, or null.
-cson_kvp* find_pair(const cson_object* object, const cson_string* key);
-
-// True while the count of owners isn't full.
+// False once the reference count is at its largest.
 inline bool can_own(const cson_value* value) {
     return value->refcount != std::numeric_limits<std::uint32_t>::max();
 }
 
-// Counts one owner more, where counting applies.
+// Counts one reference more, except of a shared constant.
 inline void add_owner(cson_value* value) {
     if (!cson_value_is_shared(value))
         ++value->refcount;
 }
+
+// Releases key and member, and frees the pair.
+void release_pair(cson_kvp* pair);
+
+// The first pair with this key, which here may be empty, or null.
+cson_kvp* find_pair(const cson_object* object, std::string_view key);
+
+// Stores a member whose key the object does not hold (first) or holds (second), with their
+// references. RangeError where a reference count is at its largest; then nothing has changed.
+int append_pair(cson_object* object, cson_value* key, cson_value* value);
+int replace_pair(cson_kvp* pair, cson_value* key, cson_value* value);
 
 } // namespace quillon::json

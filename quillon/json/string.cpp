@@ -2,49 +2,27 @@
 #include "quillon/json/value.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
 namespace quillon {
 namespace {
 
-constexpr std::uint32_t replacement_character = 0xFFFD;
+constexpr std::uint32_t REPLACEMENT_CHARACTER = 0xFFFD;
 
 bool is_continuation(unsigned char byte) {
     return (byte & 0xC0) == 0x80;
 }
 
-// What a lead byte, 0xC0 and up, contributes to its character.
+// The bits that a lead byte, 0xC0 and up, adds to its character: those after its ones and a zero.
+// Leads of five and six bytes are from the first form of UTF-8, RFC 2279.
 std::uint32_t payload_bits(unsigned char lead) {
-    if (lead < 0xE0)
-        return lead - 0xC0u;
-    if (lead < 0xF0)
-        return lead - 0xE0u;
-    if (lead < 0xF8)
-        return lead - 0xF0u;
-    if (lead < 0xFC)
-        return lead - 0xF8u;
-    return lead < 0xFE ? lead - 0xFCu : 0;
+    return lead & 0x7Fu >> std::countl_one(lead);
 }
 
-bool is_no_character(std::uint32_t code) {
+// Overlong, a surrogate, or not a character at all.
+bool is_invalid(std::uint32_t code) {
     return code < 0x80 || (code >= 0xD800 && code <= 0xDFFF) || code == 0xFFFE || code == 0xFFFF;
-}
-
-// The byte at `index`, with zeros behind the end.
-int byte_at(const char* text, std::uint32_t length, std::uint32_t index) {
-    return index < length ? static_cast<unsigned char>(text[index]) : 0;
-}
-
-int compare_until_zero(const char* a, std::uint32_t a_length, const char* b,
-                       std::uint32_t b_length) {
-    const std::uint32_t limit = std::max(a_length, b_length);
-    for (std::uint32_t i = 0; i < limit; ++i) {
-        const int left = byte_at(a, a_length, i);
-        const int right = byte_at(b, b_length, i);
-        if (left != right || left == 0)
-            return left - right;
-    }
-    return 0;
 }
 
 } // namespace
@@ -79,7 +57,8 @@ int cson_string_compare_bytes(const cson_string* string, const char* text, std::
         return string->length != 0 ? 1 : 0;
     if (string->length == 0)
         return -1;
-    const int order = compare_until_zero(cson_string_text(string), string->length, text, length);
+    const int order =
+        std::strncmp(cson_string_text(string), text, std::max(string->length, length));
     if (order != 0 || string->length == length)
         return order;
     return string->length < length ? -1 : 1;
@@ -104,7 +83,7 @@ std::uint32_t cson_utf8_next(const unsigned char* cursor, const unsigned char* e
     for (; cursor < end && is_continuation(*cursor); ++cursor)
         code = (code << 6) + (*cursor & 0x3Fu);
     *after = cursor;
-    return is_no_character(code) ? replacement_character : code;
+    return is_invalid(code) ? REPLACEMENT_CHARACTER : code;
 }
 
 } // namespace quillon

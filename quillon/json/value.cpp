@@ -14,7 +14,7 @@ using namespace json;
 
 namespace {
 
-constexpr std::array<const char*, 20> error_names = {
+constexpr std::array<const char*, 20> ERROR_NAMES = {
     "OK",
     "ArgError",
     "RangeError",
@@ -41,24 +41,61 @@ bool is_undefined(const cson_value* value) {
     return value == nullptr || value->api == nullptr;
 }
 
-// A zero is held without a payload by the shared constants.
-std::int32_t integer_of(const cson_value* value) {
-    return value->value != nullptr ? *static_cast<const std::int32_t*>(value->value) : 0;
+// What a value is as a boolean, an integer and a double.
+struct Conversion {
+    bool flag = false;
+    std::int32_t integer = 0;
+    double number = 0.0;
+};
+
+// The shared zeros have no payload.
+template <typename Number>
+Number number_of(const cson_value* value) {
+    return value->value != nullptr ? *static_cast<const Number*>(value->value) : Number{0};
 }
 
-double double_of(const cson_value* value) {
-    return value->value != nullptr ? *static_cast<const double*>(value->value) : 0.0;
-}
-
+// A double beyond 32 bits would be undefined behaviour as an integer: it becomes the nearest one,
+// and NaN becomes 0.
 std::int32_t truncate(double number) {
-    using limits = std::numeric_limits<std::int32_t>;
+    using Limits = std::numeric_limits<std::int32_t>;
     if (std::isnan(number))
         return 0;
-    return static_cast<std::int32_t>(std::clamp<double>(number, limits::lowest(), limits::max()));
+    return static_cast<std::int32_t>(std::clamp<double>(number, Limits::lowest(), Limits::max()));
 }
 
-// The shared body of the three `as` operations.
-template <class Payload>
+Conversion converted(const cson_value* value) {
+    const bool present = value != nullptr && value->value != nullptr;
+    switch (is_undefined(value) ? std::uint32_t{cson_kind_undefined} : value->api->kind) {
+    case cson_kind_boolean: // true is any payload, false is none
+        return {present, present ? 1 : 0, present ? 1.0 : 0.0};
+    case cson_kind_integer: {
+        const auto integer = number_of<std::int32_t>(value);
+        return {integer != 0, integer, static_cast<double>(integer)};
+    }
+    case cson_kind_double: {
+        const auto number = number_of<double>(value);
+        return {number != 0.0, truncate(number), number};
+    }
+    case cson_kind_string:
+        return {cson_string_size(cson_value_string(value)) != 0};
+    case cson_kind_array:
+    case cson_kind_object:
+        return {true};
+    default: // undefined and null
+        return {};
+    }
+}
+
+template <typename Number>
+int convert(const cson_value* value, Number* out, Number Conversion::*field) {
+    if (is_undefined(value))
+        return cson_ArgError;
+    if (out != nullptr)
+        *out = converted(value).*field;
+    return cson_OK;
+}
+
+template <typename Payload>
 int payload_as(const cson_value* value, std::uint32_t kind, Payload** out) {
     if (value == nullptr)
         return cson_ArgError;
@@ -69,20 +106,21 @@ int payload_as(const cson_value* value, std::uint32_t kind, Payload** out) {
     return cson_OK;
 }
 
-template <class Payload>
+template <typename Payload>
 Payload* payload_or_null(const cson_value* value, std::uint32_t kind) {
     Payload* payload = nullptr;
     payload_as(value, kind, &payload);
     return payload;
 }
 
-// The payload never moves, so its value stands right in front of it.
+// A payload never moves: it is directly after its value in one block.
 cson_value* value_before(const void* payload) {
     return payload != nullptr ? static_cast<cson_value*>(const_cast<void*>(payload)) - 1 : nullptr;
 }
 
 } // namespace
 
+// Static values, so that the most common ones need no memory and no counting.
 constinit SharedConstants json::shared_constants = {
     {&KINDS[cson_kind_undefined].api, nullptr, 0, 0},
     {&KINDS[cson_kind_null].api, nullptr, 0, 0},
@@ -97,8 +135,8 @@ constinit SharedConstants json::shared_constants = {
 };
 
 const char* cson_error_name(int code) {
-    const bool known = code >= 0 && code < static_cast<int>(error_names.size());
-    return error_names[static_cast<std::size_t>(known ? code : cson_UnknownError)];
+    const bool known = code >= 0 && code < static_cast<int>(ERROR_NAMES.size());
+    return ERROR_NAMES[static_cast<std::size_t>(known ? code : cson_UnknownError)];
 }
 
 cson_value* cson_value_new(std::uint32_t kind, std::uint32_t extra) {
@@ -176,100 +214,29 @@ bool cson_value_is_object(const cson_value* value) {
 }
 
 int cson_value_to_bool(const cson_value* value, bool* out) {
-    if (is_undefined(value))
-        return cson_ArgError;
-    bool result = false;
-    switch (value->api->kind) {
-    case cson_kind_boolean:
-        result = value->value != nullptr;
-        break;
-    case cson_kind_integer:
-        result = integer_of(value) != 0;
-        break;
-    case cson_kind_double:
-        result = double_of(value) != 0.0;
-        break;
-    case cson_kind_string:
-        result = cson_string_size(cson_value_string(value)) != 0;
-        break;
-    case cson_kind_array:
-    case cson_kind_object:
-        result = true;
-        break;
-    default: // undefined and null
-        break;
-    }
-    if (out != nullptr)
-        *out = result;
-    return cson_OK;
+    return convert(value, out, &Conversion::flag);
 }
 
 int cson_value_to_int(const cson_value* value, std::int32_t* out) {
-    if (is_undefined(value))
-        return cson_ArgError;
-    std::int32_t result = 0;
-    switch (value->api->kind) {
-    case cson_kind_boolean:
-        result = value->value != nullptr ? 1 : 0;
-        break;
-    case cson_kind_integer:
-        result = integer_of(value);
-        break;
-    case cson_kind_double:
-        result = truncate(double_of(value));
-        break;
-    default: // all others are 0
-        break;
-    }
-    if (out != nullptr)
-        *out = result;
-    return cson_OK;
+    return convert(value, out, &Conversion::integer);
 }
 
 int cson_value_to_double(const cson_value* value, double* out) {
-    if (is_undefined(value))
-        return cson_ArgError;
-    double result = 0.0;
-    int code = cson_OK;
-    switch (value->api->kind) {
-    case cson_kind_boolean:
-        result = value->value != nullptr ? 1.0 : 0.0;
-        break;
-    case cson_kind_integer:
-        result = integer_of(value);
-        break;
-    case cson_kind_double:
-        result = double_of(value);
-        break;
-    case cson_kind_string:
-    case cson_kind_array:
-    case cson_kind_object:
-        code = cson_TypeError;
-        break;
-    default: // undefined and null
-        break;
-    }
-    if (out != nullptr)
-        *out = result;
-    return code;
+    const int code = convert(value, out, &Conversion::number);
+    const bool has_number = code != cson_OK || value->api->kind < cson_kind_string;
+    return has_number ? code : int{cson_TypeError};
 }
 
 bool cson_value_bool(const cson_value* value) {
-    bool result = false;
-    cson_value_to_bool(value, &result);
-    return result;
+    return converted(value).flag;
 }
 
 std::int32_t cson_value_int(const cson_value* value) {
-    std::int32_t result = 0;
-    cson_value_to_int(value, &result);
-    return result;
+    return converted(value).integer;
 }
 
 double cson_value_double(const cson_value* value) {
-    double result = 0.0;
-    cson_value_to_double(value, &result);
-    return result;
+    return converted(value).number;
 }
 
 int cson_value_as_string(const cson_value* value, cson_string** out) {
