@@ -67,9 +67,9 @@ private:
         case cson_kind_boolean:
             return cson_value_from_bool(source->value != nullptr);
         case cson_kind_integer:
-            return build_int(small, cson_value_int(source));
+            return build_int(small, number_of<std::int32_t>(source));
         case cson_kind_double:
-            return build_double(small, cson_value_double(source));
+            return build_double(small, number_of<double>(source));
         case cson_kind_string:
             return copy_string(small, static_cast<const cson_string*>(source->value));
         case cson_kind_array: {
@@ -129,9 +129,8 @@ private:
             return false;
         KeyTable::Slot& slot = slot_of(keys, source);
         open.top().repeats |= holds(keys, slot);
-        if (slot.copy == nullptr || view_of(slot.key) != view_of(source))
+        if (slot.copy == nullptr)
             slot.copy = copy_string(&pool, source);
-        slot.key = source;
         slot.generation = keys.generation;
         cson_kvp* pair = slot.copy != nullptr ? build_kvp(&pool, slot.copy, nullptr) : nullptr;
         if (pair != nullptr) {
@@ -207,7 +206,8 @@ private:
                 std::swap(list.items[slot.place]->value, pair->value);
                 release_pair(pair);
             } else {
-                slot = {key_of(pair), pair->key, keys.generation, kept};
+                slot.generation = keys.generation;
+                slot.place = kept;
                 list.items[kept++] = pair;
             }
         }

@@ -11,20 +11,23 @@
 
 namespace quillon::json {
 
-// Open addressing with linear probing, at most half full. Raising the generation forgets all keys.
+// Open addressing with linear probing, at most half full. A slot keeps its key while the table
+// lasts; whether the present object has it, is a matter of the generation.
 //
 // A plain record, so that a stack can hold it: `free_keys` frees its memory.
 struct KeyTable {
     struct Slot {
         const cson_string* key;
-        cson_value* copy; // of the key, where keys are copied; outlasts the generation
+        cson_value* copy; // of the key, where keys are copied
         std::uint64_t generation;
         std::uint32_t place;
+        std::uint32_t follower; // index of the slot that was looked up next
     };
 
     Slot* slots;
     std::size_t capacity;
-    std::size_t mask; // of the slots in use, so that small objects stay within a few cache lines
+    std::size_t used;
+    std::size_t last; // index of the slot that was looked up
     std::uint64_t generation;
 };
 
@@ -33,25 +36,31 @@ inline void free_keys(KeyTable& table) {
     table = {};
 }
 
-// Empties the table, with space for `count` keys; false without memory.
+// Starts an object of up to `count` keys; false without memory.
 inline bool start_keys(KeyTable& table, std::size_t count) {
-    const std::size_t wanted = std::bit_ceil(std::max<std::size_t>(count, 32)) * 2;
+    constexpr std::size_t small = 1024; // up to here the table grows for the keys of many objects
+    ++table.generation;
+    if (table.used + count <= table.capacity / 2)
+        return true;
+    const std::size_t wanted = std::max(std::bit_ceil(std::max<std::size_t>(count, 32)) * 2,
+                                        std::min(table.capacity * 4, small));
     if (wanted > table.capacity) {
         free_keys(table);
-        const std::size_t bytes = wanted * sizeof(KeyTable::Slot);
-        table.slots = static_cast<KeyTable::Slot*>(reallocate(nullptr, bytes, "cson_key_table"));
+        table.slots = static_cast<KeyTable::Slot*>(
+            reallocate(nullptr, wanted * sizeof(KeyTable::Slot), "cson_key_table"));
         if (table.slots == nullptr)
             return false;
-        std::memset(table.slots, 0, bytes);
         table.capacity = wanted;
+        table.generation = 1;
     }
-    table.mask = wanted - 1;
-    ++table.generation;
+    std::memset(table.slots, 0, table.capacity * sizeof(KeyTable::Slot));
+    table.used = 0;
+    table.last = 0;
     return true;
 }
 
-// Eight bytes at a time by Fibonacci hashing (Knuth, The Art of Computer Programming, 6.4). The last
-// load may begin before the text: there are the string's length and its record.
+// Eight bytes at a time by Fibonacci hashing (Knuth, The Art of Computer Programming, 6.4). The
+// last load may begin before the text: there are the string's length and its record.
 inline std::size_t hash_of(const cson_string* key) {
     constexpr std::uint64_t golden_ratio = 0x9E3779B97F4A7C15;
     const auto mixed = [](std::uint64_t bits) {
@@ -72,13 +81,23 @@ inline bool holds(const KeyTable& table, const KeyTable::Slot& slot) {
     return slot.generation == table.generation;
 }
 
-// The slot that holds the key, or else a free one for it.
-inline KeyTable::Slot& slot_of(const KeyTable& table, const cson_string* key) {
-    for (std::size_t i = hash_of(key) & table.mask;; i = (i + 1) & table.mask) {
-        KeyTable::Slot& slot = table.slots[i];
-        if (!holds(table, slot) || slot.key == key || view_of(slot.key) == view_of(key))
-            return slot;
+// The key's slot. Objects of one shape have the same keys in the same order, so the one that
+// followed before is tried first.
+inline KeyTable::Slot& slot_of(KeyTable& table, const cson_string* key) {
+    std::uint32_t& follower = table.slots[table.last].follower;
+    if (table.slots[follower].key != key) {
+        const std::size_t mask = table.capacity - 1;
+        std::size_t i = hash_of(key) & mask;
+        while (table.slots[i].key != nullptr && view_of(table.slots[i].key) != view_of(key))
+            i = (i + 1) & mask;
+        if (table.slots[i].key == nullptr) {
+            table.slots[i].key = key;
+            ++table.used;
+        }
+        follower = static_cast<std::uint32_t>(i);
     }
+    table.last = follower;
+    return table.slots[table.last];
 }
 
 } // namespace quillon::json

@@ -38,6 +38,12 @@ const Payload* payload_of(const cson_value* value) {
     return reinterpret_cast<const Payload*>(value + 1);
 }
 
+// The number of an integer or double. The shared zeros have no payload.
+template <typename Number>
+Number number_of(const cson_value* value) {
+    return value->value != nullptr ? *static_cast<const Number*>(value->value) : Number{0};
+}
+
 inline bool has_kind(const cson_value* value, std::uint32_t kind) {
     return value != nullptr && value->api != nullptr && value->api->kind == kind;
 }

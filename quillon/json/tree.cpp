@@ -126,15 +126,17 @@ private:
         for (std::uint32_t i = 0; i < list.count; ++i) {
             const cson_string* key = key_of(list.items[i]);
             KeyTable::Slot* slot = key != nullptr ? &slot_of(merge.keys, key) : nullptr;
-            if (slot != nullptr && !holds(merge.keys, *slot))
-                *slot = {key, nullptr, merge.keys.generation, i};
+            if (slot != nullptr && !holds(merge.keys, *slot)) {
+                slot->generation = merge.keys.generation;
+                slot->place = i;
+            }
         }
         return true;
     }
 
     // The destination's pair with the key, or null. A source that grows while it is being combined,
     // as it is itself a member below the destination, has pairs that the table has no space for.
-    static cson_kvp* find(const Merge& merge, const cson_string* key, KeyTable::Slot*& slot) {
+    static cson_kvp* find(Merge& merge, const cson_string* key, KeyTable::Slot*& slot) {
         if (merge.next > merge.indexed)
             return find_pair(merge.destination, view_of(key));
         slot = &slot_of(merge.keys, key);
@@ -160,10 +162,11 @@ private:
             return cson_OK;
         const int code = present != nullptr ? replace_pair(present, pair->key, pair->value)
                                             : append_pair(top.destination, pair->key, pair->value);
-        // A replaced pair has the source's key now; its own may be gone.
-        if (slot != nullptr && code == cson_OK)
-            *slot = {key, nullptr, top.keys.generation,
-                     present != nullptr ? slot->place : top.destination->list.count - 1};
+        if (slot == nullptr || code != cson_OK)
+            return code;
+        slot->key = key; // of the replaced pair as well, whose own may be gone
+        slot->generation = top.keys.generation;
+        slot->place = present != nullptr ? slot->place : top.destination->list.count - 1;
         return code;
     }
 

@@ -48,12 +48,6 @@ struct Conversion {
     double number = 0.0;
 };
 
-// The shared zeros have no payload.
-template <typename Number>
-Number number_of(const cson_value* value) {
-    return value->value != nullptr ? *static_cast<const Number*>(value->value) : Number{0};
-}
-
 // A double beyond 32 bits would be undefined behaviour as an integer: it becomes the nearest one,
 // and NaN becomes 0.
 std::int32_t truncate(double number) {
