@@ -2,9 +2,9 @@
 // plain, one listener.
 //
 // World as in graphics.h: an orientation has the columns right, up and forward. Handles are small
-// integers; 0 is none. A plug-in without a device says so once in last_error and goes on in
-// silence: every operation still works, and voices end when their sound would have ended. An
-// operation that fails returns false or 0 and leaves the reason in last_error.
+// integers; 0 is none. Without a device a plug-in goes on in silence: every operation still works,
+// and voices end when their sound would have ended. An operation that fails returns false or 0 and
+// leaves the reason in last_error.
 #pragma once
 
 #include "contract.h"
@@ -32,6 +32,19 @@ struct Playing {
     double reference_distance = 1.0; // full gain up to here, beyond it reference / distance
 };
 
+// The init parameter that names the device as the driver does; without it, the system's own.
+inline constexpr const char* AUDIO_DEVICE = "AUDIO DEVICE";
+// The device name for no device on purpose: the host calls `render`.
+inline constexpr const char* OFFLINE_AUDIO = "offline";
+
+// For hosts, before __mCore_open: the sound is mixed by `render` instead of a device.
+inline void render_audio_offline() {
+    __mCore_add_plugin_init_parameter(AUDIO_DEVICE, const_cast<char*>(OFFLINE_AUDIO));
+}
+
+// Of an offline output.
+inline constexpr std::uint32_t AUDIO_FRAMES_PER_SECOND = 44'100;
+
 struct Audio {
     using Module = modAudio;
     static constexpr const char* SERVICE = "AUDIO";
@@ -40,7 +53,8 @@ struct Audio {
 
     Identify* identify = nullptr;
 
-    // Why the latest call that can fail failed, in one line; empty if it succeeded.
+    // Why the latest call that can fail failed, in one line; empty if it succeeded. Before the
+    // first such call, why there is no device.
     // Never null; valid until the next call of an entry.
     const char* (*last_error)() = nullptr;
 
@@ -67,8 +81,8 @@ struct Audio {
     // Holds all voices where they are, and lets them go on.
     void (*set_paused)(bool paused) = nullptr;
 
-    // Mixes the next `frames` of interleaved 16-bit stereo at 44,100 frames per second, as fast as
-    // the machine can: for a plug-in that was opened without a device on purpose. False otherwise.
+    // Mixes the next `frames` of interleaved 16-bit stereo at AUDIO_FRAMES_PER_SECOND, as fast as
+    // the machine can. False unless the host chose render_audio_offline.
     bool (*render)(std::int16_t* stereo, std::uint32_t frames) = nullptr;
 
     void* own_13[OWN_ENTRY_COUNT<AudioTable>] = {};

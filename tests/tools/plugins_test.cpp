@@ -14,7 +14,7 @@ using testing::HasSubstr;
 
 namespace {
 
-// A line per plug-in and refused file: "file [modules] reason", with "!" behind the file of a
+// A line per plug-in and refused file: "file [modules] reason", with "!" after the file of a
 // plug-in that is not initialised.
 std::vector<std::string> summary(const ToolRun& run) {
     std::vector<std::string> lines;

@@ -1,4 +1,4 @@
-// Hands the list of plug-ins to a host: a plug-in can look it up, while no export gives it. Its
+// Hands the list of plug-ins to a host: a plug-in can look it up, while no export returns it. Its
 // purpose keeps it out of the connecting passes.
 #include "quillon/core/plugin.h"
 
@@ -29,7 +29,7 @@ bool initialize(quillon::DSPrefHashMap<void>* parameters) {
 
 void shutdown() {}
 
-// Sets the `DSParray<cPlugin>*` behind `list`, for __mCore_call_plugin_function.
+// Sets the `DSParray<cPlugin>*` that `list` points to, for __mCore_call_plugin_function.
 QUILLON_PLUGIN_EXPORT void give_plugins(void* list) {
     *static_cast<decltype(plugins)*>(list) = plugins;
 }

@@ -29,7 +29,7 @@ constexpr struct {
     {" Not ", InputLogic::Not},
 };
 
-template <class Names>
+template <typename Names>
 std::int16_t code_of(const Names& names, std::string_view name) {
     const auto row = std::ranges::find_if(names, [name](const char* candidate) {
         return quillon::equal_ignoring_case(candidate, name);
@@ -41,7 +41,7 @@ std::int16_t digital_code_of(std::string_view name) {
     return code_of(quillon::digital_input_names, name);
 }
 
-// "+" is a name and part of names, so a join counts where both of its sides are names.
+// "+" is a name and part of names, so a join is one only where both of its sides are names.
 std::optional<quillon::cInputDigital> joined(std::string_view text) {
     for (std::size_t at = 1; at < text.size(); ++at)
         for (const auto& [word, logic] : JOINS) {
@@ -55,7 +55,7 @@ std::optional<quillon::cInputDigital> joined(std::string_view text) {
     return std::nullopt;
 }
 
-// The part of `text` that is no name: all of it, or one side of a join.
+// The part of `text` that is not a name: all of it, or one side of a join.
 std::string wrong_name(std::string_view text) {
     for (std::size_t at = 1; at < text.size(); ++at)
         for (const auto& join : JOINS)

@@ -14,10 +14,10 @@ struct Binding {
     std::variant<quillon::cInputDigital, quillon::cInputAnalog> input;
 };
 
-// The binding that `text` writes with display names, whose letter case plays no part: one input
+// The binding that `text` spells with display names, whose letter case is ignored: one input
 // ("Space", "Mouse X"), or two digital ones joined by "+" or "And", "Or" or "Not" between blanks.
 //
-// Throws Failure, with the name that was most likely meant, for a name that is none.
+// Throws Failure, with the name that was most likely meant, for an unknown name.
 Binding parse_binding(const std::string& text);
 
 } // namespace tool

@@ -12,7 +12,7 @@ namespace {
 
 using quillon::cColor;
 
-// What the font writes four of for a rectangle, its corners in turn.
+// A corner of a rectangle, of which the font writes four in turn.
 struct Corner {
     float x;
     float y;
@@ -25,24 +25,24 @@ struct Corner {
 Canvas::Canvas(std::int16_t width, std::int16_t height, const cColor& background) {
     std::uint8_t* pixels = nullptr;
     __cBitmap_init(width, height, pixels);
-    picture_.pixels.reset(pixels);
-    picture_.width = static_cast<std::uint16_t>(width);
-    picture_.height = static_cast<std::uint16_t>(height);
+    drawn.pixels.reset(pixels);
+    drawn.width = static_cast<std::uint16_t>(width);
+    drawn.height = static_cast<std::uint16_t>(height);
     __cBitmap_set_to_color(background, pixels, width * height);
 }
 
 void Canvas::blend(int x, int y, cColor color) {
-    if (x < 0 || x >= picture_.width || y < 0 || y >= picture_.height)
+    if (x < 0 || x >= drawn.width || y < 0 || y >= drawn.height)
         return;
-    const std::int32_t index = y * picture_.width + x;
+    const std::int32_t index = y * drawn.width + x;
     cColor below(0, 0, 0, 1);
-    __cBitmap_get_pixel(below, picture_.pixels.get(), index);
+    __cBitmap_get_pixel(below, drawn.pixels.get(), index);
     const float alpha = std::clamp(color.a, 0.0F, 1.0F);
     for (int channel = 0; channel < 3; ++channel)
         color[channel] =
             std::clamp(color[channel], 0.0F, 1.0F) * alpha + below[channel] * (1 - alpha);
     color.a = 1;
-    __cBitmap_set_pixel(color, picture_.pixels.get(), index);
+    __cBitmap_set_pixel(color, drawn.pixels.get(), index);
 }
 
 void Canvas::fill(int x, int y, int width, int height, const cColor& color) {

@@ -8,7 +8,7 @@
 
 namespace tool {
 
-// Pixels by column and row; what lies outside the picture is not drawn. Colours are held to 0 to 1
+// Pixels by column and row; pixels outside the picture are ignored. Colours are clamped to 0 to 1
 // and blended by their alpha.
 class Canvas {
 public:
@@ -20,10 +20,10 @@ public:
     // A line of text in ASCII, 12 pixels high, with its top left corner at (x, y).
     void write(int x, int y, std::string text, const quillon::cColor& color);
 
-    const Picture& picture() const { return picture_; }
+    const Picture& picture() const { return drawn; }
 
 private:
-    Picture picture_;
+    Picture drawn;
 };
 
 } // namespace tool

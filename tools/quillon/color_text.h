@@ -10,13 +10,13 @@ namespace tool {
 inline constexpr const char* COLOR_HELP =
     "A named colour, or red#green#blue#alpha# with 1 as the brightest";
 
-// Empty if `text` tells a colour, else why it does not.
+// Why `text` is not a colour; empty if it is.
 std::string color_fault(const std::string& text);
 
-// For a text without fault; alpha is 1 if it is not told.
+// The colour of a text without fault; alpha is 1 if it is missing.
 quillon::cColor color_of(const std::string& text);
 
-// Three digits of each component, as color_of reads it.
+// Three digits of each component, in the form that color_of reads.
 std::string text_of(const quillon::cColor& color);
 
 } // namespace tool

@@ -1,4 +1,4 @@
-// What the commands of `quillon` are made of. A further command is a file with a `declare` function
+// The parts of the commands of `quillon`. A further command is a file with a `declare` function
 // and its row in commands.cpp.
 #pragma once
 
@@ -14,13 +14,13 @@ namespace tool {
 
 enum ExitCode { SUCCESS = 0, FAILED = 1, MISUSED = 2 };
 
-// Does what the command is for, once its arguments are parsed.
+// Runs the command, once its arguments are parsed.
 using Action = std::function<ExitCode()>;
 
 struct Command {
     const char* name;
     const char* summary;
-    // Declares the arguments; what they are parsed into belongs to the action.
+    // Declares the arguments; the action owns the variables that they are parsed into.
     Action (*declare)(CLI::App& arguments);
 };
 

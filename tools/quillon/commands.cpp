@@ -16,12 +16,12 @@ namespace {
 
 constexpr Command COMMANDS[] = {
     {"convert", "Load a picture and save it under another name", declare_convert},
-    {"inputs", "Show live what is pressed and what bindings answer", declare_inputs},
+    {"inputs", "Show live which inputs are pressed and how bindings answer", declare_inputs},
     {"normal-map", "Turn a height map into a map of its normals", declare_normal_map},
     {"brush", "Add a colour through a soft round brush", declare_brush},
     {"mask", "Make a mask of alpha, of a channel or of a key colour", declare_mask},
     {"adjust", "Scale, lower or raise the brightness", declare_adjust},
-    {"average", "Tell the average colour", declare_average},
+    {"average", "Print the average colour", declare_average},
     {"palette", "Print or draw the named colours, gradients and materials", declare_palette},
     {"plugins", "List the plug-ins of a folder, and what is wrong with those that do not work",
      declare_plugins},

@@ -41,7 +41,7 @@ const quillon::Input& open_input() {
     open_plugins(folder);
     const auto input = quillon::contract<quillon::Input>(__mInput_instance());
     if (!input)
-        throw Failure(input.reason + " in '" + folder.string() + "'; 'quillon plugins' says more");
+        throw Failure(input.reason + " in '" + folder.string() + "'; 'quillon plugins' says why");
     return *input;
 }
 

@@ -12,7 +12,7 @@ using namespace tool;
 
 constexpr const char* VERSION = "quillon " TOOL_VERSION;
 
-// "quillon" and the command that the words were for.
+// "quillon" and the name of the command.
 std::string full_name(const CLI::App& app) {
     return app.get_parent() == nullptr ? app.get_name() : "quillon " + app.get_name();
 }
@@ -37,7 +37,7 @@ ExitCode unknown_word(const CLI::App& app, const std::string& word) {
                            (nearest.empty() ? "" : "; did you mean '" + nearest + "'?"));
 }
 
-// The first word if a command must stand there and none is named so.
+// The first word if it has to be a command and is not.
 const char* misspelt_command(int argc, char** argv) {
     if (argc < 2 || argv[1][0] == '-')
         return nullptr;

@@ -6,7 +6,7 @@
 
 namespace tool {
 
-// The word of `known` that a mistyped `word` most likely means: the one with the smallest edit
+// The word of `known` that a mistyped `word` most likely meant: the one with the smallest edit
 // distance, insertions, deletions and replacements counting one each (Wagner and Fischer, 1974).
 //
 // Empty if none is closer than half of the word's length.

@@ -49,7 +49,7 @@ void add_files(CLI::App& app, Files& files) {
         ->required();
 }
 
-// Lets exactly one of the options stand.
+// Requires exactly one of the options.
 void require_one(CLI::App& app, std::vector<CLI::Option*> options, const char* names) {
     for (CLI::Option* option : options)
         for (CLI::Option* other : options)
@@ -67,7 +67,7 @@ struct Point {
     std::int32_t y = 0;
 };
 
-// "X,Y" as CLI11 has types of one's own read.
+// Reads "X,Y"; CLI11 finds the function by its name.
 bool lexical_cast(const std::string& text, Point& point) {
     const char* end = text.data() + text.size();
     const auto x = std::from_chars(text.data(), end, point.x);

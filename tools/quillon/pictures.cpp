@@ -14,7 +14,7 @@ namespace {
 [[noreturn]] void fail(const std::string& what) {
     const auto pictures = quillon::contract<quillon::Pictures>(__mGraphics_instance());
     const std::string reason = pictures ? pictures->last_error() : pictures.reason;
-    throw Failure(reason.empty() ? what + "; the graphics plug-in gave no reason" : reason);
+    throw Failure(reason.empty() ? what + "; the graphics plug-in says no reason" : reason);
 }
 
 } // namespace
@@ -24,7 +24,7 @@ void open_graphics() {
     open_plugins(folder);
     if (__mGraphics_instance()->interface == nullptr)
         throw Failure("no plug-in in '" + folder.string() +
-                      "' serves GRAPHICS; 'quillon plugins' tells why");
+                      "' serves GRAPHICS; 'quillon plugins' says why");
 }
 
 Picture load_picture(const std::string& file) {

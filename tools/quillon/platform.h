@@ -1,4 +1,4 @@
-// What the tool asks the operating system directly.
+// The tool's own calls of the operating system.
 #pragma once
 
 #include <filesystem>
@@ -22,7 +22,7 @@ public:
     OutputCapture& operator=(const OutputCapture&) = delete;
     ~OutputCapture();
 
-    // What was written so far.
+    // The text that was written so far.
     std::string text() const;
 
 private:

@@ -14,12 +14,12 @@ namespace fs = std::filesystem;
 namespace tool {
 namespace {
 
-constexpr const char* OPENED_FOLDER = "plugin"; // what __mCore_open looks for
+constexpr const char* OPENED_FOLDER = "plugin"; // the one that __mCore_open opens
 
 // The longest pattern FOLDER/* that the library lists.
 constexpr std::size_t MAX_PATTERN = 259;
 
-// A folder that was installed with the tool, or that stands beside it in a build tree.
+// A folder that was installed with the tool, or that is beside it in a build tree.
 fs::path own_folder(const std::string& name) {
     const fs::path programs = platform::executable().parent_path();
     const fs::path installed = programs / INSTALLED_LIBRARIES / "quillon" / name;
@@ -66,7 +66,7 @@ void open_here_or_apart(const fs::path& folder) {
     __mCore_open();
 }
 
-// Throws where the library would only find nothing.
+// Throws Failure where the library would just find nothing.
 void expect_listable(const fs::path& folder) {
     std::error_code failure;
     const fs::directory_iterator readable(folder, failure);

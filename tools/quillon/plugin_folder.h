@@ -16,7 +16,7 @@ std::filesystem::path default_plugin_folder();
 // The folder of the tool's own plug-in (see tools/inspector).
 std::filesystem::path inspector_folder();
 
-// Opens the plug-ins of `folder` as a host does, once a process; gives the file names that the
+// Opens the plug-ins of `folder` as a host does, once a process; returns the file names that the
 // library refused. What else was written on the standard output goes to the error stream.
 //
 // For a folder other than "plugin" below the current directory, `initialize` and connect entry

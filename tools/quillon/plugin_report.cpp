@@ -169,7 +169,7 @@ private:
                                       : ", which no plug-in here is named";
     }
 
-    // The same steps as the library's connecting, each with the words for ending there.
+    // The steps of the library's connecting, each with the reason if it ends there.
     std::string why_not_connected(const quillon::cPlugin& plugin,
                                   const LoadedPlugin& description) const {
         if (description.purpose != "Module")

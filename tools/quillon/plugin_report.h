@@ -1,4 +1,4 @@
-// What became of the files of a plug-in folder.
+// The files of a plug-in folder, with the outcome of loading each.
 #pragma once
 
 #include <cstdint>
@@ -13,9 +13,9 @@ struct LoadedPlugin {
     std::string name;
     std::string purpose;
     std::vector<std::string> prerequisites;
-    std::vector<std::string> modules; // keywords of those that it was connected to
+    std::vector<std::string> modules; // the keywords of those that it serves
     bool initialised;
-    std::string reason; // why it was connected to none; empty if it was
+    std::string reason; // why it serves none; empty if it does
 };
 
 struct RefusedFile {
@@ -28,7 +28,7 @@ struct PluginReport {
     std::vector<RefusedFile> refused;
 };
 
-// Opens the plug-ins of `folder`, once a process, and looks at what came of it.
+// Opens the plug-ins of `folder`, once a process, and reports the outcome.
 //
 // Throws Failure as open_plugins does.
 PluginReport report_on(const std::filesystem::path& folder);
