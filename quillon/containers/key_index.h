@@ -10,7 +10,7 @@ namespace quillon {
 
 // Finds pointers by 32-bit key in constant time, without an order; it refers to them and owns none.
 //
-// Open addressing with linear probing and multiplicative hashing; at most half of the slots are
+// Open addressing with linear probing and multiplicative hashing; at most a quarter of the slots is
 // taken. No entry leaves, and null is never stored.
 template <class T>
 class KeyIndex {

@@ -11,7 +11,7 @@ namespace quillon {
 // The position behind the last element.
 inline constexpr std::uint32_t DSP_APPEND = 0xFFFFFFFF;
 
-template <class A, class B>
+template <typename A, typename B>
 struct tuple2 {
     A first;
     B second;
@@ -23,7 +23,7 @@ struct tuple2 {
 //
 // Elements come from `new`; null may be stored.
 // Not safe for use from two threads at once; walk by position when a walk may nest in another.
-template <class T>
+template <typename T>
 class DSParray {
 public:
     explicit DSParray(bool references_only = false) : referencesOnly(references_only) {}
@@ -33,11 +33,15 @@ public:
 
     virtual ~DSParray() { clear(); }
 
-    std::uint32_t count() const { return static_cast<std::uint32_t>(items.size()); }
+    std::uint32_t count() const {
+        return static_cast<std::uint32_t>(gap == 0 ? cursor : items.size() - gap);
+    }
 
     // The element at `position`, or null beyond the end.
     T* get(const std::uint32_t& position) const {
-        return position < count() ? items[position] : nullptr;
+        if (position < cursor)
+            return items[position];
+        return gap == 0 ? nullptr : get_after_gap(position);
     }
 
     // Puts `element` before the one at `position` (DSP_APPEND or `count` for the end) and returns
@@ -48,8 +52,9 @@ public:
         if (target > count())
             return nullptr;
         make_room_for_one();
-        cursor = items.begin() + target;
-        cursor = items.insert(cursor, element);
+        items.insert(iterator_at(place_of(target)), element);
+        if (gap == 0)
+            cursor = items.size();
         return element;
     }
 
@@ -58,35 +63,35 @@ public:
     bool remove(const std::uint32_t& position, bool keep) {
         if (position >= count())
             return false;
-        cursor = items.begin() + position;
+        const std::size_t place = place_of(position);
         if (!keep)
-            destroy(*cursor);
-        items.erase(cursor);
+            destroy(items[place]); // may come back and append
+        items.erase(iterator_at(place));
+        cursor = items.size();
         return true;
     }
 
-    // Walks from the first element on and takes out, in one pass, those for which `leaves` is true;
-    // the others keep their order. What the list owns is destroyed after `leaves` has returned.
+    // Walks from the first element on and removes, in linear time, those for which `leaves` returns
+    // true; the others keep their order. What the list owns is destroyed after `leaves` returned.
     //
-    // `leaves` may add behind the last element and is then asked about that one too; it must not
-    // change the list otherwise, and finds null at some of the positions that were walked over.
-    // An exception of `leaves` ends the walk: the element in question and all behind it stay.
-    template <class Leaves>
+    // `leaves` sees the list without the elements removed so far, and with the one in question.
+    // It may append, and is then asked about that element too; it must not change the list
+    // otherwise.
+    // An exception of `leaves` ends the walk: the element in question and all after it stay.
+    template <typename Leaves>
     void remove_if(Leaves leaves) {
         constexpr std::size_t ahead = 12; // elements lie scattered: let their accesses overlap
-        Gap gap{items};
-        while (gap.end < items.size()) {
-            if (gap.end + ahead < items.size())
-                __builtin_prefetch(items[gap.end + ahead], 1);
-            T* const element = items[gap.end];
-            const bool gone = leaves(element);
-            if (gone || gap.begin != gap.end)
-                items[gap.end] = nullptr;
-            ++gap.end;
-            if (gone)
+        const GapCloser closer{*this};
+        for (std::size_t place = 0; place < items.size(); ++place) {
+            if (place + ahead < items.size())
+                __builtin_prefetch(items[place + ahead], 1);
+            T* const element = items[place];
+            if (leaves(element)) {
+                cursor = place - gap++;
                 destroy(element);
-            else
-                items[gap.begin++] = element;
+            } else if (gap > 0) {
+                items[cursor++] = element;
+            }
         }
     }
 
@@ -104,12 +109,39 @@ public:
 
     // Destroys every element that the list owns, first to last, and empties the list.
     void clear() {
-        for (cursor = items.begin(); cursor != items.end(); ++cursor)
-            destroy(*cursor);
+        for (std::size_t place = 0; place < items.size(); ++place)
+            destroy(items[place]);
         items.clear();
+        cursor = 0;
     }
 
 private:
+    // Ends a walk in whichever way: closes the gap that it has made.
+    struct GapCloser {
+        DSParray& list;
+
+        ~GapCloser() {
+            const auto first = list.iterator_at(list.cursor);
+            list.items.erase(first, first + list.gap);
+            list.cursor = list.items.size();
+            list.gap = 0;
+        }
+    };
+
+    // Where the element at `position` is stored.
+    std::size_t place_of(std::uint32_t position) const {
+        return position < cursor ? position : std::size_t{position} + gap;
+    }
+
+    [[gnu::noinline, gnu::cold]] T* get_after_gap(std::uint32_t position) const {
+        const std::size_t place = std::size_t{position} + gap;
+        return place < items.size() ? items[place] : nullptr;
+    }
+
+    auto iterator_at(std::size_t place) {
+        return items.begin() + static_cast<std::ptrdiff_t>(place);
+    }
+
     // A type that hides its destructor can only be referred to.
     void destroy(T* element) {
         if constexpr (std::is_destructible_v<T>)
@@ -117,25 +149,14 @@ private:
                 delete element;
     }
 
-    // The places that a walk has emptied, closed up when the walk ends in whichever way.
-    struct Gap {
-        std::vector<T*>& items;
-        std::size_t begin = 0;
-        std::size_t end = 0;
-
-        ~Gap() {
-            items.erase(items.begin() + static_cast<std::ptrdiff_t>(begin),
-                        items.begin() + static_cast<std::ptrdiff_t>(end));
-        }
-    };
-
     std::vector<T*> items;
-    typename std::vector<T*>::iterator cursor{};
+    std::size_t cursor = 0; // how many elements lie before the gap; all of them without one
     bool referencesOnly;
+    std::uint32_t gap = 0; // places after those that a walk has emptied
 };
 
 // A DSParray that refers to its elements and never destroys one.
-template <class T>
+template <typename T>
 class DSPrefArray : public DSParray<T> {
 public:
     DSPrefArray() : DSParray<T>(true) {}
