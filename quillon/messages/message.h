@@ -1,11 +1,8 @@
 // What passes through a router: messages, those who receive them, and those who hold them back.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <map>
-#include <memory>
-#include <new>
 #include <type_traits>
 #include <utility>
 
@@ -40,42 +37,40 @@ class cMessageStable {
     friend class MessageClaims;
 
 public:
-    cMessageStable() = default;
-
-    explicit cMessageStable(const cMessage& value) : message(value) {}
+    explicit cMessageStable(const cMessage& value = {}) : type_alone(value), address(&type_alone) {}
 
     cMessageStable(const cMessageStable&) = delete;
     cMessageStable& operator=(const cMessageStable&) = delete;
 
     virtual ~cMessageStable() = default;
 
-private:
-    std::uint32_t claims = 0; // queue entries that still wait for this message
+    // The address that observers are given; lives as long as this object.
+    cMessage* message() const { return address; }
 
-public:
-    // What observers are given the address of; a cMessageHolder has its larger message here.
-    alignas(std::max_align_t) cMessage message;
+protected:
+    // For a message that the derived class holds.
+    explicit cMessageStable(cMessage* held) : address(held) {}
+
+private:
+    cMessage type_alone;      // a message that is nothing but its type
+    std::uint32_t claims = 0; // queue entries that still wait for this message
+    cMessage* address;
 };
 
 // A cMessageStable whose message is any struct that begins with a `messageType`.
-template <class T>
+template <typename T>
 class cMessageHolder : public cMessageStable {
     static_assert(std::is_same_v<decltype(T::messageType), std::uint32_t>);
     static_assert(!std::is_polymorphic_v<T>, "messageType has to come first");
-    static_assert(alignof(T) <= alignof(std::max_align_t));
 
 public:
-    explicit cMessageHolder(T value) { ::new (place()) T(std::move(value)); }
+    explicit cMessageHolder(T value)
+        : cMessageStable(reinterpret_cast<cMessage*>(&held)), held(std::move(value)) {}
 
-    ~cMessageHolder() override { std::destroy_at(&get()); }
-
-    T& get() { return *std::launder(static_cast<T*>(place())); }
+    T& get() { return held; }
 
 private:
-    // The whole message lies over the base's `message`, on into `rest`.
-    void* place() { return reinterpret_cast<std::byte*>(this) + alignof(std::max_align_t); }
-
-    std::byte rest[sizeof(T)];
+    T held;
 };
 
 } // namespace quillon

@@ -1,5 +1,6 @@
 #include "quillon/messages/router.h"
 
+#include <cstring>
 #include <iterator>
 #include <limits>
 #include <memory>
@@ -18,6 +19,14 @@ public:
 };
 
 namespace {
+
+// A sender's message is a struct of its own, which only begins with the type: its bytes are read,
+// since an access as a cMessage may be moved past the sender's own when both are optimised as one.
+std::uint32_t type_of(const cMessage* message) {
+    std::uint32_t type;
+    std::memcpy(&type, message, sizeof type);
+    return type;
+}
 
 using Mailbox = cMessageRouter::Mailbox;
 using Entry = cMessageRouter::Entry;
@@ -57,20 +66,24 @@ bool strike_off(const cMessageRouter& router, Mailbox& box, const cMessageObserv
     return true;
 }
 
-// By position, with the count read afresh: observers come and go while this runs.
-void deliver(const Mailbox& box, cMessage* message) {
+// By position, read afresh each time: observers come and go while this runs.
+[[gnu::always_inline]] inline void deliver(const Mailbox& box, cMessage* message) {
     constexpr std::uint32_t ahead = 6; // observers lie scattered: let their accesses overlap
-    for (std::uint32_t position = 0; position < box.observers.count(); ++position) {
-        if (position + ahead < box.observers.count())
-            __builtin_prefetch(box.observers.get(position + ahead));
-        box.observers.get(position)->receive_message(message);
+    std::uint32_t position = 0;
+    while (cMessageObserver* const observer = box.observers.get(position)) {
+        if (cMessageObserver* const later = box.observers.get(position + ahead))
+            __builtin_prefetch(later);
+        observer->receive_message(message);
+        ++position;
     }
 }
 
 // The same for a delayed message, with a position that outlives an exception.
 void deliver_delayed(Mailbox& box, cMessage* message) {
-    while (box.next < box.observers.count())
-        box.observers.get(box.next++)->receive_message(message);
+    while (cMessageObserver* const observer = box.observers.get(box.next)) {
+        ++box.next;
+        observer->receive_message(message);
+    }
     box.next = 0;
 }
 
@@ -105,7 +118,7 @@ private:
                 return false;
             }
             delivering = entry;
-            deliver_delayed(box, &entry->first->message);
+            deliver_delayed(box, entry->first->message());
             delivering = nullptr;
             MessageClaims::give_up(entry->first);
             return true;
@@ -174,7 +187,7 @@ std::int16_t __messageRouter_post_message(cMessageRouter* router, cMessage* mess
     if (message == nullptr)
         return 0;
     std::int16_t receivers = 0;
-    if (const Mailbox* const box = router->index.find(message->messageType)) {
+    if (const Mailbox* const box = router->index.find(type_of(message))) {
         deliver(*box, message);
         receivers = static_cast<std::int16_t>(box->observers.count());
     }
@@ -186,7 +199,7 @@ std::int16_t __messageRouter_post_message_delayed(cMessageRouter* router, cMessa
                                                   const float& delay) {
     if (holder == nullptr)
         return 0;
-    Mailbox& box = mailbox_of(*router, holder->message.messageType);
+    Mailbox& box = mailbox_of(*router, type_of(holder->message()));
     auto for_type = std::make_unique<Entry>(holder, delay);
     auto for_anything = std::make_unique<Entry>(holder, delay);
     box.queue.make_room_for_one();

@@ -187,8 +187,8 @@ TEST(Holder, KeepsALargerMessageWholeWhereTheRouterLooksForIt) {
 
     const std::string long_text(100, 'x');
     const cMessageHolder<Large> holder({9, {1, 2, 3}, long_text});
-    EXPECT_EQ(9U, holder.message.messageType);
-    const void* const place = &holder.message;
+    EXPECT_EQ(9U, holder.message()->messageType);
+    const void* const place = holder.message();
     EXPECT_EQ(long_text, static_cast<const Large*>(place)->text);
 }
 
