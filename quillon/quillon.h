@@ -20,6 +20,7 @@
 #include "quillon/core/worker.h"
 #include "quillon/export.h"
 #include "quillon/files/files.h"
+#include "quillon/files/string_constants.h"
 #include "quillon/files/strings.h"
 #include "quillon/input/analog.h"
 #include "quillon/input/codes.h"

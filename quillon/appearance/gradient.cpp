@@ -2,6 +2,9 @@
 
 #include "quillon/appearance/named.h"
 
+#include <cstddef>
+#include <new>
+
 namespace {
 
 using quillon::cColor;
@@ -50,12 +53,22 @@ cColor hue(const float& t) {
 constexpr std::array FUNCTIONS{fade, monochrome, health, mana, skin, flame, hue};
 constexpr auto KEYS = quillon::keys_of(quillon::GRADIENT_NAMES);
 
-const std::array<cGradient, FUNCTIONS.size()> GRADIENTS = [] {
-    std::array<cGradient, FUNCTIONS.size()> gradients;
+using Gradients = std::array<cGradient, FUNCTIONS.size()>;
+
+Gradients make_gradients() {
+    Gradients gradients;
     for (std::size_t i = 0; i < gradients.size(); ++i)
         gradients[i] = {std::string(quillon::GRADIENT_NAMES[i]), FUNCTIONS[i]};
     return gradients;
-}();
+}
+
+// Made at the first look-up and never destroyed, so that static objects of a host may look
+// gradients up before and after everything else. The names are short enough to own no memory.
+const Gradients& all_gradients() {
+    alignas(Gradients) static std::byte storage[sizeof(Gradients)];
+    static const Gradients* const gradients = ::new (storage) Gradients(make_gradients());
+    return *gradients;
+}
 
 // The name_hash of the name with its first letter made a capital and the rest small. The first byte
 // falls by 32 whatever it is, so a name that begins with anything but a letter finds nothing.
@@ -69,5 +82,5 @@ std::uint32_t capitalised_key(std::string_view name) {
 } // namespace
 
 const cGradient* __nsGradient_gradient_table(const std::string& name) {
-    return quillon::find_by_key(KEYS, GRADIENTS, capitalised_key(name.c_str()));
+    return quillon::find_by_key(KEYS, all_gradients(), capitalised_key(name.c_str()));
 }

@@ -6,13 +6,6 @@
 #include <cstdint>
 #include <string>
 
-namespace quillon {
-
-const std::string STRING_NONE = "NONE";
-const std::string STRING_NULL = "NULL";
-
-} // namespace quillon
-
 extern "C" {
 
 // Copies `source` with its terminator, cut to fit a destination of `capacity` bytes.

@@ -1,0 +1,11 @@
+// Two texts for values that have none. Each unit that includes them has its own, made at load.
+#pragma once
+
+#include <string>
+
+namespace quillon {
+
+const std::string STRING_NONE = "NONE";
+const std::string STRING_NULL = "NULL";
+
+} // namespace quillon
