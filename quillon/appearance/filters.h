@@ -18,8 +18,9 @@ extern "C" {
 // b' = min(max(component * strength * 255 + b, 0), 255) truncated, summed in 64 bits and rounded to
 // 32; where the strength is 0 the pixel is left alone.
 // Alpha: added to like the other three.
-// The centre may lie anywhere. A component of NaN gives 0; a radius or deviation of NaN no
-// strength. Cost follows the pixels that the brush touches, not the size of the bitmap.
+// The centre may lie anywhere. A component of NaN gives 0. A radius of NaN paints nothing, a
+// deviation of NaN the disc without its ring.
+// Cost follows the pixels that the brush touches, not the size of the bitmap.
 QUILLON_API void __cBitmap_gauss_brush(const quillon::cColor& color, std::uint8_t* pixels,
                                        std::int32_t column, std::int32_t row, std::int32_t width,
                                        std::int32_t height, const float& radius,

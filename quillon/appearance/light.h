@@ -9,11 +9,15 @@
 
 namespace quillon {
 
+// Its destructor is not virtual: what derives from it is destroyed as itself.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+
 // A light: three colours, a place, a direction, a spot and an attenuation.
 //
 // The library gives the values no meaning of its own.
 // Flat form: 61 bytes, the fields in their order.
-class cLight final : cSerializable {
+class cLight : cSerializable {
 public:
     cColor diffuse = WHITE;
     cColor specular = WHITE;
@@ -91,6 +95,8 @@ private:
         &cLight::spot_cutoff,        &cLight::spot_exponent,         &cLight::constant_attenuation,
         &cLight::linear_attenuation, &cLight::quadratic_attenuation, &cLight::intensity};
 };
+
+#pragma GCC diagnostic pop
 
 constexpr cLight LIGHT_DEFAULT;
 

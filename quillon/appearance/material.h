@@ -9,12 +9,16 @@
 
 namespace quillon {
 
+// Its destructor is not virtual: what derives from it is destroyed as itself.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+
 // A material: how a surface reflects ambient, diffuse and specular light, what it emits, and the
 // specular exponent.
 //
 // The library gives the values no meaning of its own.
 // Flat form: 20 bytes, the fields in their order.
-class cMaterial final : cSerializable {
+class cMaterial : cSerializable {
 public:
     cColor ambient;
     cColor diffuse;
@@ -67,6 +71,8 @@ public:
         return 4 * ambient.serialized_size() + sizeof(shininess);
     }
 };
+
+#pragma GCC diagnostic pop
 
 // The named material "WHITE".
 constexpr cMaterial MATERIAL_DEFAULT(WHITE, WHITE, BLACK, BLACK, 0.0F);
