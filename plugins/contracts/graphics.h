@@ -121,9 +121,8 @@ struct SpriteDrawing {
 
 // How a picture is read where it does not fall pixel on pixel, and past its edges.
 struct PictureOptions {
-    bool smooth = true;   // between pixels and with smaller copies for the distance
-    bool repeat = true;   // past its edges; otherwise the edge goes on
-    bool is_color = true; // false: a normal map, or other values that are no colours
+    bool smooth = true; // between pixels and with smaller copies for the distance
+    bool repeat = true; // past its edges; otherwise the edge goes on
 };
 
 // A picture or a plain rectangle over the frame.

@@ -1,0 +1,64 @@
+// Draws the three-dimensional part of a frame.
+#pragma once
+
+#include "lights.h"
+#include "mesh.h"
+#include "picture.h"
+#include "program.h"
+#include "view.h"
+
+#include "plugins/contracts/graphics.h"
+
+#include <span>
+#include <vector>
+
+namespace quillon::graphics_gl {
+
+// Textures in place of handles; 0 is the plain white one.
+struct SceneTextures {
+    GLuint picture;
+    GLuint normal_map;
+};
+
+class Scene {
+public:
+    Scene();
+
+    // Draws the sky and takes the camera for what follows.
+    void begin(const View& seen_from, const Atmosphere& atmosphere);
+    void set_lights(std::span<const cLight> new_lights);
+
+    void draw(const MeshDrawing& drawing, const Mesh& mesh, const SceneTextures& textures);
+    void draw_lines(std::span<const cVector3D> points, const cColor& color);
+    void draw(const SpriteDrawing& drawing, GLuint picture);
+
+    const FrameFigures& figures() const { return counts; }
+
+private:
+    struct PlainVertex {
+        Float3 position;
+        std::array<float, 2> texcoord;
+        Float4 color;
+    };
+
+    void draw_plain(GLenum kind, const std::vector<PlainVertex>& corners, Blend blend,
+                    bool has_fog);
+    void set_material(const MeshDrawing& drawing) const;
+    void count(std::size_t triangles);
+
+    View view;
+    std::vector<cLight> lights;
+    bool lights_are_new = true;
+    FrameFigures counts;
+
+    Program sky;
+    Program mesh_program;
+    Program plain;
+    GlBuffer frame_block;
+    GlBuffer light_block;
+    GlVertexArray no_attributes;
+    GlVertexArray plain_attributes;
+    GlBuffer plain_buffer;
+};
+
+} // namespace quillon::graphics_gl
