@@ -68,6 +68,10 @@ std::optional<Inputs> Lockstep::tick(const Input& own) {
         greet();
     for (auto packet = link.receive(); packet && why.empty(); packet = link.receive())
         read(*packet);
+    if (last_words.empty())
+        last_words = link.trouble();
+    if (their_inputs.empty())
+        finish(last_words);
     if (greeted && ++silence > PATIENCE)
         finish("the other player has not answered for 5 seconds");
     if (!agreed || !why.empty())
@@ -113,7 +117,7 @@ void Lockstep::read(const Packet& packet) {
     if (type == HANDSHAKE)
         read_handshake(packet);
     else if (type == GOODBYE && packet.size() == 1)
-        finish("the other player has left");
+        last_words = "the other player has left";
     else if (type == INPUT && packet.size() == 4 && their_inputs.size() < limit)
         their_inputs.push_back(
             {static_cast<std::int8_t>(packet[1]), static_cast<std::int8_t>(packet[2]), packet[3]});

@@ -25,6 +25,7 @@ public:
     virtual bool is_open() const = 0;
     virtual void send(const Packet& packet) = 0;
     virtual std::optional<Packet> receive() = 0;
+    virtual const std::string& trouble() const = 0; // why it is broken; empty while it is not
 };
 
 // Raised with every change of the packets.
@@ -84,6 +85,8 @@ private:
     std::deque<StepDigest> own_digests;
     std::deque<StepDigest> their_digests;
     std::uint32_t silence = 0; // ticks since the last packet
+    std::string
+        last_words; // why no more packets come; the steps that their inputs reach come first
     std::string why;
     bool diverged = false;
 };

@@ -27,8 +27,8 @@ struct Playing {
     float pitch = 1.0F;  // above 0; 2 is an octave higher
     bool loop = false;   // until it is stopped
     bool placed = false; // at `position` with `velocity`; otherwise plain, as loud everywhere
-    cVector3D position;
-    cVector3D velocity;              // units per second, for the Doppler shift
+    cVector3D position = {};
+    cVector3D velocity = {};         // units per second, for the Doppler shift
     double reference_distance = 1.0; // full gain up to here, beyond it reference / distance
 };
 

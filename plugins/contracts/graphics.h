@@ -96,8 +96,8 @@ enum class Blend : std::uint8_t {
 // One mesh in one place.
 struct MeshDrawing {
     MeshHandle mesh = 0;
-    cVector3D position;
-    cMatrix3D rotation;
+    cVector3D position = {};
+    cMatrix3D rotation = {};
     cVector3D scale = {1.0, 1.0, 1.0};
     const cMaterial* material = nullptr; // null: MATERIAL_DEFAULT
     PictureHandle texture = 0;           // times the diffuse colour and the alpha
@@ -110,7 +110,7 @@ struct MeshDrawing {
 
 // A picture that always faces the camera: a glow, a spark, the moon.
 struct SpriteDrawing {
-    cVector3D position;
+    cVector3D position = {};
     double width = 1.0; // world units
     double height = 1.0;
     PictureHandle picture = 0; // 0: a plain rectangle

@@ -31,7 +31,10 @@ public:
         return packet;
     }
 
+    const std::string& trouble() const override { return broken; }
+
     MemoryLink* other = nullptr;
+    std::string broken;
     std::deque<Packet> inbox;
     std::uint32_t slowness = 0;
     std::size_t bytes = 0;
@@ -59,8 +62,11 @@ struct Side {
 class LockstepTest : public testing::Test {
 protected:
     void start(const Handshake& first = {}, const Handshake& second = {}) {
-        links[0].other = &links[1];
-        links[1].other = &links[0];
+        for (MemoryLink& link : links) {
+            link.other = &link == &links[0] ? &links[1] : &links[0];
+            link.inbox.clear();
+            link.broken.clear();
+        }
         sides[0] = std::make_unique<Side>(links[0], 0, first);
         sides[1] = std::make_unique<Side>(links[1], 1, second);
     }
@@ -131,8 +137,18 @@ TEST_F(LockstepTest, OtherSideThatVanishesOrLeavesEndsTheGame) {
     start();
     run(100);
     sides[1]->session.leave();
-    run(1);
+    const std::uint32_t at_goodbye = sides[0]->simulation.state().step;
+    run(20);
     EXPECT_THAT(sides[0]->session.end(), HasSubstr("has left"));
+    EXPECT_GE(sides[0]->simulation.state().step, at_goodbye + INPUT_DELAY - 1)
+        << "what was sent before the goodbye is played";
+
+    start();
+    run(100);
+    links[0].broken = "the way is broken";
+    for (int i = 0; i < 20; ++i)
+        sides[0]->tick();
+    EXPECT_EQ("the way is broken", sides[0]->session.end());
 
     start();
     run(100);

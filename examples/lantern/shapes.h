@@ -1,0 +1,38 @@
+// What is seen on the island, as render caches.
+#pragma once
+
+#include "island.h"
+
+#include <memory>
+#include <span>
+
+namespace lantern {
+
+struct CacheDeleter {
+    void operator()(quillon::cRenderCache* cache) const {
+        __mGraphics_render_cache_cleanup(cache);
+        delete cache;
+    }
+};
+
+using Cache = std::unique_ptr<quillon::cRenderCache, CacheDeleter>;
+
+// The ground above the shallows, smooth, coloured by height and slope, with tangents.
+Cache make_ground(const Island& island);
+
+// A flat square about the origin, with tangents; the texture repeats that often along each side.
+Cache make_square(double side, double repeats);
+
+struct Ring {
+    double height;
+    double radius;
+};
+
+// A body of revolution with flat sides, with tangents; the texture goes round it `sides` times.
+// Four sides and a radius of the root of a half make the unit square.
+Cache make_lathed(std::span<const Ring> profile, int sides);
+
+// A paper glider that points forward, its wing tips in another colour.
+Cache make_glider(const quillon::cColor& tips);
+
+} // namespace lantern
