@@ -247,6 +247,7 @@ TEST(InputAnalog, CrossingsCompareTheLastTwoPositions) {
         const char* fired;
     } rows[] = {
         {"up", 0.3F, 0.5F, 0.4F, "up"},
+        {"up, subtracted before the mouse is scaled", 0.02F, 0.11F, 0.09F, "up"},
         {"resting above", 0.3F, 0.5F, 0, ""},
         {"from the threshold", 0.25F, 0.5F, 0.25F, "up"},
         {"on the threshold", 0.25F, 0.25F, 0.25F, ""},
