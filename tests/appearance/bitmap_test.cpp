@@ -22,15 +22,18 @@ using Bytes = std::vector<uint8_t>;
 using Place = GuardedBitmap::Place;
 
 TEST(Bitmap, InitGivesOpaqueBlackOrAnEmptyBlock) {
-    for (const int16_t size : {int16_t{2}, int16_t{0}, std::numeric_limits<int16_t>::min()}) {
+    constexpr int16_t LEAST = std::numeric_limits<int16_t>::min();
+    for (const auto& [width, height, count] : {std::tuple{int16_t{3}, int16_t{1}, 3},
+                                               {1, 2, 2},
+                                               {0, 4, 0},
+                                               {5, 0, 0},
+                                               {LEAST, LEAST, 0}}) {
         uint8_t* pixels = nullptr;
-        __cBitmap_init(size, size, pixels);
-        ASSERT_NE(nullptr, pixels) << size;
-        const std::unique_ptr<uint8_t[]> owner(pixels);
-        if (size == 2) {
-            EXPECT_EQ((Bytes{0, 0, 0, 255, 0, 0, 0, 255, 0, 0, 0, 255, 0, 0, 0, 255}),
-                      Bytes(pixels, pixels + 16));
-        }
+        __cBitmap_init(width, height, pixels);
+        ASSERT_NE(nullptr, pixels) << width << " x " << height;
+        const std::unique_ptr<uint8_t[]> owner(pixels); // its end is watched
+        for (int i = 0; i < count; ++i)
+            EXPECT_EQ((Bytes{0, 0, 0, 255}), Bytes(pixels + 4 * i, pixels + 4 * i + 4));
     }
 }
 

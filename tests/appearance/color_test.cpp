@@ -90,6 +90,8 @@ TEST(Color, HueFollowsTheCircleAndGoesOnBeyond) {
         {"red", 0, 1, 1, 1, 0, 0},
         {"half way to green", 0.25F, 0.5F, 0.5F, 0.375F, 0.5F, 0.25F},
         {"last of the third sixth", 0.5F, 1, 1, 0, 1, 0.99999994F},
+        {"fourth sixth", 0.6F, 1, 1, 0, 0.39999998F, 1},
+        {"fifth sixth", 0.75F, 1, 1, 0.49999988F, 0, 1},
         {"whole circle", 1, 1, 1, 1, 0, 0x1p-23F},
         {"no saturation", 0.7F, 0, 0.25F, 0.25F, 0.25F, 0.25F},
     };

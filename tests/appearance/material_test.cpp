@@ -4,11 +4,14 @@
 #include "tests/appearance/expect_color.h"
 
 #include <array>
+#include <cstring>
 #include <type_traits>
+#include <vector>
 
 using quillon::cColor;
 using quillon::cLight;
 using quillon::cMaterial;
+using Bytes = std::vector<std::uint8_t>;
 
 // The contract is theirs alone: callers use the operations, and convert nothing.
 static_assert(!std::is_convertible_v<cColor*, quillon::cSerializable*>);
@@ -17,64 +20,79 @@ static_assert(!std::is_convertible_v<cMaterial*, quillon::cSerializable*>);
 
 static_assert(!std::has_virtual_destructor_v<cMaterial>);
 
+// The bytes of the parts, one after the other.
+template <typename... Parts>
+Bytes bytes_of(const Parts&... parts) {
+    Bytes bytes((sizeof parts + ...));
+    std::uint8_t* cursor = bytes.data();
+    const auto append = [&](const auto& part) {
+        std::memcpy(cursor, &part, sizeof part);
+        cursor += sizeof part;
+    };
+    (append(parts), ...);
+    return bytes;
+}
+
+template <typename Value>
+Bytes flat_form_of(const Value& value) {
+    Bytes bytes(value.serialized_size() + 1, 77);
+    EXPECT_EQ(bytes.size() - 1, value.serialize(bytes.data()));
+    EXPECT_EQ(77, bytes.back());
+    bytes.pop_back();
+    return bytes;
+}
+
+using Rgba = std::array<std::uint8_t, 4>;
+
 TEST(Light, FieldsHaveTheirOffsetsAndComeBack) {
     cLight light;
-    light.set_colors(quillon::RED, quillon::LIME, quillon::BLUE, 15);
+    light.set_colors({1, 0, 0.2F, 1}, {0, 1, 0.4F, 0}, {0.2F, 0, 1, 0.6F}, 15);
     light.set_position({1, 2, 3});
     light.set_direction({0, 0, -8});
     light.set_spot_and_attenuation(10, 11, 12, 13, 14, 16);
-    std::array<std::uint8_t, 62> bytes{};
-    bytes.back() = 77;
-    EXPECT_EQ(61U, light.serialize(bytes.data()));
-    EXPECT_EQ(77, bytes.back());
-
+    const Bytes bytes = bytes_of(Rgba{0, 255, 102, 0}, Rgba{51, 0, 255, 153}, Rgba{255, 0, 51, 255},
+                                 1.0F, 2.0F, 3.0F, 0.0F, 0.0F, -1.0F, 10.0F, 11.0F, 12.0F, 13.0F,
+                                 14.0F, 15.0F, std::uint8_t{16});
+    EXPECT_EQ(61U, bytes.size());
+    EXPECT_EQ(bytes, flat_form_of(light));
     cLight back;
     EXPECT_EQ(61U, back.deserialize(bytes.data()));
-    expect_color(back.ambient, quillon::RED);
-    expect_color(back.diffuse, quillon::LIME);
-    expect_color(back.specular, quillon::BLUE);
+    EXPECT_EQ(bytes, flat_form_of(back));
+    expect_color(back.ambient, 1, 0, 0.2F, 1);
     EXPECT_EQ(3, back.position.z);
-    EXPECT_EQ(-1, back.direction.z);
-    const float scalars[] = {back.spot_cutoff,           back.spot_exponent,
-                             back.constant_attenuation,  back.linear_attenuation,
-                             back.quadratic_attenuation, back.intensity};
-    for (std::size_t i = 0; i < std::size(scalars); ++i) {
-        EXPECT_EQ(10.0F + static_cast<float>(i), scalars[i]);
-        EXPECT_EQ(scalars[i], quillon::detail::read_scalar<float>(&bytes[36 + 4 * i]));
-    }
-    EXPECT_EQ(16, back.light_flag);
-    EXPECT_EQ(255, bytes[8]) << "the red of the ambient colour";
-    EXPECT_EQ(16, bytes[60]);
+    EXPECT_EQ(13, back.linear_attenuation);
 
-    expect_color(quillon::LIGHT_DEFAULT.diffuse, quillon::WHITE);
-    expect_color(quillon::LIGHT_DEFAULT.ambient, quillon::BLACK);
-    EXPECT_EQ(180.0F, quillon::LIGHT_DEFAULT.spot_cutoff);
-    EXPECT_EQ(1, quillon::LIGHT_DEFAULT.light_flag);
+    EXPECT_EQ(bytes_of(Rgba{255, 255, 255, 255}, Rgba{255, 255, 255, 255}, Rgba{0, 0, 0, 255}, 0.0F,
+                       0.0F, 0.0F, 0.0F, 0.0F, 0.0F, 180.0F, 0.0F, 1.0F, 0.0F, 0.0F, 1.0F,
+                       std::uint8_t{1}),
+              flat_form_of(quillon::LIGHT_DEFAULT));
 }
 
-TEST(Material, FlatFormClampsTheColors) {
-    const cMaterial* pearl = __nsMaterial_material_table("pearlescent_ora_azu");
-    ASSERT_NE(nullptr, pearl);
-    expect_color(pearl->specular, -1, 0, 1, 1);
-
-    std::array<std::uint8_t, 20> bytes{};
-    EXPECT_EQ(20U, pearl->serialize(bytes.data()));
+TEST(Material, FieldsHaveTheirOffsetsAndColorsClamp) {
+    const cMaterial material({1, 0, 0.2F, 1}, {0, 1, 0.4F, 0}, {-1, 0.6F, 2, 0.8F},
+                             {0.4F, 0.2F, 0, 0.6F}, 8);
+    const Bytes bytes = bytes_of(Rgba{255, 0, 51, 255}, Rgba{0, 255, 102, 0},
+                                 Rgba{0, 153, 255, 204}, Rgba{102, 51, 0, 153}, 8.0F);
+    EXPECT_EQ(bytes, flat_form_of(material));
     cMaterial back = quillon::MATERIAL_DEFAULT;
     EXPECT_EQ(20U, back.deserialize(bytes.data()));
-    expect_color(back.get_ambient(), 1, 127 / 255.0F, 0, 1);
-    expect_color(back.get_diffuse(), quillon::component_from_byte(bytes[4]),
-                 quillon::component_from_byte(bytes[5]), quillon::component_from_byte(bytes[6]), 1);
-    expect_color(back.get_specular(), 0, 0, 1, 1);
-    expect_color(back.get_emission(), 0, 0, 0, 1);
-    EXPECT_EQ(8, back.shininess);
+    EXPECT_EQ(bytes, flat_form_of(back));
+    expect_color(back.get_ambient(), 1, 0, 0.2F, 1);
+    expect_color(back.get_diffuse(), 0, 1, 0.4F, 0);
+    expect_color(back.get_specular(), 0, 0.6F, 1, 0.8F);
+    expect_color(back.get_emission(), 0.4F, 0.2F, 0, 0.6F);
+    EXPECT_EQ(flat_form_of(*__nsMaterial_material_table("WHITE")),
+              flat_form_of(quillon::MATERIAL_DEFAULT));
 }
 
 TEST(Material, OpaquifyFoldsAlphaOnce) {
-    cMaterial emerald = *__nsMaterial_material_table("EMERALD");
+    cMaterial material({1, 0.5F, 2, 0.5F}, {1, 2, 3, 0.25F}, {4, 6, -8, 2}, {8, 4, 2, 0.125F}, 76);
     for (int i = 0; i < 2; ++i) {
-        __mMaterial_opaquify(emerald);
-        expect_color(emerald.ambient, 0.0215F * 0.55F, 0.1745F * 0.55F, 0.0215F * 0.55F, 1);
-        expect_color(emerald.emission, 0, 0, 0, 1);
-        EXPECT_EQ(76.8F, emerald.shininess);
+        __mMaterial_opaquify(material);
+        expect_color(material.ambient, 0.5F, 0.25F, 1, 1);
+        expect_color(material.diffuse, 0.25F, 0.5F, 0.75F, 1);
+        expect_color(material.specular, 8, 12, -16, 1);
+        expect_color(material.emission, 1, 0.5F, 0.25F, 1);
+        EXPECT_EQ(76, material.shininess);
     }
 }
