@@ -27,14 +27,13 @@ std::uint32_t word_of_color(const quillon::cColor& color) {
         wrapped_byte_from_component(color.b), wrapped_byte_from_component(color.a));
 }
 
-[[gnu::always_inline]] inline void fill(std::uint8_t* pixels, std::size_t count,
-                                        std::uint32_t word) {
+QUILLON_KERNEL inline void fill(std::uint8_t* pixels, std::size_t count, std::uint32_t word) {
     quillon::for_each_pixel(pixels, count, [=](std::uint32_t) { return word; });
 }
 
 // Adds two channels at a time, in the halves of a word; a half holds the sum of 257 bytes.
-[[gnu::always_inline]] inline void sum_channels(const std::uint8_t* pixels, std::size_t count,
-                                                ChannelSums* sums) {
+QUILLON_KERNEL inline void sum_channels(const std::uint8_t* pixels, std::size_t count,
+                                        ChannelSums* sums) {
     constexpr std::size_t RUN = 256;
     constexpr std::uint32_t ODD_BYTES = 0x00FF00FF;
     for (std::size_t first = 0; first < count; first += RUN) {

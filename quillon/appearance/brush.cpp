@@ -41,21 +41,20 @@ constexpr float square(double distance) {
 }
 
 // How far a pixel is beyond the disc, in squared distance. Grows with both squares.
-[[gnu::always_inline]] inline float excess(const Brush& brush, float dx_square, float dy_square) {
+QUILLON_KERNEL inline float excess(const Brush& brush, float dx_square, float dy_square) {
     return static_cast<float>((static_cast<double>(dx_square) + static_cast<double>(dy_square)) -
                               static_cast<double>(brush.radius_square));
 }
 
 // The strength of a pixel that the brush reaches.
-[[gnu::always_inline]] inline float strength_at(const Brush& brush, float dx_square,
-                                                float dy_square) {
+QUILLON_KERNEL inline float strength_at(const Brush& brush, float dx_square, float dy_square) {
     const float d = excess(brush, dx_square, dy_square);
     const auto falloff = static_cast<float>(quillon::gauss_taylor7(d, brush.deviation));
     return d <= 0.0F ? 1.0F : falloff;
 }
 
-[[gnu::always_inline]] inline uint32_t add_to_channel(uint32_t word, int channel, double component,
-                                                      float strength) {
+QUILLON_KERNEL inline uint32_t add_to_channel(uint32_t word, int channel, double component,
+                                              float strength) {
     const int shift = quillon::channel_shift(channel);
     const auto byte = static_cast<int32_t>(word >> shift & 255);
     const auto sum = static_cast<float>(component * static_cast<double>(strength) * 255.0 + byte);
@@ -64,8 +63,8 @@ constexpr float square(double distance) {
     return static_cast<uint32_t>(level) << shift;
 }
 
-[[gnu::always_inline]] inline void find_strengths(const Stroke& stroke, size_t first,
-                                                  quillon::PerPixel<float>& strengths) {
+QUILLON_KERNEL inline void find_strengths(const Stroke& stroke, size_t first,
+                                          quillon::PerPixel<float>& strengths) {
     if (first >= stroke.full_begin && first + BLOCK_PIXELS <= stroke.full_end) {
         strengths.fill(1.0F);
         return;
@@ -77,24 +76,23 @@ constexpr float square(double distance) {
     }
 }
 
-[[gnu::always_inline]] inline void paint(uint8_t* pixels, size_t count, const Stroke* stroke) {
+QUILLON_KERNEL inline void paint(uint8_t* pixels, size_t count, const Stroke* stroke) {
     const double r = stroke->color->r;
     const double g = stroke->color->g;
     const double b = stroke->color->b;
     const double a = stroke->color->a;
-    quillon::for_each_block(
-        pixels, count, [=](uint8_t * block, size_t first) __attribute__((always_inline)) {
-            quillon::PerPixel<float> strengths;
-            find_strengths(*stroke, first, strengths);
-            for (size_t i = 0; i < BLOCK_PIXELS; ++i) {
-                const uint32_t word = quillon::load_pixel(block + i * PIXEL_BYTES);
-                quillon::store_pixel(block + i * PIXEL_BYTES,
-                                     add_to_channel(word, 0, r, strengths[i]) |
-                                         add_to_channel(word, 1, g, strengths[i]) |
-                                         add_to_channel(word, 2, b, strengths[i]) |
-                                         add_to_channel(word, 3, a, strengths[i]));
-            }
-        });
+    quillon::for_each_block(pixels, count, [=](uint8_t* block, size_t first) QUILLON_KERNEL {
+        quillon::PerPixel<float> strengths;
+        find_strengths(*stroke, first, strengths);
+        for (size_t i = 0; i < BLOCK_PIXELS; ++i) {
+            const uint32_t word = quillon::load_pixel(block + i * PIXEL_BYTES);
+            quillon::store_pixel(block + i * PIXEL_BYTES,
+                                 add_to_channel(word, 0, r, strengths[i]) |
+                                     add_to_channel(word, 1, g, strengths[i]) |
+                                     add_to_channel(word, 2, b, strengths[i]) |
+                                     add_to_channel(word, 3, a, strengths[i]));
+        }
+    });
 }
 
 // How many whole distances from 0 up to before `end` fulfil the condition, which holds up to some

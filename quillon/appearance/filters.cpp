@@ -17,28 +17,27 @@ using std::uint16_t;
 using std::uint32_t;
 using std::uint8_t;
 
-[[gnu::always_inline]] inline void mask_by_key(uint8_t* pixels, size_t count, uint32_t key) {
+QUILLON_KERNEL inline void mask_by_key(uint8_t* pixels, size_t count, uint32_t key) {
     quillon::for_each_pixel(pixels, count, [=](uint32_t word) {
         return (word | ALPHA_BITS) == key ? ALPHA_BITS : ~uint32_t{0};
     });
 }
 
-[[gnu::always_inline]] inline void mask_by_channel(uint8_t* pixels, size_t count, int shift) {
+QUILLON_KERNEL inline void mask_by_channel(uint8_t* pixels, size_t count, int shift) {
     constexpr uint32_t COLOR_ONES = quillon::pixel_word(1, 1, 1, 0);
     quillon::for_each_pixel(pixels, count, [=](uint32_t word) {
         return ((word >> shift) & 255) * COLOR_ONES | ALPHA_BITS;
     });
 }
 
-[[gnu::always_inline]] inline void subtract_saturated(uint8_t* pixels, size_t count,
-                                                      uint8_t amount) {
+QUILLON_KERNEL inline void subtract_saturated(uint8_t* pixels, size_t count, uint8_t amount) {
     const auto amounts = quillon::per_byte<uint8_t>(amount, 0);
     quillon::for_each_byte(pixels, count, [&](uint8_t byte, size_t i) {
         return static_cast<uint8_t>(std::max(byte, amounts[i]) - amounts[i]);
     });
 }
 
-[[gnu::always_inline]] inline void add_saturated(uint8_t* pixels, size_t count, uint8_t amount) {
+QUILLON_KERNEL inline void add_saturated(uint8_t* pixels, size_t count, uint8_t amount) {
     const auto amounts = quillon::per_byte<uint8_t>(amount, 0);
     const auto highest = quillon::per_byte<uint8_t>(static_cast<uint8_t>(255 - amount), 255);
     quillon::for_each_byte(pixels, count, [&](uint8_t byte, size_t i) {
@@ -86,7 +85,7 @@ struct FixedFactors {
     std::array<uint16_t, PAIRS> part;
 
     // `in_second` is for the pair of blue and alpha.
-    [[gnu::always_inline]] FixedFactors(uint32_t in_first, uint32_t in_second) {
+    QUILLON_KERNEL FixedFactors(uint32_t in_first, uint32_t in_second) {
         for (size_t i = 0; i < PAIRS; ++i) {
             const uint32_t fixed = i % 2 == 0 ? in_first : in_second;
             whole[i] = static_cast<uint16_t>(fixed >> 16);
@@ -95,31 +94,30 @@ struct FixedFactors {
     }
 
     // No factor exceeds 255 << 16, so neither product nor their sum leaves 16 bits.
-    [[gnu::always_inline]] uint16_t scaled(uint16_t byte, size_t i) const {
+    QUILLON_KERNEL uint16_t scaled(uint16_t byte, size_t i) const {
         const auto product =
             static_cast<uint16_t>(byte * whole[i] + (uint32_t{byte} * part[i] >> 16));
         return std::min<uint16_t>(product, 255);
     }
 };
 
-[[gnu::always_inline]] inline void scale_by_fixed(uint8_t* pixels, size_t count, uint32_t fixed) {
+QUILLON_KERNEL inline void scale_by_fixed(uint8_t* pixels, size_t count, uint32_t fixed) {
     const FixedFactors of_first(fixed, fixed);
     const FixedFactors of_second(fixed, uint32_t{1} << 16);
-    quillon::for_each_block(
-        pixels, count, [&](uint8_t * block, size_t) __attribute__((always_inline)) {
-            for (size_t i = 0; i < PAIRS; ++i) {
-                uint16_t pair;
-                std::memcpy(&pair, block + 2 * i, sizeof pair);
-                const uint16_t first = of_first.scaled(pair >> FIRST_SHIFT & 255, i);
-                const uint16_t second = of_second.scaled(pair >> SECOND_SHIFT & 255, i);
-                pair = static_cast<uint16_t>(first << FIRST_SHIFT | second << SECOND_SHIFT);
-                std::memcpy(block + 2 * i, &pair, sizeof pair);
-            }
-        });
+    quillon::for_each_block(pixels, count, [&](uint8_t* block, size_t) QUILLON_KERNEL {
+        for (size_t i = 0; i < PAIRS; ++i) {
+            uint16_t pair;
+            std::memcpy(&pair, block + 2 * i, sizeof pair);
+            const uint16_t first = of_first.scaled(pair >> FIRST_SHIFT & 255, i);
+            const uint16_t second = of_second.scaled(pair >> SECOND_SHIFT & 255, i);
+            pair = static_cast<uint16_t>(first << FIRST_SHIFT | second << SECOND_SHIFT);
+            std::memcpy(block + 2 * i, &pair, sizeof pair);
+        }
+    });
 }
 
 // The channel's byte of a pixel, scaled, in its place in the word.
-[[gnu::always_inline]] inline uint32_t scaled_channel(uint32_t word, int channel, float factor) {
+QUILLON_KERNEL inline uint32_t scaled_channel(uint32_t word, int channel, float factor) {
     const int shift = quillon::channel_shift(channel);
     const auto byte = static_cast<std::int32_t>(word >> shift & 255);
     const auto product = static_cast<std::int32_t>(static_cast<float>(byte) * factor);
@@ -127,12 +125,11 @@ struct FixedFactors {
 }
 
 // For a factor above 0 and below 256.
-[[gnu::always_inline]] inline void scale_by_float(uint8_t* pixels, size_t count, float factor) {
-    quillon::for_each_pixel(
-        pixels, count, [=](uint32_t word) __attribute__((always_inline)) {
-            return scaled_channel(word, 0, factor) | scaled_channel(word, 1, factor) |
-                   scaled_channel(word, 2, factor) | (word & ALPHA_BITS);
-        });
+QUILLON_KERNEL inline void scale_by_float(uint8_t* pixels, size_t count, float factor) {
+    quillon::for_each_pixel(pixels, count, [=](uint32_t word) QUILLON_KERNEL {
+        return scaled_channel(word, 0, factor) | scaled_channel(word, 1, factor) |
+               scaled_channel(word, 2, factor) | (word & ALPHA_BITS);
+    });
 }
 
 } // namespace

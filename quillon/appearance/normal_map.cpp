@@ -36,12 +36,11 @@ constexpr bool thirds_are_exact() {
 
 static_assert(thirds_are_exact());
 
-[[gnu::always_inline]] inline int32_t channel_of(uint32_t word, int channel) {
+QUILLON_KERNEL inline int32_t channel_of(uint32_t word, int channel) {
     return static_cast<int32_t>(word >> quillon::channel_shift(channel) & 255);
 }
 
-[[gnu::always_inline]] inline void read_heights(const uint8_t* pixels, size_t count,
-                                                double* heights) {
+QUILLON_KERNEL inline void read_heights(const uint8_t* pixels, size_t count, double* heights) {
     for (size_t i = 0; i < count; ++i) {
         const uint32_t word = quillon::load_pixel(pixels + i * PIXEL_BYTES);
         const int32_t sum = channel_of(word, 0) + channel_of(word, 1) + channel_of(word, 2);
@@ -67,8 +66,8 @@ struct Vectors {
 using Words = quillon::PerPixel<uint32_t>;
 
 // All terms carry 8 times their weight, which `eighth_scale` takes back; powers of 2 round nothing.
-[[gnu::always_inline]] inline void find_vectors(const Neighbours& rows, double eighth_scale,
-                                                Vectors& vectors) {
+QUILLON_KERNEL inline void find_vectors(const Neighbours& rows, double eighth_scale,
+                                        Vectors& vectors) {
     const double* up = rows.up;
     const double* here = rows.here;
     const double* down = rows.down;
@@ -93,24 +92,24 @@ using Words = quillon::PerPixel<uint32_t>;
 
 // (component + 1) * 128, which lies in 0 to 256; 0 for what is not a number.
 template <typename Float>
-[[gnu::always_inline]] inline Float level_of(Float component) {
+QUILLON_KERNEL inline Float level_of(Float component) {
     const Float level = (component + 1) * 128;
     return level > 0 ? level : 0;
 }
 
 // A level truncated, held to 255, which only 256 exceeds, and moved to its channel.
 template <typename Float>
-[[gnu::always_inline]] inline uint32_t in_channel(Float level, int channel) {
+QUILLON_KERNEL inline uint32_t in_channel(Float level, int channel) {
     const auto whole = static_cast<int32_t>(level);
     return static_cast<uint32_t>(whole - (whole >> 8)) << quillon::channel_shift(channel);
 }
 
 template <typename Float>
-[[gnu::always_inline]] inline uint32_t word_of_levels(Float r, Float g, Float b) {
+QUILLON_KERNEL inline uint32_t word_of_levels(Float r, Float g, Float b) {
     return in_channel(r, 0) | in_channel(g, 1) | in_channel(b, 2) | quillon::ALPHA_BITS;
 }
 
-[[gnu::always_inline]] inline void normalize(const Vectors& vectors, Words& words) {
+QUILLON_KERNEL inline void normalize(const Vectors& vectors, Words& words) {
     for (size_t i = 0; i < BLOCK_PIXELS; ++i) {
         const double x = vectors.x[i];
         const double y = vectors.y[i];
@@ -121,14 +120,14 @@ template <typename Float>
 }
 
 // 1 if 64 bits could give another byte than `level`, which 32 bits have put off by up to 0x1p-14.
-[[gnu::always_inline]] inline int32_t is_doubtful(float level) {
+QUILLON_KERNEL inline int32_t is_doubtful(float level) {
     constexpr float TO_WHOLE = 0x1.8p23F; // adding it rounds to whole numbers
     const float distance = std::abs(level - ((level + TO_WHOLE) - TO_WHOLE));
     return distance > 0x1p-12F ? 0 : 1;
 }
 
 // Does what normalize does in 32 bits, at a third of the cost. False if any byte is in doubt.
-[[gnu::always_inline]] inline bool normalize_fast(const Vectors& vectors, Words& words) {
+QUILLON_KERNEL inline bool normalize_fast(const Vectors& vectors, Words& words) {
     int32_t doubts = 0;
     for (size_t i = 0; i < BLOCK_PIXELS; ++i) {
         const float x = vectors.x32[i];
@@ -144,18 +143,17 @@ template <typename Float>
     return doubts == 0;
 }
 
-[[gnu::always_inline]] inline void write_normals(uint8_t* pixels, size_t count, const double* up,
-                                                 const double* here, const double* down,
-                                                 double eighth_scale) {
-    quillon::for_each_block(
-        pixels, count, [=](uint8_t * block, size_t first) __attribute__((always_inline)) {
-            Vectors vectors;
-            Words words;
-            find_vectors({up + first, here + first, down + first}, eighth_scale, vectors);
-            if (!normalize_fast(vectors, words))
-                normalize(vectors, words);
-            std::memcpy(block, words.data(), sizeof words);
-        });
+QUILLON_KERNEL inline void write_normals(uint8_t* pixels, size_t count, const double* up,
+                                         const double* here, const double* down,
+                                         double eighth_scale) {
+    quillon::for_each_block(pixels, count, [=](uint8_t* block, size_t first) QUILLON_KERNEL {
+        Vectors vectors;
+        Words words;
+        find_vectors({up + first, here + first, down + first}, eighth_scale, vectors);
+        if (!normalize_fast(vectors, words))
+            normalize(vectors, words);
+        std::memcpy(block, words.data(), sizeof words);
+    });
 }
 
 void read_row(const uint8_t* pixels, size_t width, Row& heights) {

@@ -1,6 +1,8 @@
 // Pixels as words, and the walk over them that the compiler turns into whole vectors.
 #pragma once
 
+#include "quillon/simd/dispatch.h"
+
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -33,13 +35,13 @@ constexpr int channel_shift(int channel) {
     return std::endian::native == std::endian::little ? 8 * channel : 24 - 8 * channel;
 }
 
-[[gnu::always_inline]] inline std::uint32_t load_pixel(const std::uint8_t* pixel) {
+QUILLON_KERNEL inline std::uint32_t load_pixel(const std::uint8_t* pixel) {
     std::uint32_t word;
     std::memcpy(&word, pixel, sizeof word);
     return word;
 }
 
-[[gnu::always_inline]] inline void store_pixel(std::uint8_t* pixel, std::uint32_t word) {
+QUILLON_KERNEL inline void store_pixel(std::uint8_t* pixel, std::uint32_t word) {
     std::memcpy(pixel, &word, sizeof word);
 }
 
@@ -50,7 +52,7 @@ constexpr std::size_t size_of_count(std::int32_t count) {
 
 // The value for each byte of a block: `color` for red, green and blue, `alpha` for alpha.
 template <typename T>
-[[gnu::always_inline]] inline PerByte<T> per_byte(T color, T alpha) {
+QUILLON_KERNEL inline PerByte<T> per_byte(T color, T alpha) {
     PerByte<T> values;
     for (std::size_t i = 0; i < BLOCK_BYTES; ++i)
         values[i] = i % PIXEL_BYTES == 3 ? alpha : color;
@@ -61,8 +63,7 @@ template <typename T>
 //
 // The last pixels are changed in a copy of a whole block, so nothing beyond them is touched.
 template <typename Change>
-[[gnu::always_inline]] inline void for_each_block(std::uint8_t* pixels, std::size_t count,
-                                                  Change change) {
+QUILLON_KERNEL inline void for_each_block(std::uint8_t* pixels, std::size_t count, Change change) {
     std::size_t first = 0;
     for (; first + BLOCK_PIXELS <= count; first += BLOCK_PIXELS)
         change(pixels + first * PIXEL_BYTES, first);
@@ -77,24 +78,20 @@ template <typename Change>
 
 // Replaces each byte by change(byte, index of the byte in its block).
 template <typename Change>
-[[gnu::always_inline]] inline void for_each_byte(std::uint8_t* pixels, std::size_t count,
-                                                 Change change) {
-    for_each_block(
-        pixels, count, [&](std::uint8_t * block, std::size_t) __attribute__((always_inline)) {
-            for (std::size_t i = 0; i < BLOCK_BYTES; ++i)
-                block[i] = change(block[i], i);
-        });
+QUILLON_KERNEL inline void for_each_byte(std::uint8_t* pixels, std::size_t count, Change change) {
+    for_each_block(pixels, count, [&](std::uint8_t* block, std::size_t) QUILLON_KERNEL {
+        for (std::size_t i = 0; i < BLOCK_BYTES; ++i)
+            block[i] = change(block[i], i);
+    });
 }
 
 // Replaces each pixel's word by change(word).
 template <typename Change>
-[[gnu::always_inline]] inline void for_each_pixel(std::uint8_t* pixels, std::size_t count,
-                                                  Change change) {
-    for_each_block(
-        pixels, count, [&](std::uint8_t * block, std::size_t) __attribute__((always_inline)) {
-            for (std::size_t i = 0; i < BLOCK_BYTES; i += PIXEL_BYTES)
-                store_pixel(block + i, change(load_pixel(block + i)));
-        });
+QUILLON_KERNEL inline void for_each_pixel(std::uint8_t* pixels, std::size_t count, Change change) {
+    for_each_block(pixels, count, [&](std::uint8_t* block, std::size_t) QUILLON_KERNEL {
+        for (std::size_t i = 0; i < BLOCK_BYTES; i += PIXEL_BYTES)
+            store_pixel(block + i, change(load_pixel(block + i)));
+    });
 }
 
 } // namespace quillon

@@ -1,10 +1,12 @@
 // The truncated bell curve, inline for the loops that the compiler vectorises.
 #pragma once
 
+#include "quillon/simd/dispatch.h"
+
 namespace quillon {
 
 // gauss_near_zero_taylor7, which tells what it is.
-[[gnu::always_inline]] inline double gauss_taylor7(float a, float deviation) {
+QUILLON_KERNEL inline double gauss_taylor7(float a, float deviation) {
     const double t = -a / (deviation * 2.0 * deviation);
     const double t2 = t * t;
     const double t4 = t2 * t2;

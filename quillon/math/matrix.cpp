@@ -122,13 +122,11 @@ void __cMatrix3d_subtract(cMatrix3D& m, const cMatrix3D& b) {
 QUILLON_CPU_CLONES void __cMatrix3d_multiply(cMatrix3D& m, const cMatrix3D& b) {
     double* const elements = &m.m[0][0];
     const double* const others = &b.m[0][0];
-    Quad b0;
-    Quad b1;
-    Quad b2; // its last element is the matrix's last, so it is read one earlier and shifted
-    load(b0, others);
-    load(b1, others + 3);
-    load(b2, others + 5);
-    b2 = __builtin_shufflevector(b2, b2, 1, 2, 3, 3);
+    const Quad b0 = load<Quad>(others);
+    const Quad b1 = load<Quad>(others + 3);
+    // Its last element is the matrix's last, so it is read one earlier and shifted.
+    const Quad last = load<Quad>(others + 5);
+    const Quad b2 = __builtin_shufflevector(last, last, 1, 2, 3, 3);
     Quad rows[3];
     for (int row = 0; row < 3; ++row) {
         const double* const a = elements + 3 * row;

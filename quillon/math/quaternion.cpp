@@ -148,8 +148,7 @@ void __cQuaternion_subtract(cQuaternion& q, const cQuaternion& b) {
 QUILLON_CPU_CLONES void __cQuaternion_multiply(cQuaternion& q, const cQuaternion& b) {
     using Bits = std::int64_t __attribute__((vector_size(sizeof(Quad))));
     constexpr auto minus = std::numeric_limits<std::int64_t>::min();
-    Quad xyzw;
-    load(xyzw, &b.x);
+    const Quad xyzw = load<Quad>(&b.x);
     const auto wzyx = reinterpret_cast<Bits>(__builtin_shufflevector(xyzw, xyzw, 3, 2, 1, 0));
     const auto zwxy = reinterpret_cast<Bits>(__builtin_shufflevector(xyzw, xyzw, 2, 3, 0, 1));
     const auto yxwz = reinterpret_cast<Bits>(__builtin_shufflevector(xyzw, xyzw, 1, 0, 3, 2));

@@ -62,7 +62,7 @@ Place place_of(const cSpline3D& s, double t) {
 }
 
 // The point at any index, wrapped or clamped; the spline has at least one.
-[[gnu::always_inline]] inline const cVector3D& point_at(const cSpline3D& s, std::int32_t index) {
+QUILLON_KERNEL inline const cVector3D& point_at(const cSpline3D& s, std::int32_t index) {
     if (index >= 0 && index < s.count) [[likely]]
         return s.points[index];
     return point_beyond(s, index);
@@ -88,15 +88,16 @@ struct Segment {
     }
 };
 
-// Divides vectors by their lengths, as cVector3D::normalized does: dividing by a length of exactly
-// 1 changes nothing. Gives the lengths.
-template <class Lanes>
-[[gnu::always_inline]] inline void normalize(Lanes (&vectors)[3], Lanes& lengths) {
+// Divides vectors by their lengths, which are returned, as cVector3D::normalized does: dividing by
+// a length of exactly 1 changes nothing.
+template <typename Lanes>
+QUILLON_KERNEL inline Lanes normalize(Lanes (&vectors)[3]) {
     const auto& [x, y, z] = vectors;
-    square_roots(lengths, x * x + y * y + z * z);
+    const Lanes lengths = square_roots(x * x + y * y + z * z);
     const Lanes divisors = lengths == Lanes{} ? Lanes{} + 1.0 : lengths;
     for (Lanes& component : vectors)
         component /= divisors;
+    return lengths;
 }
 
 // The segment that leaves point `index`: tangents bisect the unit chords that meet at an end, where
@@ -105,8 +106,7 @@ template <class Lanes>
 // Square roots and divisions are what a segment costs, and four of them take little longer than
 // one. So lanes 0 and 1 hold the segment's chord as seen from its start and its end, lanes 2 and 3
 // those of its neighbours.
-[[gnu::always_inline]] inline void read_segment(Segment& segment, const cSpline3D& s,
-                                                std::int32_t index) {
+QUILLON_KERNEL inline void read_segment(Segment& segment, const cSpline3D& s, std::int32_t index) {
     const double* const before = &point_at(s, index - 1).x;
     const double* const start = &point_at(s, index).x;
     const double* const end = &point_at(s, index + 1).x;
@@ -116,16 +116,14 @@ template <class Lanes>
     for (int c = 0; c < 3; ++c)
         chords[c] =
             Quad{end[c], start[c], start[c], end[c]} - Quad{start[c], end[c], before[c], after[c]};
-    Quad lengths;
-    normalize(chords, lengths);
+    const Quad lengths = normalize(chords);
 
     Pair tangents[3];
     for (int c = 0; c < 3; ++c)
         tangents[c] = Pair{chords[c][0], chords[c][1]} + Pair{chords[c][2], chords[c][3]};
-    Pair sums;
-    normalize(tangents, sums);
+    normalize(tangents);
 
-    using Mask = decltype(sums < Pair{});
+    using Mask = decltype(Pair{} < Pair{});
     const Mask alone{-(index <= 0), -(index >= s.count - 2)};
     for (int c = 0; c < 3; ++c) {
         const Pair tangent = alone ? Pair{chords[c][0], chords[c][1]} : tangents[c];

@@ -3,6 +3,7 @@
 
 #include "quillon/math/constants.h"
 #include "quillon/simd/convert.h"
+#include "quillon/simd/dispatch.h"
 
 #include <cstdint>
 #include <limits>
@@ -20,7 +21,7 @@ extern double sinTable[CIRCLE_ENTRIES];
 
 // `position` truncated toward zero and wrapped into 0 to `entries - 1`; 0 where it fits no integer.
 template <std::int32_t entries>
-[[gnu::always_inline]] inline std::int64_t wrapped_index(double position) {
+QUILLON_KERNEL inline std::int64_t wrapped_index(double position) {
     const std::int64_t whole = simd::truncated(position);
     if (static_cast<std::uint64_t>(whole) < entries) [[likely]]
         return whole;
@@ -30,7 +31,7 @@ template <std::int32_t entries>
     return rest < 0 ? rest + entries : rest;
 }
 
-[[gnu::always_inline]] inline std::int64_t circle_index(double degrees) {
+QUILLON_KERNEL inline std::int64_t circle_index(double degrees) {
     return wrapped_index<CIRCLE_ENTRIES>(degrees * 200.0 + 0.5);
 }
 
@@ -45,7 +46,7 @@ struct Direction {
 };
 
 // cosTR and sinTR of one angle in one look-up.
-[[gnu::always_inline]] inline Direction direction_at(double radians) {
+QUILLON_KERNEL inline Direction direction_at(double radians) {
     const std::int64_t index = circle_index(to_degrees(radians));
     return {cosTable[index], sinTable[index]};
 }

@@ -7,117 +7,99 @@
 #include <cmath>
 #include <cstring>
 
-using quillon::cRenderCache;
-using quillon::cVector3D;
-using TexCoord = quillon::cVector2D<double>;
+using namespace quillon;
+using TexCoord = cVector2D<double>;
 
-// Vectors are passed between functions that are all inlined: no calling convention comes into it.
-#pragma GCC diagnostic ignored "-Wpsabi"
-
+namespace quillon {
 namespace {
+
+using simd::LANES;
 
 constexpr double SMALLEST_DETERMINANT = 0.0001;
 
-// So many polygons are worked on in two short loops, since a processor overlaps more of the roots
+// So many polygons are computed in two short loops, since a processor overlaps more of the roots
 // and divisions of a short one.
 constexpr std::size_t BATCH = 64;
 
-// Works on as many polygons at once as a vector has lanes, each of which holds one number of one
-// polygon.
-template <typename Floats, typename Doubles, std::size_t... lane>
-struct Kernel {
-    static constexpr std::size_t LANES = sizeof...(lane);
-
-    // A vector of each polygon.
-    struct Directions {
-        Doubles x, y, z;
-    };
-
-    // The number of each polygon, whose entries are `stride` apart.
-    [[gnu::always_inline]] static Doubles gather(const float* number, std::size_t stride) {
-        return Doubles{number[lane * stride]...};
-    }
-
-    // The tangents by the arithmetic of __tarn_find_tangent_from_tri, not yet normalised.
-    [[gnu::always_inline]] static Directions
-    find_directions(const float* positions, const float* texcoords, std::size_t corners) {
-        const auto texture_step = [=](std::size_t corner, std::size_t axis)
-            __attribute__((always_inline)) {
-            return gather(texcoords + corner * 2 + axis, corners * 2) -
-                   gather(texcoords + axis, corners * 2);
-        };
-        const auto edge = [=](std::size_t corner, std::size_t axis) __attribute__((always_inline)) {
-            return gather(positions + corner * 3 + axis, corners * 3) -
-                   gather(positions + axis, corners * 3);
-        };
-        const Doubles du1 = texture_step(1, 0);
-        const Doubles dv1 = texture_step(1, 1);
-        const Doubles du2 = texture_step(2, 0);
-        const Doubles dv2 = texture_step(2, 1);
-        const Doubles determinant = du1 * dv2 - du2 * dv1;
-        const auto degenerate =
-            (determinant > -SMALLEST_DETERMINANT) & (determinant < SMALLEST_DETERMINANT);
-        const Doubles r = 1.0 / determinant;
-        const auto direction = [&](std::size_t axis, double fallback)
-            __attribute__((always_inline)) {
-            return degenerate ? Doubles{} + fallback
-                              : (edge(1, axis) * dv2 - edge(2, axis) * dv1) * r;
-        };
-        return {direction(0, 1.0), direction(1, 0.0), direction(2, 0.0)};
-    }
-
-    // Normalises the directions and writes them to every corner of their polygons.
-    //
-    // Each entry is written with one float too many, which the next one covers.
-    [[gnu::always_inline]] static void write_tangents(const Directions& directions, float* tangents,
-                                                      std::size_t corners) {
-        const auto& [x, y, z] = directions;
-        const Doubles squared = x * x + y * y + z * z;
-        const Doubles length = {std::sqrt(squared[lane])...};
-        const Doubles divisor = length == 0.0 ? Doubles{} + 1.0 : length;
-        const Floats unit_x = __builtin_convertvector(x / divisor, Floats);
-        const Floats unit_y = __builtin_convertvector(y / divisor, Floats);
-        const Floats unit_z = __builtin_convertvector(z / divisor, Floats);
-        for (std::size_t i = 0; i < LANES; ++i) {
-            const float tangent[] = {unit_x[i], unit_y[i], unit_z[i], 0.0F};
-            for (std::size_t c = 0; c < corners; ++c, tangents += 3)
-                std::memcpy(tangents, tangent, sizeof(tangent));
-        }
-    }
-
-    [[gnu::always_inline]] static void fill(const cRenderCache* cache, std::size_t polys,
-                                            std::size_t corners) {
-        Directions batch[BATCH / LANES];
-        for (std::size_t first = 0; first < polys; first += BATCH) {
-            const std::size_t count = std::min(BATCH, polys - first) / LANES;
-            const float* positions = cache->positions + first * corners * 3;
-            const float* texcoords = cache->texcoords + first * corners * 2;
-            float* tangents = cache->tangents + first * corners * 3;
-            for (std::size_t i = 0; i < count; ++i)
-                batch[i] = find_directions(positions + i * LANES * corners * 3,
-                                           texcoords + i * LANES * corners * 2, corners);
-            for (std::size_t i = 0; i < count; ++i)
-                write_tangents(batch[i], tangents + i * LANES * corners * 3, corners);
-        }
-    }
-
-    // Fills the first `polys` polygons, of which there is a multiple of LANES. Compiled once for
-    // triangles, once for quads and once for all others.
-    [[gnu::always_inline]] static void run(const cRenderCache* cache, std::size_t polys) {
-        const std::size_t corners = cache->verts_per_poly;
-        if (corners == 3)
-            fill(cache, polys, 3);
-        else if (corners == 4)
-            fill(cache, polys, 4);
-        else
-            fill(cache, polys, corners);
-    }
+// A vector of each of LANES<Lanes> polygons: a lane holds one number of one polygon.
+template <typename Lanes>
+struct Directions {
+    Lanes x, y, z;
 };
 
-using TwoFloats [[gnu::vector_size(8)]] = float;
-using FourFloats [[gnu::vector_size(16)]] = float;
-using NarrowKernel = Kernel<TwoFloats, quillon::simd::Pair, 0, 1>;
-using WideKernel = Kernel<FourFloats, quillon::simd::Quad, 0, 1, 2, 3>;
+// The tangents by the arithmetic of __tarn_find_tangent_from_tri, not yet normalised.
+template <typename Lanes>
+QUILLON_KERNEL inline Directions<Lanes>
+find_directions(const float* positions, const float* texcoords, std::size_t corners) {
+    const auto texture_step = [=](std::size_t corner, std::size_t axis) QUILLON_KERNEL {
+        return simd::gather<Lanes>(texcoords + corner * 2 + axis, corners * 2) -
+               simd::gather<Lanes>(texcoords + axis, corners * 2);
+    };
+    const auto edge = [=](std::size_t corner, std::size_t axis) QUILLON_KERNEL {
+        return simd::gather<Lanes>(positions + corner * 3 + axis, corners * 3) -
+               simd::gather<Lanes>(positions + axis, corners * 3);
+    };
+    const Lanes du1 = texture_step(1, 0);
+    const Lanes dv1 = texture_step(1, 1);
+    const Lanes du2 = texture_step(2, 0);
+    const Lanes dv2 = texture_step(2, 1);
+    const Lanes determinant = du1 * dv2 - du2 * dv1;
+    const auto degenerate =
+        (determinant > -SMALLEST_DETERMINANT) & (determinant < SMALLEST_DETERMINANT);
+    const Lanes r = 1.0 / determinant;
+    const auto direction = [&](std::size_t axis, double fallback) QUILLON_KERNEL {
+        return degenerate ? Lanes{} + fallback : (edge(1, axis) * dv2 - edge(2, axis) * dv1) * r;
+    };
+    return {direction(0, 1.0), direction(1, 0.0), direction(2, 0.0)};
+}
+
+// Normalises the directions and writes them to every corner of their polygons.
+//
+// Each entry is written with one float too many, which the next one covers.
+template <typename Lanes>
+QUILLON_KERNEL inline void write_tangents(const Directions<Lanes>& directions, float* tangents,
+                                          std::size_t corners) {
+    const auto& [x, y, z] = directions;
+    const Lanes length = simd::square_roots(x * x + y * y + z * z);
+    const Lanes divisor = length == 0.0 ? Lanes{} + 1.0 : length;
+    const auto unit_x = simd::narrowed(x / divisor);
+    const auto unit_y = simd::narrowed(y / divisor);
+    const auto unit_z = simd::narrowed(z / divisor);
+    for (std::size_t i = 0; i < LANES<Lanes>; ++i) {
+        const float tangent[] = {unit_x[i], unit_y[i], unit_z[i], 0.0F};
+        for (std::size_t c = 0; c < corners; ++c, tangents += 3)
+            std::memcpy(tangents, tangent, sizeof(tangent));
+    }
+}
+
+template <typename Lanes>
+QUILLON_KERNEL inline void fill(const cRenderCache* cache, std::size_t polys, std::size_t corners) {
+    Directions<Lanes> batch[BATCH / LANES<Lanes>];
+    for (std::size_t first = 0; first < polys; first += BATCH) {
+        const std::size_t count = std::min(BATCH, polys - first) / LANES<Lanes>;
+        const float* positions = cache->positions + first * corners * 3;
+        const float* texcoords = cache->texcoords + first * corners * 2;
+        float* tangents = cache->tangents + first * corners * 3;
+        for (std::size_t i = 0; i < count; ++i)
+            batch[i] = find_directions<Lanes>(positions + i * LANES<Lanes> * corners * 3,
+                                              texcoords + i * LANES<Lanes> * corners * 2, corners);
+        for (std::size_t i = 0; i < count; ++i)
+            write_tangents(batch[i], tangents + i * LANES<Lanes> * corners * 3, corners);
+    }
+}
+
+// Fills the first `polys` polygons, a multiple of the lanes. Compiled once for triangles, once for
+// quads and once for all others.
+template <typename Lanes>
+QUILLON_KERNEL inline void fill_polygons(const cRenderCache* cache, std::size_t polys) {
+    const std::size_t corners = cache->verts_per_poly;
+    if (corners == 3)
+        fill<Lanes>(cache, polys, 3);
+    else if (corners == 4)
+        fill<Lanes>(cache, polys, 4);
+    else
+        fill<Lanes>(cache, polys, corners);
+}
 
 void fill_polygon(const cRenderCache& cache, std::size_t poly) {
     const std::size_t entry = poly * cache.verts_per_poly;
@@ -140,6 +122,7 @@ void fill_polygon(const cRenderCache& cache, std::size_t poly) {
 }
 
 } // namespace
+} // namespace quillon
 
 void __tarn_find_tangent_from_tri(cVector3D& out, const cVector3D* positions,
                                   const TexCoord* texcoords) {
@@ -161,9 +144,10 @@ void __mGraphics_render_cache_calc_tangents(cRenderCache* cache) {
     if (cache == nullptr || cache->positions == nullptr || cache->texcoords == nullptr ||
         cache->tangents == nullptr || cache->verts_per_poly < 3 || cache->poly_count == 0)
         return;
-    // The last polygon has none behind it that would cover its float too many.
-    const std::size_t vectorised = (cache->poly_count - 1) / WideKernel::LANES * WideKernel::LANES;
-    quillon::simd::run_vectorised<WideKernel::run, NarrowKernel::run>(
+    // No entry follows the last polygon's, which would cover its float too many.
+    const std::size_t lanes = LANES<simd::Quad>;
+    const std::size_t vectorised = (cache->poly_count - 1) / lanes * lanes;
+    simd::run_vectorised<fill_polygons<simd::Quad>, fill_polygons<simd::Pair>>(
         static_cast<const cRenderCache*>(cache), vectorised);
     for (std::size_t poly = vectorised; poly < cache->poly_count; ++poly)
         fill_polygon(*cache, poly);

@@ -1,6 +1,8 @@
 // Conversions that are defined for every value.
 #pragma once
 
+#include "quillon/simd/dispatch.h"
+
 #include <cstdint>
 #include <limits>
 
@@ -11,7 +13,7 @@
 namespace quillon::simd {
 
 // `value` truncated toward zero; the least integer for what fits none, a NaN among them.
-[[gnu::always_inline]] inline std::int64_t truncated(double value) {
+QUILLON_KERNEL inline std::int64_t truncated(double value) {
 #if defined(__SSE2__) && defined(__x86_64__)
     return _mm_cvttsd_si64(_mm_set_sd(value));
 #else
