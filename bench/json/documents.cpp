@@ -19,7 +19,7 @@ private:
     std::mt19937 engine{2024};
 };
 
-template <class... Values>
+template <typename... Values>
 std::string format(const char* pattern, Values... values) {
     std::array<char, 512> text = {};
     std::snprintf(text.data(), text.size(), pattern, values...);
@@ -27,7 +27,7 @@ std::string format(const char* pattern, Values... values) {
 }
 
 // Joins `count` pieces with a comma.
-template <class Piece>
+template <typename Piece>
 std::string join(unsigned count, Piece piece) {
     std::string text;
     for (unsigned i = 0; i < count; ++i) {
@@ -37,10 +37,10 @@ std::string join(unsigned count, Piece piece) {
     return text;
 }
 
-std::string wrap(const char* before, const std::string& text, const char* behind) {
+std::string wrap(const char* before, const std::string& text, const char* after) {
     std::string wrapped = before;
     wrapped += text;
-    wrapped += behind;
+    wrapped += after;
     return wrapped;
 }
 
@@ -127,6 +127,88 @@ std::string settings(Dice& dice) {
     return wrap("[", join(250, group), "]\n");
 }
 
+// Nested tables of identifiers, with most members null or short lists.
+std::string catalogue(Dice& dice) {
+    const auto area = [&](unsigned) {
+        return format("{\"areaId\":%u,\"blockIds\":[]}", 205705993 + dice.below(99));
+    };
+    const auto price = [&](unsigned) {
+        return format("{\"amount\":%u,\"audienceSubCategoryId\":337100890,\"seatCategoryId\":%u}",
+                      dice.below(200) * 500, 338937235 + dice.below(99));
+    };
+    const auto performance = [&](unsigned i) {
+        return format("{\"eventId\":%u,\"id\":%u,\"logo\":null,\"name\":null,\"prices\":[",
+                      138586341 + dice.below(999), 339887544 + i) +
+               join(1 + dice.below(4), price) + "],\"seatCategories\":[{\"areas\":[" +
+               join(1 + dice.below(9), area) +
+               format("],\"seatCategoryId\":%u}],\"start\":%u000,\"venueCode\":\"HALL_%u\"}",
+                      338937235 + dice.below(99), 1372701600 + dice.below(9999999), dice.below(9));
+    };
+    const auto name = [&](unsigned i) {
+        return format("\"%u\":\"Hall %u, row %u\"", 205705993 + i, dice.below(20), i);
+    };
+    return wrap("{\"areaNames\":{", join(400, name), "},") +
+           wrap("\"performances\":[", join(2500, performance), "]}");
+}
+
+// What people write: long keys, links with escaped slashes, text beyond ASCII, wide identifiers.
+std::string posts(Dice& dice) {
+    const auto post = [&](unsigned i) {
+        const unsigned id = dice.below(1000000000);
+        return format("{\"created_at\":\"Sun Aug 31 00:29:%02u\",\"id\":50587489%010u,"
+                      "\"id_str\":\"50587489%010u\",\"text\":\"",
+                      i % 60, id, id) +
+               sentence(dice) + " \xE5\x90\x8D\xE5\x89\x8D\xE3\x81\xAE" +
+               format("\",\"truncated\":false,\"in_reply_to_status_id\":null,\"user\":{\"id\":%u,"
+                      "\"screen_name\":\"player_%u\",\"url\":\"http:\\/\\/quay.example\\/p\\/%u\","
+                      "\"followers_count\":%u,\"verified\":%s},\"entities\":{\"hashtags\":[],"
+                      "\"urls\":[]},\"retweet_count\":%u,\"favorited\":false,\"lang\":\"ja\"}",
+                      dice.below(2000000000), i, i, dice.below(5000),
+                      dice.below(9) == 0 ? "true" : "false", dice.below(90));
+    };
+    return wrap("{\"statuses\":[", join(3000, post), "]}");
+}
+
+// Strings of which every third or fourth character is a short escape.
+std::string short_escapes(Dice& dice) {
+    constexpr std::array<const char*, 8> pieces = {"\\n", "\\t", "\\\"", "\\\\",
+                                                   "ab",  "c",   "def",  " "};
+    const auto text = [&](unsigned) {
+        std::string made = "\"";
+        for (unsigned left = 20 + dice.below(100); left != 0; --left)
+            made += pieces[dice.below(pieces.size())];
+        return made + "\"";
+    };
+    return wrap("[", join(6000, text), "]");
+}
+
+// Strings written in \u escapes alone, a few of them surrogate pairs.
+std::string unicode_escapes(Dice& dice) {
+    const auto text = [&](unsigned) {
+        std::string made = "\"";
+        for (unsigned left = 5 + dice.below(40); left != 0; --left)
+            made += dice.below(20) == 0 ? format("\\ud83d\\ude%02x", dice.below(80))
+                                        : format("\\u%04x", 0x3041 + dice.below(0x4000));
+        return made + "\"";
+    };
+    return wrap("[", join(8000, text), "]");
+}
+
+// Containers of a single entry within each other.
+std::string deep(Dice& dice) {
+    const auto chain = [&](unsigned) {
+        std::string before;
+        std::string after;
+        for (unsigned left = 2 + dice.below(20); left != 0; --left) {
+            const bool is_array = dice.below(4) != 0;
+            before += is_array ? "[" : "{\"in\":";
+            after.insert(0, is_array ? "]" : "}");
+        }
+        return before + format("%u", dice.below(1000)) + after;
+    };
+    return wrap("[", join(12000, chain), "]");
+}
+
 } // namespace
 
 std::vector<Document> make_documents() {
@@ -135,5 +217,10 @@ std::vector<Document> make_documents() {
             {"mesh", mesh(dice)},
             {"dialogue", dialogue(dice)},
             {"entities", entities(dice)},
-            {"settings", settings(dice)}};
+            {"settings", settings(dice)},
+            {"catalogue", catalogue(dice)},
+            {"posts", posts(dice)},
+            {"short_escapes", short_escapes(dice)},
+            {"unicode_escapes", unicode_escapes(dice)},
+            {"deep", deep(dice)}};
 }

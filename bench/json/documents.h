@@ -9,6 +9,9 @@ struct Document {
     std::string text;
 };
 
-// Coordinates with all their digits, a mesh with short numbers, dialogue lines with escapes and
-// accents, a list of entities, and indented settings; 0.5 to 3 MB each.
+// Ten kinds, 0.5 to 3 MB each.
+//
+// Numbers: coordinates with all their digits, a mesh with short ones. Text: dialogue with accents
+// and some escapes, posts, short escapes, \u escapes. Objects: entities, a catalogue of nested
+// tables, indented settings. Deep: containers of one entry.
 std::vector<Document> make_documents();
