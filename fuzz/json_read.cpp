@@ -1,7 +1,7 @@
 // JSON text by single steps, by the block, and in pieces: all must come to the same.
 #include "check.h"
 
-#include "quillon/json/bulk.h"
+#include "quillon/json/parser.h"
 #include "quillon/json/containers.h"
 #include "quillon/json/writer.h"
 

@@ -1,72 +1,86 @@
-// The parser's grammar as data: classes of characters, and what follows on each in every state.
+// The push parser's grammar as data: classes of characters, and what each does in every state.
 #pragma once
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
 
-namespace quillon {
+namespace quillon::json {
 
-enum : std::uint8_t {
-    cson_state_start,
-    cson_state_complete, // a value is complete
-    cson_state_first_key,
-    cson_state_key,
-    cson_state_colon,
-    cson_state_value,
-    cson_state_first_element,
-    cson_state_string,
-    cson_state_escape,
-    cson_state_hex_1,
-    cson_state_hex_2,
-    cson_state_hex_3,
-    cson_state_hex_4,
-    cson_state_minus,
-    cson_state_zero,
-    cson_state_integer,
-    cson_state_fraction,
-    cson_state_exponent,
-    cson_state_exponent_sign,
-    cson_state_exponent_digits,
-    cson_state_t,
-    cson_state_tr,
-    cson_state_tru,
-    cson_state_f,
-    cson_state_fa,
-    cson_state_fal,
-    cson_state_fals,
-    cson_state_n,
-    cson_state_nu,
-    cson_state_nul,
-    cson_state_slash,
-    cson_state_comment,
-    cson_state_comment_star,
-    cson_state_point,
-    cson_state_low_backslash, // of the second half of a surrogate pair
-    cson_state_low_u
+// A cell of the table: the next state, an error, or an action of the parser.
+enum class Cell : std::int8_t {
+    Start,
+    Complete, // a value is complete
+    FirstKey,
+    Key,
+    Colon,
+    Value,
+    FirstElement,
+    String,
+    Escape,
+    Hex1,
+    Hex2,
+    Hex3,
+    Hex4,
+    Minus,
+    Zero,
+    Integer,
+    Fraction,
+    Exponent,
+    ExponentSign,
+    ExponentDigits,
+    T,
+    Tr,
+    Tru,
+    F,
+    Fa,
+    Fal,
+    Fals,
+    N,
+    Nu,
+    Nul,
+    Slash,
+    Comment,
+    CommentStar,
+    Point,
+    LowBackslash, // of the second half of a surrogate pair
+    LowU,
+
+    Error = -1,
+    AwaitMember = -2,
+    Comma = -3,
+    CloseString = -4,
+    OpenArray = -5,
+    OpenObject = -6,
+    CloseArray = -7,
+    CloseObject = -8,
+    CloseEmptyObject = -9,
+    BeginComment = -10,
+    EndComment = -11,
+    BeginFalse = -12,
+    BeginTrue = -13,
+    BeginNull = -14,
+    BeginExponent = -15,
+    DecimalPoint = -16,
+    OpenString = -17,
+    BeginNegative = -18,
+    BeginZero = -19,
+    BeginInteger = -20,
+    BeginEscape = -21,
+    DecodeUnicode = -22
 };
 
-inline constexpr std::size_t cson_state_count = 36;
-inline constexpr std::size_t cson_class_count = 32;
+inline constexpr std::size_t STATE_COUNT = 36;
+inline constexpr std::size_t ACTION_COUNT = 21;
+inline constexpr std::size_t CLASS_COUNT = 32;
 
-// Classes 0 and 1 are white; 0xFF is no character of any text.
-inline constexpr std::uint8_t cson_class_blank = 0;
-inline constexpr std::uint8_t cson_class_white = 1;
-inline constexpr std::uint8_t cson_class_invalid = 0xFF;
+// Classes 0 and 1 are white; 0xFF marks a character that no text may hold.
+inline constexpr std::uint8_t CLASS_WHITE = 1;
+inline constexpr std::uint8_t CLASS_INVALID = 0xFF;
 
-// By character; all from 128 up are as the last one.
-extern const std::array<std::uint8_t, 256> cson_classes;
+// By character; all from 128 up are like the last one.
+extern const std::array<std::uint8_t, 256> CLASSES;
 
-// 0 and up: the next state. -1: an error. -2 to -22: an action of the parser.
-extern const std::array<std::array<std::int8_t, cson_class_count>, cson_state_count>
-    cson_transitions;
+extern const std::array<std::array<Cell, CLASS_COUNT>, STATE_COUNT> TRANSITIONS;
 
-inline constexpr std::int8_t cson_cell_error = -1;
-inline constexpr std::int8_t cson_cell_first_action = -2;
-inline constexpr std::int8_t cson_cell_open_string = -17;
-
-inline bool cson_is_white(unsigned char c) {
-    return cson_classes[c] <= cson_class_white;
-}
-
-} // namespace quillon
+} // namespace quillon::json

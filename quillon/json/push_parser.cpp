@@ -1,8 +1,10 @@
-#include "quillon/json/push_parser.h"
-
 #include "quillon/json/allocator.h"
+#include "quillon/json/escape.h"
+#include "quillon/json/grammar.h"
+#include "quillon/json/parser.h"
 
 #include <algorithm>
+#include <array>
 #include <clocale>
 #include <cstdlib>
 #include <cstring>
@@ -14,14 +16,14 @@ using namespace json;
 
 namespace {
 
-constexpr const char* parser_tag = "cson_push_parser";
+constexpr const char* PARSER_TAG = "cson_push_parser";
 
 void* allocate_plainly(std::size_t bytes) {
-    return reallocate(nullptr, bytes, parser_tag);
+    return reallocate(nullptr, bytes, PARSER_TAG);
 }
 
 void release_plainly(void* block) {
-    free(block, parser_tag);
+    free(block, PARSER_TAG);
 }
 
 bool fail(cson_push_parser& parser, std::uint8_t error) {
@@ -33,8 +35,35 @@ bool report(cson_push_parser& parser, int event, const cson_push_data* data) {
     return parser.callback == nullptr || parser.callback(parser.context, event, data) != 0;
 }
 
-bool is_in_container_value(const cson_push_parser& parser) {
-    return cson_mode_of(parser) == cson_mode_array || cson_mode_of(parser) == cson_mode_object;
+bool enter(cson_push_parser& parser, std::uint8_t type, Cell state) {
+    parser.type = type;
+    parser.state = static_cast<std::uint8_t>(state);
+    return true;
+}
+
+// --- Stack of modes ----------------------------------------------------------------------------
+
+enum : signed char {
+    MODE_ARRAY = 1,
+    MODE_DONE,  // below all others
+    MODE_KEY,   // an object that waits for a key
+    MODE_OBJECT // an object that waits for a value or its end
+};
+
+// Never empty but after the end.
+signed char mode_of(const cson_push_parser& parser) {
+    return parser.top >= 0 ? parser.stack[parser.top] : static_cast<signed char>(MODE_DONE);
+}
+
+bool is_in_array(const cson_push_parser& parser) {
+    return mode_of(parser) == MODE_ARRAY;
+}
+
+bool pop_mode(cson_push_parser& parser, signed char mode) {
+    if (parser.top < 0 || parser.stack[parser.top] != mode)
+        return false;
+    --parser.top;
+    return true;
 }
 
 bool double_stack(cson_push_parser& parser) {
@@ -52,6 +81,16 @@ bool double_stack(cson_push_parser& parser) {
     return true;
 }
 
+// The limit counts the containers: MODE_DONE below them has a place of its own.
+bool push_mode(cson_push_parser& parser, signed char mode) {
+    if (parser.depth >= 0 && parser.top == parser.depth)
+        return fail(parser, cson_push_nesting_depth);
+    if (parser.top + 1 == parser.stack_capacity && !double_stack(parser))
+        return false;
+    parser.stack[++parser.top] = mode;
+    return true;
+}
+
 // --- Token buffer ------------------------------------------------------------------------------
 
 void clear_buffer(cson_push_parser& parser) {
@@ -64,100 +103,52 @@ void trim(cson_push_parser& parser, std::uint32_t count) {
     parser.buffer[parser.buffer_count] = 0;
 }
 
-// Makes room for `count` bytes more and the terminator.
-bool make_room(cson_push_parser& parser, std::uint32_t count) {
-    const std::uint64_t needed = std::uint64_t{parser.buffer_count} + count + 1;
-    if (needed <= parser.buffer_capacity)
+// Makes room for one byte more and the terminator.
+bool make_room(cson_push_parser& parser) {
+    if (parser.buffer_count + 2 <= parser.buffer_capacity)
         return true;
-    std::uint64_t capacity = parser.buffer_capacity;
-    while (capacity < needed)
-        capacity *= 2;
-    void* grown = capacity <= std::numeric_limits<std::uint32_t>::max()
-                      ? parser.allocate(static_cast<std::size_t>(capacity))
-                      : nullptr;
+    const bool can_double = parser.buffer_capacity <= std::numeric_limits<std::uint32_t>::max() / 2;
+    void* grown = can_double ? parser.allocate(std::size_t{parser.buffer_capacity} * 2) : nullptr;
     if (grown == nullptr)
         return fail(parser, cson_push_out_of_memory);
     std::memcpy(grown, parser.buffer, parser.buffer_count);
     if (parser.buffer != parser.static_buffer.data())
         parser.release(parser.buffer);
     parser.buffer = static_cast<unsigned char*>(grown);
-    parser.buffer_capacity = static_cast<std::uint32_t>(capacity);
+    parser.buffer_capacity *= 2;
     return true;
 }
 
-bool append(cson_push_parser& parser, unsigned char byte) {
-    return cson_append_bytes(parser, &byte, 1);
+// Adds a byte for which there is room.
+void append(cson_push_parser& parser, std::int32_t byte) {
+    parser.buffer[parser.buffer_count++] = static_cast<unsigned char>(byte);
+    parser.buffer[parser.buffer_count] = 0;
 }
 
+// Puts the meaning of an escape in the place of its backslash.
 bool add_escaped(cson_push_parser& parser, std::int32_t letter) {
     parser.escaped = false;
-    if (letter == 'u') // stays with its backslash for the decoder
-        return append(parser, 'u');
-    trim(parser, 1);
-    const unsigned char meaning = cson_escape_meaning(letter);
+    if (letter == 'u') { // stays with its backslash for the decoder
+        append(parser, letter);
+        return true;
+    }
+    const unsigned char meaning = ESCAPES[static_cast<std::size_t>(std::min(letter, 255))];
     if (meaning == 0)
         return fail(parser, cson_push_invalid_escape);
-    return append(parser, meaning);
+    trim(parser, 1);
+    append(parser, meaning);
+    return true;
 }
 
+// Adds every character, before the table says what it does: the action of one that isn't part of a
+// token drops it again. White space after a number is kept and ignored by the conversion.
 bool add_character(cson_push_parser& parser, std::int32_t character, std::uint8_t id) {
-    if (!make_room(parser, 1))
+    if (!make_room(parser))
         return false;
     if (parser.escaped)
         return add_escaped(parser, character);
-    if (parser.in_comment || (parser.type == 0 && id <= cson_class_white))
-        return true;
-    return append(parser, static_cast<unsigned char>(character));
-}
-
-// --- \u escapes --------------------------------------------------------------------------------
-
-std::uint32_t hex_digit(unsigned char digit) {
-    if (digit <= '9')
-        return digit - std::uint32_t{'0'};
-    return (digit | 0x20u) - 'a' + 10;
-}
-
-// A byte of UTF-8: `lead` and six or fewer bits of the code point.
-unsigned char utf8_byte(std::uint32_t lead, std::uint32_t bits) {
-    return static_cast<unsigned char>(lead | bits);
-}
-
-bool append_utf8(cson_push_parser& parser, std::uint32_t code) {
-    const auto tail = [code](unsigned shift) { return utf8_byte(0x80, code >> shift & 0x3F); };
-    std::array<unsigned char, 4> bytes = {utf8_byte(0xF0, code >> 18), tail(12), tail(6), tail(0)};
-    if (code >= 0x10000)
-        return cson_append_bytes(parser, bytes.data(), 4);
-    bytes[1] = utf8_byte(0xE0, code >> 12);
-    if (code >= 0x800)
-        return cson_append_bytes(parser, bytes.data() + 1, 3);
-    bytes[2] = utf8_byte(0xC0, code >> 6);
-    if (code >= 0x80)
-        return cson_append_bytes(parser, bytes.data() + 2, 2);
-    return append(parser, static_cast<unsigned char>(code));
-}
-
-bool is_high_surrogate(std::uint32_t unit) {
-    return (unit & 0xFC00) == 0xD800;
-}
-
-bool is_low_surrogate(std::uint32_t unit) {
-    return (unit & 0xFC00) == 0xDC00;
-}
-
-bool add_code_unit(cson_push_parser& parser, std::uint32_t unit) {
-    if (parser.high_surrogate != 0) {
-        if (!is_low_surrogate(unit))
-            return fail(parser, cson_push_invalid_unicode);
-        const std::uint32_t high = parser.high_surrogate & 0x3FFu;
-        parser.high_surrogate = 0;
-        return append_utf8(parser, (unit & 0x3FF) + (high << 10) + 0x10000);
-    }
-    if (is_low_surrogate(unit))
-        return fail(parser, cson_push_invalid_unicode);
-    if (!is_high_surrogate(unit))
-        return append_utf8(parser, unit);
-    parser.high_surrogate = static_cast<std::uint16_t>(unit);
+    if (!parser.in_comment && (parser.type != 0 || id > CLASS_WHITE))
+        append(parser, character);
     return true;
 }
 
@@ -165,9 +156,9 @@ bool add_code_unit(cson_push_parser& parser, std::uint32_t unit) {
 
 std::int32_t buffer_as_integer(const cson_push_parser& parser) {
     const char* text = reinterpret_cast<const char*>(parser.buffer);
-    using limits = std::numeric_limits<std::int32_t>;
+    using Limits = std::numeric_limits<std::int32_t>;
     return static_cast<std::int32_t>(
-        std::clamp<long>(std::strtol(text, nullptr, 10), limits::min(), limits::max()));
+        std::clamp<long>(std::strtol(text, nullptr, 10), Limits::min(), Limits::max()));
 }
 
 bool report_buffer(cson_push_parser& parser, int event) {
@@ -188,6 +179,8 @@ bool is_keyword(int event) {
 }
 
 // Reports the value that is being read, if any, and clears the buffer.
+//
+// Without a callback nothing is converted either.
 bool flush(cson_push_parser& parser) {
     bool ok = true;
     if (parser.callback != nullptr && parser.type != 0)
@@ -199,68 +192,72 @@ bool flush(cson_push_parser& parser) {
 
 // --- Actions -----------------------------------------------------------------------------------
 
-bool enter(cson_push_parser& parser, std::uint8_t type, std::uint8_t state) {
-    parser.type = type;
-    parser.state = state;
-    return true;
+bool await_member(cson_push_parser& parser) {
+    return pop_mode(parser, MODE_KEY) && push_mode(parser, MODE_OBJECT);
 }
 
+// Numbers and keywords have no end of their own: it is the character after them that reports them.
 bool comma(cson_push_parser& parser) {
-    const bool ok = flush(parser) && cson_await_next(parser);
-    parser.type = 0;
-    return ok;
+    if (!flush(parser))
+        return false;
+    if (is_in_array(parser))
+        return enter(parser, 0, Cell::Value);
+    return pop_mode(parser, MODE_OBJECT) && push_mode(parser, MODE_KEY) &&
+           enter(parser, 0, Cell::Key);
 }
 
 bool close_string(cson_push_parser& parser) {
-    if (is_in_container_value(parser)) {
+    if (is_in_array(parser) || mode_of(parser) == MODE_OBJECT) {
         const bool ok = flush(parser);
-        return enter(parser, 0, cson_state_complete) && ok;
+        return enter(parser, 0, Cell::Complete) && ok;
     }
-    if (cson_mode_of(parser) != cson_mode_key)
+    if (mode_of(parser) != MODE_KEY)
         return false;
-    enter(parser, 0, cson_state_colon);
+    enter(parser, 0, Cell::Colon);
     const bool ok = parser.callback == nullptr || report_buffer(parser, cson_event_key);
     clear_buffer(parser);
     return ok;
 }
 
 bool open_array(cson_push_parser& parser) {
-    return report(parser, cson_event_array_begins, nullptr) &&
-           cson_enter_container(parser, cson_mode_array);
+    return report(parser, cson_event_array_begins, nullptr) && push_mode(parser, MODE_ARRAY);
 }
 
 bool open_object(cson_push_parser& parser) {
-    return report(parser, cson_event_object_begins, nullptr) &&
-           cson_enter_container(parser, cson_mode_key);
+    return report(parser, cson_event_object_begins, nullptr) && push_mode(parser, MODE_KEY);
+}
+
+// The end is reported first: of two faults, a callback's refusal counts before a wrong bracket.
+bool close_container(cson_push_parser& parser, int event, signed char mode) {
+    return report(parser, event, nullptr) &&
+           (pop_mode(parser, mode) || fail(parser, cson_push_unbalanced));
 }
 
 bool close_array(cson_push_parser& parser) {
-    return flush(parser) && report(parser, cson_event_array_ends, nullptr) &&
-           cson_leave_container(parser, cson_mode_array);
+    return flush(parser) && close_container(parser, cson_event_array_ends, MODE_ARRAY);
 }
 
 bool close_object(cson_push_parser& parser) {
-    return flush(parser) && report(parser, cson_event_object_ends, nullptr) &&
-           cson_leave_container(parser, cson_mode_object);
+    return flush(parser) && close_container(parser, cson_event_object_ends, MODE_OBJECT);
 }
 
 bool close_empty_object(cson_push_parser& parser) {
     clear_buffer(parser);
-    return report(parser, cson_event_object_ends, nullptr) &&
-           cson_leave_container(parser, cson_mode_key);
+    return close_container(parser, cson_event_object_ends, MODE_KEY);
 }
 
-// A number or keyword that a comment follows is complete at once.
+// A number or keyword that a comment follows is complete at once. A comment that isn't allowed
+// fails without an error code, as it is none of the grammar's.
 bool begin_comment(cson_push_parser& parser) {
     if (!parser.allow_comments || !flush(parser))
         return false;
-    const bool value_awaited =
-        parser.state == cson_state_value || parser.state == cson_state_first_element;
-    parser.state_before_comment = is_in_container_value(parser) && !value_awaited
-                                      ? std::uint8_t{cson_state_complete}
-                                      : parser.state;
+    const auto state = static_cast<Cell>(parser.state);
+    const bool awaits_value = state == Cell::Value || state == Cell::FirstElement;
+    const bool may_end_value = is_in_array(parser) || mode_of(parser) == MODE_OBJECT;
+    parser.state_before_comment =
+        static_cast<std::uint8_t>(may_end_value && !awaits_value ? Cell::Complete : state);
     parser.in_comment = true;
-    return enter(parser, 0, cson_state_slash);
+    return true;
 }
 
 bool end_comment(cson_push_parser& parser) {
@@ -269,156 +266,144 @@ bool end_comment(cson_push_parser& parser) {
     return true;
 }
 
-bool begin_false(cson_push_parser& parser) {
-    return enter(parser, cson_event_false, cson_state_f);
-}
-
-bool begin_true(cson_push_parser& parser) {
-    return enter(parser, cson_event_true, cson_state_t);
-}
-
-bool begin_null(cson_push_parser& parser) {
-    return enter(parser, cson_event_null, cson_state_n);
-}
-
-bool begin_exponent(cson_push_parser& parser) {
-    return enter(parser, cson_event_float, cson_state_exponent);
-}
-
+// Makes the text one that strtod reads under the current locale.
 bool decimal_point(cson_push_parser& parser) {
     if (!parser.manual_floats)
         parser.buffer[parser.buffer_count - 1] = static_cast<unsigned char>(parser.decimal_point);
-    return enter(parser, cson_event_float, cson_state_point);
+    return true;
 }
 
 bool open_string(cson_push_parser& parser) {
     clear_buffer(parser);
-    return enter(parser, cson_event_string, cson_state_string);
-}
-
-bool begin_negative(cson_push_parser& parser) {
-    return enter(parser, cson_event_integer, cson_state_minus);
-}
-
-bool begin_zero(cson_push_parser& parser) {
-    return enter(parser, cson_event_integer, cson_state_zero);
-}
-
-bool begin_integer(cson_push_parser& parser) {
-    return enter(parser, cson_event_integer, cson_state_integer);
+    return true;
 }
 
 bool begin_escape(cson_push_parser& parser) {
     parser.escaped = true;
-    parser.state = cson_state_escape;
     return true;
 }
 
-// The buffer ends in a backslash, a "u" and four hex digits.
+// The buffer ends in "\uXXXX", more bytes than any code point's UTF-8, so there is room for that.
 bool decode_unicode(cson_push_parser& parser) {
-    const unsigned char* digits = parser.buffer + parser.buffer_count - 4;
-    std::uint32_t unit = 0;
-    for (int i = 0; i < 4; ++i)
-        unit = unit << 4 | hex_digit(digits[i]);
+    std::uint32_t code = code_unit_of(parser.buffer + parser.buffer_count - 4);
     trim(parser, 6);
-    if (!add_code_unit(parser, unit))
-        return false;
-    const bool awaits_low = parser.high_surrogate != 0;
-    parser.state = awaits_low ? cson_state_low_backslash : cson_state_string;
-    return true;
+    const std::uint32_t high = parser.high_surrogate;
+    if (is_low_surrogate(code) != (high != 0))
+        return fail(parser, cson_push_invalid_unicode);
+    if (is_high_surrogate(code)) {
+        parser.high_surrogate = static_cast<std::uint16_t>(code);
+        return enter(parser, parser.type, Cell::LowBackslash);
+    }
+    if (high != 0)
+        code = code_point_of(high, code);
+    parser.high_surrogate = 0;
+    unsigned char* end = put_utf8(parser.buffer + parser.buffer_count, code);
+    *end = 0;
+    parser.buffer_count = static_cast<std::uint32_t>(end - parser.buffer);
+    return enter(parser, parser.type, Cell::String);
 }
 
-struct action {
-    bool (*run)(cson_push_parser&); // false fails the step
-    bool drops_character;           // the character doesn't stay in the token buffer
+constexpr Cell OWN_STATE = Cell::Error; // the action sets type and state itself
+
+struct Action {
+    Cell cell;
+    bool drops_character;           // the character is no part of a token
+    bool (*run)(cson_push_parser&); // null: nothing to do; false fails the step
+    Cell state;                     // after it
+    std::uint8_t type = 0;
 };
 
-// By cell, from -2 down.
-constexpr std::array<action, 21> actions = {{
-    {cson_await_member, true}, {comma, true},
-    {close_string, true},      {open_array, true},
-    {open_object, true},       {close_array, true},
-    {close_object, true},      {close_empty_object, true},
-    {begin_comment, true},     {end_comment, false},
-    {begin_false, false},      {begin_true, false},
-    {begin_null, false},       {begin_exponent, false},
-    {decimal_point, false},    {open_string, true},
-    {begin_negative, false},   {begin_zero, false},
-    {begin_integer, false},    {begin_escape, false},
-    {decode_unicode, false},
+// From -2 down, as in the grammar.
+constexpr std::array<Action, ACTION_COUNT> ACTIONS = {{
+    {Cell::AwaitMember, true, await_member, Cell::Value},
+    {Cell::Comma, true, comma, OWN_STATE},
+    {Cell::CloseString, true, close_string, OWN_STATE},
+    {Cell::OpenArray, true, open_array, Cell::FirstElement},
+    {Cell::OpenObject, true, open_object, Cell::FirstKey},
+    {Cell::CloseArray, true, close_array, Cell::Complete},
+    {Cell::CloseObject, true, close_object, Cell::Complete},
+    {Cell::CloseEmptyObject, true, close_empty_object, Cell::Complete},
+    {Cell::BeginComment, true, begin_comment, Cell::Slash},
+    {Cell::EndComment, false, end_comment, OWN_STATE},
+    {Cell::BeginFalse, false, nullptr, Cell::F, cson_event_false},
+    {Cell::BeginTrue, false, nullptr, Cell::T, cson_event_true},
+    {Cell::BeginNull, false, nullptr, Cell::N, cson_event_null},
+    {Cell::BeginExponent, false, nullptr, Cell::Exponent, cson_event_float},
+    {Cell::DecimalPoint, false, decimal_point, Cell::Point, cson_event_float},
+    {Cell::OpenString, true, open_string, Cell::String, cson_event_string},
+    {Cell::BeginNegative, false, nullptr, Cell::Minus, cson_event_integer},
+    {Cell::BeginZero, false, nullptr, Cell::Zero, cson_event_integer},
+    {Cell::BeginInteger, false, nullptr, Cell::Integer, cson_event_integer},
+    {Cell::BeginEscape, false, begin_escape, Cell::Escape, cson_event_string},
+    {Cell::DecodeUnicode, false, decode_unicode, OWN_STATE},
 }};
+
+constexpr std::size_t action_index(Cell cell) {
+    return static_cast<std::size_t>(-2 - static_cast<int>(cell));
+}
+
+consteval bool actions_are_in_order() {
+    for (std::size_t i = 0; i < ACTIONS.size(); ++i)
+        if (action_index(ACTIONS[i].cell) != i)
+            return false;
+    return true;
+}
+
+static_assert(actions_are_in_order());
+
+bool act(cson_push_parser& parser, Cell cell) {
+    const Action& action = ACTIONS[action_index(cell)];
+    if (action.drops_character)
+        trim(parser, 1);
+    if (action.run != nullptr && !action.run(parser))
+        return false;
+    return action.state == OWN_STATE || enter(parser, action.type, action.state);
+}
 
 // --- Step --------------------------------------------------------------------------------------
 
-constexpr std::uint8_t error_at_start = 0xFF; // depends on the character
-
-// What an unexpected character means, by state.
-constexpr std::array<std::uint8_t, cson_state_count> unexpected = {
-    error_at_start,
-    cson_push_invalid_character,
-    cson_push_expected_key,
-    cson_push_expected_key,
-    cson_push_expected_colon,
-    cson_push_invalid_character,
-    cson_push_unbalanced,
-    cson_push_invalid_character,
-    cson_push_invalid_character,
-    cson_push_invalid_unicode,
-    cson_push_invalid_unicode,
-    cson_push_invalid_unicode,
-    cson_push_invalid_unicode,
-    cson_push_invalid_number,
-    cson_push_invalid_number,
-    cson_push_invalid_number,
-    cson_push_invalid_number,
-    cson_push_invalid_number,
-    cson_push_invalid_number,
-    cson_push_invalid_number,
-    cson_push_invalid_keyword,
-    cson_push_invalid_keyword,
-    cson_push_invalid_keyword,
-    cson_push_invalid_keyword,
-    cson_push_invalid_keyword,
-    cson_push_invalid_keyword,
-    cson_push_invalid_keyword,
-    cson_push_invalid_keyword,
-    cson_push_invalid_keyword,
-    cson_push_invalid_keyword,
-    cson_push_invalid_character,
-    cson_push_invalid_character,
-    cson_push_invalid_character,
-    cson_push_invalid_character,
-    cson_push_invalid_unicode,
-    cson_push_invalid_unicode,
+struct ErrorRange {
+    Cell first;
+    Cell last;
+    std::uint8_t error;
 };
 
+// What an unexpected character means; in all other states it is an invalid one.
+constexpr std::array<ErrorRange, 7> ERROR_RANGES = {{
+    {Cell::FirstKey, Cell::Key, cson_push_expected_key},
+    {Cell::Colon, Cell::Colon, cson_push_expected_colon},
+    {Cell::FirstElement, Cell::FirstElement, cson_push_unbalanced},
+    {Cell::Hex1, Cell::Hex4, cson_push_invalid_unicode},
+    {Cell::LowBackslash, Cell::LowU, cson_push_invalid_unicode},
+    {Cell::Minus, Cell::ExponentDigits, cson_push_invalid_number},
+    {Cell::T, Cell::Nul, cson_push_invalid_keyword},
+}};
+
 bool refuse(cson_push_parser& parser) {
-    const std::uint8_t error = unexpected[parser.state];
-    if (error != error_at_start)
-        return fail(parser, error);
+    const auto state = static_cast<Cell>(parser.state);
     const std::int32_t c = parser.current_char;
-    const bool is_bracket = c == '[' || c == ']' || c == '{' || c == '}';
-    return fail(parser, is_bracket ? cson_push_unbalanced : cson_push_invalid_character);
+    if (state == Cell::Start && (c == '[' || c == ']' || c == '{' || c == '}'))
+        return fail(parser, cson_push_unbalanced);
+    for (const ErrorRange& range : ERROR_RANGES)
+        if (state >= range.first && state <= range.last)
+            return fail(parser, range.error);
+    return fail(parser, cson_push_invalid_character);
 }
 
 bool step(cson_push_parser& parser, std::int32_t character) {
     parser.current_char = character;
     if (character < 0)
         return fail(parser, cson_push_invalid_character);
-    const std::uint8_t id = cson_classes[static_cast<std::size_t>(std::min(character, 255))];
-    if (id == cson_class_invalid)
+    const std::uint8_t id = CLASSES[static_cast<std::size_t>(std::min(character, 255))];
+    if (id == CLASS_INVALID)
         return refuse(parser);
     if (!add_character(parser, character, id))
         return false;
-    const std::int8_t cell = cson_transitions[parser.state][id];
-    if (cell == cson_cell_error)
+    const Cell cell = TRANSITIONS[parser.state][id];
+    if (cell == Cell::Error)
         return refuse(parser);
-    if (cell < cson_cell_error) {
-        const action& taken = actions[static_cast<std::size_t>(cson_cell_first_action - cell)];
-        if (taken.drops_character)
-            trim(parser, 1);
-        return taken.run(parser);
-    }
+    if (cell < Cell::Error)
+        return act(parser, cell);
     parser.state = static_cast<std::uint8_t>(cell);
     return true;
 }
@@ -454,51 +439,6 @@ void configure(cson_push_parser& parser, const cson_push_parser_config& config) 
 
 } // namespace
 
-unsigned char cson_escape_meaning(std::int32_t letter) {
-    switch (letter) {
-    case '"':
-    case '/':
-    case '\\':
-        return static_cast<unsigned char>(letter);
-    case 'b':
-        return '\b';
-    case 'f':
-        return '\f';
-    case 'n':
-        return '\n';
-    case 'r':
-        return '\r';
-    case 't':
-        return '\t';
-    default:
-        return 0;
-    }
-}
-
-bool cson_push_mode(cson_push_parser& parser, signed char mode) {
-    if (parser.depth >= 0 && parser.top == parser.depth)
-        return fail(parser, cson_push_nesting_depth);
-    if (parser.top + 1 == parser.stack_capacity && !double_stack(parser))
-        return false;
-    parser.stack[++parser.top] = mode;
-    return true;
-}
-
-bool cson_leave_container(cson_push_parser& parser, signed char mode) {
-    if (!cson_pop_mode(parser, mode))
-        return fail(parser, cson_push_unbalanced);
-    return enter(parser, 0, cson_state_complete);
-}
-
-bool cson_append_bytes(cson_push_parser& parser, const unsigned char* bytes, std::uint32_t count) {
-    if (!make_room(parser, count))
-        return false;
-    std::memcpy(parser.buffer + parser.buffer_count, bytes, count);
-    parser.buffer_count += count;
-    parser.buffer[parser.buffer_count] = 0;
-    return true;
-}
-
 void cson_push_parser_init_config(cson_push_parser_config* config) {
     if (config != nullptr)
         *config = {nullptr, nullptr, 127, 0, 0, allocate_plainly, release_plainly};
@@ -508,12 +448,12 @@ cson_push_parser* cson_push_parser_new(const cson_push_parser_config* config) {
     cson_push_parser_config used;
     cson_push_parser_init_config(&used);
     if (config != nullptr) {
-        const bool has_memory = config->allocate != nullptr && config->release != nullptr;
-        const cson_push_allocate allocate = has_memory ? config->allocate : used.allocate;
-        const cson_push_release release = has_memory ? config->release : used.release;
         used = *config;
-        used.allocate = allocate;
-        used.release = release;
+        // One without the other could free what it didn't allocate.
+        if (used.allocate == nullptr || used.release == nullptr) {
+            used.allocate = allocate_plainly;
+            used.release = release_plainly;
+        }
     }
     void* block = used.allocate(sizeof(cson_push_parser));
     if (block == nullptr)
@@ -546,14 +486,14 @@ int cson_push_parser_reset(cson_push_parser* parser) {
         parser->buffer = parser->static_buffer.data();
         parser->buffer_capacity = static_cast<std::uint32_t>(parser->static_buffer.size());
     }
-    enter(*parser, 0, cson_state_start);
+    enter(*parser, 0, Cell::Start);
     parser->escaped = false;
     parser->in_comment = false;
     parser->error = cson_push_no_error;
     parser->high_surrogate = 0;
     parser->top = -1;
     clear_buffer(*parser);
-    return cson_push_mode(*parser, cson_mode_done) ? 1 : 0;
+    return push_mode(*parser, MODE_DONE) ? 1 : 0;
 }
 
 int cson_push_parser_step(cson_push_parser* parser, std::int32_t character) {
@@ -563,8 +503,9 @@ int cson_push_parser_step(cson_push_parser* parser, std::int32_t character) {
 int cson_push_parser_finish(cson_push_parser* parser) {
     if (parser == nullptr)
         return 0;
-    const bool at_rest = parser->state == cson_state_complete || parser->state == cson_state_start;
-    if (at_rest && cson_pop_mode(*parser, cson_mode_done))
+    const auto state = static_cast<Cell>(parser->state);
+    const bool at_rest = state == Cell::Complete || state == Cell::Start;
+    if (at_rest && pop_mode(*parser, MODE_DONE))
         return 1;
     parser->error = cson_push_unbalanced;
     return 0;
@@ -577,7 +518,7 @@ int cson_push_parser_error(const cson_push_parser* parser) {
 int cson_push_parser_is_blank(const char* text) {
     if (text == nullptr)
         return 1;
-    while (*text != 0 && cson_is_white(static_cast<unsigned char>(*text)))
+    while (*text != 0 && CLASSES[static_cast<unsigned char>(*text)] <= CLASS_WHITE)
         ++text;
     return *text == 0 ? 1 : 0;
 }

@@ -2,13 +2,11 @@
 
 #include "quillon/json/swar.h"
 
+#include <algorithm>
 #include <bit>
-#include <utility>
+#include <limits>
 
-namespace quillon {
-
-using namespace json;
-
+namespace quillon::json {
 namespace {
 
 // The first and the last bytes, up to eight of each.
@@ -24,11 +22,12 @@ std::uint64_t sample_of(const char* text, std::uint32_t length) {
     return length != 0 ? at(0) | at(length / 2) << 8 | at(length - 1) << 16 : 0;
 }
 
-// One of `Count`, a power of two, by a multiplicative hash.
-template <std::size_t Count>
+// One of `count`, a power of two, by Fibonacci hashing.
+// Source: D. E. Knuth, "The Art of Computer Programming", volume 3, 6.4.
+template <std::size_t count>
 std::size_t slot_of(const char* text, std::uint32_t length) {
-    constexpr std::uint64_t golden_ratio = 0x9E3779B97F4A7C15;
-    return (sample_of(text, length) + length) * golden_ratio >> (65 - std::bit_width(Count));
+    constexpr std::uint64_t golden_ratio = 0x9E3779B97F4A7C15; // of 2^64
+    return (sample_of(text, length) + length) * golden_ratio >> (65 - std::bit_width(count));
 }
 
 bool has_text(const cson_value* string, const char* text, std::uint32_t length) {
@@ -36,105 +35,93 @@ bool has_text(const cson_value* string, const char* text, std::uint32_t length) 
     return held->length == length && same_bytes(held + 1, text, length);
 }
 
+// The capacity of a list that grew one entry before it was full up to `count` entries; 0 where that
+// is more than a list can have.
+std::uint32_t grown_capacity(std::size_t count, std::uint32_t first) {
+    std::uint64_t capacity = count != 0 ? first : 0;
+    while (capacity <= count && count != 0)
+        capacity = (capacity - 1) * 2;
+    return capacity <= std::numeric_limits<std::uint32_t>::max()
+               ? static_cast<std::uint32_t>(capacity)
+               : 0;
+}
+
+// Gives an empty list its storage; false without memory.
+template <typename List>
+bool make_storage(Pool& pool, List& list, std::uint32_t capacity) {
+    list.items = capacity != 0 ? build_storage(&pool, &list, capacity, nullptr, 0) : nullptr;
+    list.capacity = capacity;
+    return list.items != nullptr;
+}
+
 } // namespace
 
-cson_tree_builder::~cson_tree_builder() {
-    for (; !open.empty(); open.pop())
-        drop_entries(open.top());
-    cson_value_release(root);
+TreeBuilder::~TreeBuilder() {
+    for (; !entries.empty(); entries.pop())
+        cson_value_release(entries.top());
 }
 
-// Frees what waits for the list of a container; the container itself is one of its parent's.
-void cson_tree_builder::drop_entries(const open_container& container) {
-    const bool is_array = container.value->api->kind == cson_kind_array;
-    for (; entries.size() > container.first; entries.pop()) {
-        if (is_array) {
-            cson_value_release(static_cast<cson_value*>(entries.top()));
-            continue;
-        }
-        auto* pair = static_cast<cson_kvp*>(entries.top());
-        cson_value_release(pair->key);
-        cson_value_release(pair->value);
-        free(pair, pair->chunk_offset, KVP_TAG);
-    }
-}
-
-int cson_tree_builder::begin_root(cson_value* container) {
-    if (container == nullptr)
-        return cson_AllocError;
-    root = container;
-    add_owner(container);
-    ++value_count;
+// A key that the tree holds already is used again: the members of many objects are named alike.
+int TreeBuilder::key(const char* text, std::uint32_t length) {
+    cson_value*& known = known_keys[slot_of<KNOWN_KEYS>(text, length)];
+    const bool is_known = known != nullptr && has_text(known, text, length);
+    cson_value* used = is_known ? known : build_string(&pool, text, length);
+    const int code = push(used);
+    if (code != cson_OK)
+        return code;
+    ++key_count;
+    if (!cson_value_is_shared(used))
+        known = used;
     return cson_OK;
 }
 
-// The string is made anew unless the tree holds it already: members of many objects share a key.
-int cson_tree_builder::key(const char* text, std::uint32_t length) {
-    cson_value*& known = known_keys[slot_of<known_key_count>(text, length)];
-    if (known != nullptr && has_text(known, text, length))
-        return file_key(known);
-    cson_value* made = build_string(&pool, text, length);
-    if (!cson_value_is_shared(made))
-        known = made;
-    return file_key(made);
-}
-
-int cson_tree_builder::file_key(cson_value* value) {
-    if (value == nullptr)
-        return cson_AllocError;
-    cson_kvp* pair = build_kvp(&pool, value, nullptr);
-    if (pair != nullptr && entries.push(pair)) {
-        add_owner(value);
-        waiting = pair;
-        ++key_count;
-        return cson_OK;
-    }
-    if (pair != nullptr)
-        free(pair, pair->chunk_offset, KVP_TAG);
-    if (value->refcount == 0)
+cson_value* TreeBuilder::make_array(std::size_t first) {
+    cson_value* value = build_container(&pool, cson_kind_array);
+    const std::size_t count = entries.size() - first;
+    if (value == nullptr || count == 0)
+        return value;
+    auto& list = payload_of<cson_array>(value)->list;
+    if (!make_storage(pool, list, grown_capacity(count, 7))) {
         cson_value_release(value);
-    return cson_AllocError;
-}
-
-int cson_tree_builder::handle(int event, const cson_push_data* data) {
-    switch (event) {
-    case cson_event_array_begins:
-        return begin_container(cson_kind_array);
-    case cson_event_object_begins:
-        return begin_container(cson_kind_object);
-    case cson_event_array_ends:
-    case cson_event_object_ends:
-        return end_container();
-    case cson_event_integer:
-        return integer(data->integer);
-    case cson_event_float:
-        return number(data->number);
-    case cson_event_string:
-        return string(data->text, data->length);
-    case cson_event_null:
-        return constant(cson_value_null_constant());
-    case cson_event_true:
-        return constant(cson_value_true());
-    case cson_event_false:
-        return constant(cson_value_false());
-    case cson_event_key:
-        return key(data->text, data->length);
-    default:
-        return cson_InternalError;
+        return nullptr;
     }
+    std::copy_n(entries.from(first), count, list.items);
+    list.count = static_cast<std::uint32_t>(count);
+    return value;
 }
 
-int cson_tree_builder::on_event(void* context, int event, const cson_push_data* data) {
-    auto& builder = *static_cast<cson_tree_builder*>(context);
-    builder.error = builder.handle(event, data);
-    return builder.error == cson_OK ? 1 : 0;
+cson_value* TreeBuilder::make_object(std::size_t first) {
+    cson_value* value = build_container(&pool, cson_kind_object);
+    const std::size_t count = (entries.size() - first) / 2;
+    if (value == nullptr || count == 0)
+        return value;
+    auto& list = payload_of<cson_object>(value)->list;
+    if (make_storage(pool, list, grown_capacity(count, 5)) &&
+        fill_object(list, entries.from(first), count))
+        return value;
+    cson_value_release(value);
+    return nullptr;
 }
 
-cson_value* cson_tree_builder::take_root() {
-    cson_value* taken = std::exchange(root, nullptr);
-    if (taken != nullptr)
-        taken->refcount = 0;
-    return taken;
+// Makes a pair of each key and member, which then owns them in the stack's place.
+bool TreeBuilder::fill_object(cson_kvp_list& list, cson_value** members, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+        cson_kvp* pair = build_kvp(&pool, members[2 * i], members[2 * i + 1]);
+        if (pair == nullptr)
+            return false;
+        list.items[list.count++] = pair;
+        members[2 * i] = members[2 * i + 1] = nullptr;
+    }
+    return true;
 }
 
-} // namespace quillon
+cson_value* TreeBuilder::take_root() {
+    if (entries.empty())
+        return nullptr;
+    cson_value* root = entries.top();
+    entries.pop();
+    root->refcount = 0;
+    return root;
+}
+
+} // namespace quillon::json

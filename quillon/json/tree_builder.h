@@ -1,7 +1,6 @@
-// Turns the events of a push parser into a tree of values.
+// Builds a tree of values from the parts of a text, in their order.
 #pragma once
 
-#include "quillon/json/parser.h"
 #include "quillon/json/pool.h"
 #include "quillon/json/record.h"
 #include "quillon/json/stack.h"
@@ -10,131 +9,103 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <limits>
-#include <utility>
 
-namespace quillon {
+namespace quillon::json {
 
-// Lives for one reading; every operation gives a code, and the first failure ends the reading.
+// Lives for one reading; every operation returns a code, and the first failure ends the reading.
 //
-// A container gets its list when it ends, with the capacity that adding its entries one by one
-// would have given. Up to then they wait behind those of the containers around it: the elements of
-// an array, the pairs of an object.
-class cson_tree_builder {
+// The entries of the open containers are on one stack, the inner ones' after the outer ones': the
+// values of an array, keys and members in turn of an object. A container is made when it ends, with
+// its list right after it and the capacity that adding its entries one by one would have led to. Up
+// to then it has a null on the stack, before its entries.
+class TreeBuilder {
 public:
-    cson_tree_builder() = default;
-    cson_tree_builder(const cson_tree_builder&) = delete;
-    cson_tree_builder& operator=(const cson_tree_builder&) = delete;
-    ~cson_tree_builder();
+    TreeBuilder() = default;
+    TreeBuilder(const TreeBuilder&) = delete;
+    TreeBuilder& operator=(const TreeBuilder&) = delete;
+    ~TreeBuilder();
 
     int begin_container(std::uint32_t kind) {
-        cson_value* container = json::build_container(&pool, kind);
-        const int code = root != nullptr ? add(container) : begin_root(container);
-        if (code != cson_OK)
-            return code;
-        return open.push({container, entries.size()}) ? cson_OK : cson_AllocError;
+        if (!entries.push(nullptr) || !open.push({entries.size(), kind}))
+            return cson_AllocError;
+        ++value_count;
+        return cson_OK;
     }
 
+    // RangeError if no container is open.
     int end_container() {
         if (open.empty())
             return cson_RangeError;
-        const auto [container, first] = open.top();
-        const bool is_array = container->api == &json::KINDS[cson_kind_array].api;
-        if (!(is_array ? fill(&json::payload_of<cson_array>(container)->list, first, 7)
-                       : fill(&json::payload_of<cson_object>(container)->list, first, 5)))
+        const auto [first, kind] = open.top();
+        cson_value* made = kind == cson_kind_array ? make_array(first) : make_object(first);
+        if (made == nullptr)
             return cson_AllocError;
+        add_owner(made);
         entries.shrink(first);
+        entries.top() = made;
         open.pop();
         return cson_OK;
     }
 
     int key(const char* text, std::uint32_t length);
 
-    int integer(std::int32_t number) { return add(json::build_int(&pool, number)); }
+    int integer(std::int32_t number) { return add(build_int(&pool, number)); }
 
-    int number(double number) { return add(json::build_double(&pool, number)); }
+    int number(double number) { return add(build_double(&pool, number)); }
 
     int string(const char* text, std::uint32_t length) {
-        return add(json::build_string(&pool, text, length));
+        return add(build_string(&pool, text, length));
     }
 
     int constant(cson_value* shared) { return add(shared); }
 
-    // The parser's callback, with a builder as the context.
-    static int on_event(void* context, int event, const cson_push_data* data);
+    // How many containers are open.
+    std::size_t depth() const { return open.size(); }
 
-    // Hands the tree over with a count of 0, or gives null when there was no value.
+    // True if the innermost open container is an array; one must be open.
+    bool is_in_array() { return open.top().kind == cson_kind_array; }
+
+    // Returns the tree, with a count of 0, to the caller; null when there was no value. No
+    // container may be open.
     cson_value* take_root();
 
-    int error = cson_OK; // of the last event
     std::uint32_t key_count = 0;
     std::uint32_t value_count = 0;
 
 private:
-    static constexpr std::size_t known_key_count = 256;
+    static constexpr std::size_t KNOWN_KEYS = 256;
 
-    // A container that has begun, and where its entries begin.
-    struct open_container {
-        cson_value* value;
-        std::size_t first;
+    struct OpenContainer {
+        std::size_t first; // position of its first entry
+        std::uint32_t kind;
     };
 
-    // Files a new or shared value with the container that is being filled; a failure frees it.
     int add(cson_value* value) {
+        const int code = push(value);
+        value_count += code == cson_OK ? 1 : 0;
+        return code;
+    }
+
+    // Puts a new or shared value on the stack, which owns it; a failure frees it.
+    int push(cson_value* value) {
         if (value == nullptr)
             return cson_AllocError;
-        if (waiting != nullptr) {
-            std::exchange(waiting, nullptr)->value = value;
-        } else if (!entries.push(value)) {
-            cson_value_release(value);
-            return cson_AllocError;
-        }
-        json::add_owner(value);
-        ++value_count;
-        return cson_OK;
+        add_owner(value);
+        if (entries.push(value))
+            return cson_OK;
+        cson_value_release(value);
+        return cson_AllocError;
     }
 
-    // Gives a list, which is empty, the entries that wait for it; false without memory.
-    template <class List>
-    bool fill(List* list, std::size_t first, std::uint32_t first_capacity) {
-        const std::size_t count = entries.size() - first;
-        if (count == 0)
-            return true;
-        const std::uint32_t capacity = grown_capacity(count, first_capacity);
-        list->items = capacity != 0
-                          ? json::build_storage(&pool, list, capacity, entries.from(first),
-                                                static_cast<std::uint32_t>(count))
-                          : nullptr;
-        if (list->items == nullptr)
-            return false;
-        list->count = static_cast<std::uint32_t>(count);
-        list->capacity = capacity;
-        return true;
-    }
+    cson_value* make_array(std::size_t first);
+    cson_value* make_object(std::size_t first);
+    bool fill_object(cson_kvp_list& list, cson_value** members, std::size_t count);
 
-    // What a list that grows one entry before it is full has come to with `count` entries, 0 where
-    // that is more than a list can have.
-    static std::uint32_t grown_capacity(std::size_t count, std::uint32_t first) {
-        std::uint64_t capacity = first;
-        while (capacity <= count)
-            capacity = (capacity - 1) * 2;
-        return capacity <= std::numeric_limits<std::uint32_t>::max()
-                   ? static_cast<std::uint32_t>(capacity)
-                   : 0;
-    }
-
-    int begin_root(cson_value* container);
-    int handle(int event, const cson_push_data* data);
-    int file_key(cson_value* value);
-    void drop_entries(const open_container& container);
-
-    cson_value* root = nullptr;
-    cson_kvp* waiting = nullptr; // the pair whose key has come, for its member
-    json::Stack<open_container> open;
-    json::Stack<void*> entries;
-    json::Pool pool;
+    Stack<cson_value*> entries;
+    Stack<OpenContainer> open;
+    Pool pool;
     // Keys of this tree that may come again, by a hash. No owners: their pairs live longer.
-    std::array<cson_value*, known_key_count> known_keys = {};
+    std::array<cson_value*, KNOWN_KEYS> known_keys = {};
 };
 
-} // namespace quillon
+} // namespace quillon::json

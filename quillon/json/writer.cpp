@@ -1,7 +1,7 @@
 #include "quillon/json/writer.h"
 
 #include "quillon/json/containers.h"
-#include "quillon/json/number_text.h"
+#include "quillon/json/number.h"
 #include "quillon/json/pool.h"
 #include "quillon/json/record.h"
 #include "quillon/json/stack.h"
@@ -268,10 +268,10 @@ int write_string(Output& output, const cson_string* string, bool escape_slashes)
 
 template <class Output>
 int write_integer(Output& output, std::int32_t number) {
-    std::array<unsigned char, cson_number_room> text;
+    std::array<unsigned char, NUMBER_ROOM> text;
     unsigned char* room = output.room(text.size());
     unsigned char* begin = room != nullptr ? room : text.data();
-    const unsigned char* end = cson_put_integer(begin, number);
+    const unsigned char* end = put_integer(begin, number);
     if (room == nullptr)
         return output.piece(begin, static_cast<std::uint32_t>(end - begin));
     output.advance(end);
@@ -280,17 +280,17 @@ int write_integer(Output& output, std::int32_t number) {
 
 template <class Output>
 int write_double(Output& output, double number, std::string_view point) {
-    std::array<unsigned char, cson_double_room> text;
-    unsigned char* room = output.room(cson_number_room);
+    std::array<unsigned char, DOUBLE_ROOM> text;
+    unsigned char* room = output.room(NUMBER_ROOM);
     unsigned char* begin = room != nullptr ? room : text.data();
-    const unsigned char* end = cson_put_double(begin, number, point);
+    const unsigned char* end = put_double(begin, number, point);
     if (room != nullptr && end != nullptr) {
         output.advance(end);
         return cson_OK;
     }
     if (end == nullptr) {
         begin = text.data();
-        end = cson_put_formatted(begin, number);
+        end = put_formatted(begin, number);
     }
     if (end == nullptr)
         return cson_RangeError;

@@ -1,6 +1,6 @@
 #include "json_testing.h"
 
-#include "quillon/json/number_text.h"
+#include "quillon/json/number.h"
 
 #include <gtest/gtest.h>
 
@@ -84,10 +84,10 @@ TEST(Write, DoublesEndBehindTheirLastDigit) {
 TEST(Write, DoublesHaveTheFormatsBytes) {
     std::mt19937_64 engine(3);
     const auto check = [](double number) {
-        std::array<unsigned char, cson_double_room> text;
-        std::array<unsigned char, cson_double_room> expected;
-        const unsigned char* end = cson_put_double(text.data(), number, ".");
-        const unsigned char* expected_end = cson_put_formatted(expected.data(), number);
+        std::array<unsigned char, json::DOUBLE_ROOM> text;
+        std::array<unsigned char, json::DOUBLE_ROOM> expected;
+        const unsigned char* end = json::put_double(text.data(), number, ".");
+        const unsigned char* expected_end = json::put_formatted(expected.data(), number);
         if (end == nullptr)
             return;
         ASSERT_EQ(

@@ -1,4 +1,4 @@
-#include "quillon/json/number_text.h"
+#include "quillon/json/number.h"
 
 #include "quillon/json/swar.h"
 
@@ -6,15 +6,12 @@
 #include <bit>
 #include <cstdio>
 
-namespace quillon {
-
-using namespace json;
-
+namespace quillon::json {
 namespace {
 
-constexpr std::uint64_t million = 1000000;
-constexpr std::uint64_t eight_digits = 100000000;
-constexpr std::uint64_t half = std::uint64_t{1} << 63;
+constexpr std::uint64_t MILLION = 1000000;
+constexpr std::uint64_t TEN_TO_8 = 100000000;
+constexpr std::uint64_t HALF = std::uint64_t{1} << 63;
 
 // The eight digits of a number below 10^8, a byte each, the first in the lowest: fours, then pairs,
 // then digits are split side by side.
@@ -40,14 +37,14 @@ unsigned char* put_below_10_to_8(unsigned char* at, std::uint64_t number) {
 }
 
 unsigned char* put_long(unsigned char* at, std::uint64_t number) {
-    at = put_below_10_to_8(at, number / eight_digits);
-    store_digits(at, digits_of(number % eight_digits));
+    at = put_below_10_to_8(at, number / TEN_TO_8);
+    store_digits(at, digits_of(number % TEN_TO_8));
     return at + 8;
 }
 
 // A number below 10^16.
 unsigned char* put_unsigned(unsigned char* at, std::uint64_t number) {
-    return number < eight_digits ? put_below_10_to_8(at, number) : put_long(at, number);
+    return number < TEN_TO_8 ? put_below_10_to_8(at, number) : put_long(at, number);
 }
 
 // A sign comes at random in many documents, and goes without a branch.
@@ -64,7 +61,7 @@ struct fixed_point {
 };
 
 fixed_point to_fixed_point(std::uint64_t bits) {
-    const std::uint64_t mantissa = (bits & ((half >> 11) - 1)) | half >> 11;
+    const std::uint64_t mantissa = (bits & ((HALF >> 11) - 1)) | HALF >> 11;
     const auto below_point = 1075 - static_cast<unsigned>(bits >> 52 & 0x7FF);
     if (below_point < 64)
         return {mantissa >> below_point, mantissa << 1 << (63 - below_point), true};
@@ -75,13 +72,13 @@ fixed_point to_fixed_point(std::uint64_t bits) {
 // The first six decimals of a fraction, rounded half to even; false where lost bits might tip the
 // balance. A carry gives a whole million.
 bool round_to_millionths(const fixed_point& number, std::uint64_t& millionths) {
-    const std::uint64_t low = (number.fraction & 0xFFFFFFFF) * million;
-    const std::uint64_t high = (number.fraction >> 32) * million + (low >> 32);
+    const std::uint64_t low = (number.fraction & 0xFFFFFFFF) * MILLION;
+    const std::uint64_t high = (number.fraction >> 32) * MILLION + (low >> 32);
     const std::uint64_t rest = high << 32 | (low & 0xFFFFFFFF); // of 2^64, behind the six decimals
-    if (!number.exact && (rest - (half - million) <= million || rest > ~million))
+    if (!number.exact && (rest - (HALF - MILLION) <= MILLION || rest > ~MILLION))
         return false;
     millionths = high >> 32;
-    millionths += rest > half - (millionths & 1) ? 1 : 0;
+    millionths += rest > HALF - (millionths & 1) ? 1 : 0;
     return true;
 }
 
@@ -95,32 +92,32 @@ unsigned char* put_decimals(unsigned char* at, std::uint64_t millionths, bool ke
 
 } // namespace
 
-unsigned char* cson_put_integer(unsigned char* at, std::int32_t number) {
+unsigned char* put_integer(unsigned char* at, std::int32_t number) {
     const auto magnitude = static_cast<std::uint32_t>(number);
     return put_unsigned(put_sign(at, number < 0), number < 0 ? 0u - magnitude : magnitude);
 }
 
-unsigned char* cson_put_double(unsigned char* at, double number, std::string_view point) {
+unsigned char* put_double(unsigned char* at, double number, std::string_view point) {
     const auto bits = std::bit_cast<std::uint64_t>(number);
     constexpr std::uint64_t beyond = std::uint64_t{1075 + 1} << 52; // 2^53 as bits
-    if ((bits & ~half) >= beyond || point.size() > 8)
+    if ((bits & ~HALF) >= beyond || point.size() > 8)
         return nullptr;
     const fixed_point fixed = to_fixed_point(bits);
     std::uint64_t millionths = 0;
     if (!round_to_millionths(fixed, millionths))
         return nullptr;
-    at = put_sign(at, bits >= half);
-    at = put_unsigned(at, fixed.whole + (millionths >= million ? 1 : 0));
+    at = put_sign(at, bits >= HALF);
+    at = put_unsigned(at, fixed.whole + (millionths >= MILLION ? 1 : 0));
     if (point.size() == 1)
         *at = static_cast<unsigned char>(point.front());
     else
         copy_bytes(at, point.data(), point.size());
-    return put_decimals(at + point.size(), millionths >= million ? 0 : millionths, point == ".");
+    return put_decimals(at + point.size(), millionths >= MILLION ? 0 : millionths, point == ".");
 }
 
-unsigned char* cson_put_formatted(unsigned char* at, double number) {
+unsigned char* put_formatted(unsigned char* at, double number) {
     char* text = reinterpret_cast<char*>(at);
-    int length = std::snprintf(text, cson_double_room, "%f", number);
+    int length = std::snprintf(text, DOUBLE_ROOM, "%f", number);
     if (length <= 0)
         return nullptr;
     while (length > 1 && text[length - 1] == '0' && text[length - 2] != '.')
@@ -128,4 +125,4 @@ unsigned char* cson_put_formatted(unsigned char* at, double number) {
     return at + length;
 }
 
-} // namespace quillon
+} // namespace quillon::json
