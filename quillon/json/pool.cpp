@@ -13,8 +13,8 @@ constexpr std::size_t header_bytes = 16;
 // Growing that far, a chunk is as big as all before it together. An allocator that adapts itself to
 // what it gets back then keeps that memory for the next document, where many small chunks would go
 // back to the system and come anew, page by page.
-constexpr std::size_t largest_chunk = 8192 * 1024;
-constexpr std::size_t largest_block = 512;
+constexpr std::size_t largest_chunk = (std::size_t{32} << 20) - 8192;
+constexpr std::size_t largest_block = 2048;
 
 } // namespace
 
@@ -38,7 +38,7 @@ bool Pool::open_chunk() {
     chunk = new (block) Chunk{1}; // the pool's own hold
     next = static_cast<unsigned char*>(block) + header_bytes;
     end = static_cast<unsigned char*>(block) + chunk_bytes;
-    chunk_bytes = std::min(chunk_bytes * 2, largest_chunk);
+    chunk_bytes = std::min(chunk_bytes * 3, largest_chunk);
     return true;
 }
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <bit>
 #include <limits>
+#include <new>
 
 namespace quillon::json {
 namespace {
@@ -38,20 +39,32 @@ bool has_text(const cson_value* string, const char* text, std::uint32_t length) 
 // The capacity of a list that grew one entry before it was full up to `count` entries; 0 where that
 // is more than a list can have.
 std::uint32_t grown_capacity(std::size_t count, std::uint32_t first) {
-    std::uint64_t capacity = count != 0 ? first : 0;
-    while (capacity <= count && count != 0)
+    std::uint64_t capacity = first;
+    while (capacity <= count)
         capacity = (capacity - 1) * 2;
     return capacity <= std::numeric_limits<std::uint32_t>::max()
                ? static_cast<std::uint32_t>(capacity)
                : 0;
 }
 
-// Gives an empty list its storage; false without memory.
+// Makes a container with the storage of its list, both in one block with `extra` bytes after them.
 template <typename List>
-bool make_storage(Pool& pool, List& list, std::uint32_t capacity) {
-    list.items = capacity != 0 ? build_storage(&pool, &list, capacity, nullptr, 0) : nullptr;
-    list.capacity = capacity;
-    return list.items != nullptr;
+cson_value* build_filled(Pool& pool, std::uint32_t kind, std::uint32_t capacity, std::size_t count,
+                         std::size_t extra) {
+    if (capacity == 0)
+        return nullptr;
+    const std::size_t storage = sizeof(StorageHeader) + capacity * sizeof(void*);
+    cson_value* value = build_record(&pool, kind, sizeof(List) + storage + extra);
+    if (value == nullptr)
+        return nullptr;
+    auto* list = new (value->value) List;
+    auto* header = new (list + 1) StorageHeader{PART_OF_BLOCK, 0};
+    list->items = reinterpret_cast<decltype(list->items)>(header + 1);
+    list->count = static_cast<std::uint32_t>(count);
+    list->capacity = capacity;
+    for (std::size_t i = count; i < capacity; ++i)
+        list->items[i] = nullptr;
+    return value;
 }
 
 } // namespace
@@ -76,43 +89,30 @@ int TreeBuilder::key(const char* text, std::uint32_t length) {
 }
 
 cson_value* TreeBuilder::make_array(std::size_t first) {
-    cson_value* value = build_container(&pool, cson_kind_array);
     const std::size_t count = entries.size() - first;
-    if (value == nullptr || count == 0)
-        return value;
-    auto& list = payload_of<cson_array>(value)->list;
-    if (!make_storage(pool, list, grown_capacity(count, 7))) {
-        cson_value_release(value);
-        return nullptr;
-    }
-    std::copy_n(entries.from(first), count, list.items);
-    list.count = static_cast<std::uint32_t>(count);
+    if (count == 0)
+        return build_container(&pool, cson_kind_array);
+    cson_value* value =
+        build_filled<cson_value_list>(pool, cson_kind_array, grown_capacity(count, 7), count, 0);
+    if (value != nullptr)
+        std::copy_n(entries.from(first), count, payload_of<cson_array>(value)->list.items);
     return value;
 }
 
 cson_value* TreeBuilder::make_object(std::size_t first) {
-    cson_value* value = build_container(&pool, cson_kind_object);
     const std::size_t count = (entries.size() - first) / 2;
-    if (value == nullptr || count == 0)
-        return value;
+    if (count == 0)
+        return build_container(&pool, cson_kind_object);
+    cson_value* value = build_filled<cson_kvp_list>(
+        pool, cson_kind_object, grown_capacity(count, 5), count, count * sizeof(cson_kvp));
+    if (value == nullptr)
+        return nullptr;
     auto& list = payload_of<cson_object>(value)->list;
-    if (make_storage(pool, list, grown_capacity(count, 5)) &&
-        fill_object(list, entries.from(first), count))
-        return value;
-    cson_value_release(value);
-    return nullptr;
-}
-
-// Makes a pair of each key and member, which then owns them in the stack's place.
-bool TreeBuilder::fill_object(cson_kvp_list& list, cson_value** members, std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i) {
-        cson_kvp* pair = build_kvp(&pool, members[2 * i], members[2 * i + 1]);
-        if (pair == nullptr)
-            return false;
-        list.items[list.count++] = pair;
-        members[2 * i] = members[2 * i + 1] = nullptr;
-    }
-    return true;
+    auto* pairs = reinterpret_cast<cson_kvp*>(list.items + list.capacity);
+    cson_value* const* members = entries.from(first);
+    for (std::size_t i = 0; i < count; ++i)
+        list.items[i] = new (pairs + i) cson_kvp{members[2 * i], members[2 * i + 1], PART_OF_BLOCK};
+    return value;
 }
 
 cson_value* TreeBuilder::take_root() {

@@ -99,7 +99,6 @@ private:
 
     cson_value* make_array(std::size_t first);
     cson_value* make_object(std::size_t first);
-    bool fill_object(cson_kvp_list& list, cson_value** members, std::size_t count);
 
     Stack<cson_value*> entries;
     Stack<OpenContainer> open;
