@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstring>
 #include <memory>
 #include <stdexcept>
@@ -93,8 +94,11 @@ TEST_F(Containers, ListAddsUpToItsEndAndDestroysWhatItOwnsFirstToLast) {
         EXPECT_THAT(died, ElementsAre(4));
         EXPECT_EQ(nullptr, list.add(nullptr, 1)); // is there, and nothing to destroy
         EXPECT_EQ(4U, list.count());
+        list.clear();
+        EXPECT_EQ(0U, list.count());
+        fill(list, {6});
     }
-    EXPECT_THAT(died, ElementsAre(4, 1, 99, 3, 2, 5));
+    EXPECT_THAT(died, ElementsAre(4, 3, 2, 5, 1, 99, 6));
 }
 
 TEST_F(Containers, ThoseThatReferNeverDestroy) {
@@ -112,14 +116,17 @@ TEST_F(Containers, ThoseThatReferNeverDestroy) {
     EXPECT_TRUE(died.empty());
 }
 
-TEST_F(Containers, ListTakesManyOutInOnePass) {
+TEST_F(Containers, ListRemovesManyInOneWalkThatSeesNoneOfThem) {
     DSParray<Mortal> list;
     fill(list, {1, 2, 3, 4, 5, 6});
+    std::vector<int> seen;
     list.remove_if([&](const Mortal* element) {
-        if (element->name < 10) // each draws one more behind the end, which may move the storage
+        seen = names(list);
+        if (element->name < 10) // each appends one more, which may move the storage
             fill(list, {element->name + 10});
         return element->name % 3 != 0;
     });
+    EXPECT_THAT(seen, ElementsAre(3, 6, 12, 15, 16));
     EXPECT_THAT(died, ElementsAre(1, 2, 4, 5, 11, 13, 14, 16));
     EXPECT_THAT(names(list), ElementsAre(3, 6, 12, 15));
     const auto cut = [](const Mortal* element) {
@@ -127,6 +134,27 @@ TEST_F(Containers, ListTakesManyOutInOnePass) {
     };
     EXPECT_THROW(list.remove_if(cut), std::runtime_error);
     EXPECT_THAT(names(list), ElementsAre(6, 12, 15));
+}
+
+// Its first generation leaves another one in the list, which may move the storage.
+struct Returning {
+    DSParray<Returning>& list;
+    int generation;
+
+    ~Returning() {
+        if (generation == 0)
+            list.add(new Returning{list, 1}, DSP_APPEND);
+    }
+};
+
+TEST_F(Containers, ListRemovesTheRightElementIfItsDestructorAppends) {
+    DSParray<Returning> list;
+    for (const int generation : {2, 0, 3})
+        list.add(new Returning{list, generation}, DSP_APPEND);
+    EXPECT_TRUE(list.remove(1, false));
+    ASSERT_EQ(3U, list.count());
+    for (const std::uint32_t position : {0U, 1U, 2U})
+        EXPECT_EQ((std::array{2, 3, 1}[position]), list.get(position)->generation);
 }
 
 TEST_F(Containers, MapKeepsTheFirstValueOfAKeyInOrderOfKeys) {

@@ -1,19 +1,20 @@
 // The router's rules followed word by word, and the script that drives the router and this model.
+// Observers and messages are numbers.
 #pragma once
 
 #include <algorithm>
+#include <bit>
 #include <cstdint>
 #include <functional>
 #include <limits>
 #include <map>
 #include <memory>
 #include <random>
+#include <utility>
 #include <vector>
 
-// What an observer throws.
-struct Cut {};
+using Queue = std::vector<std::pair<int, float>>; // messages, and the delay that each has left
 
-// Observers and messages are numbers.
 class Model {
 public:
     std::function<void(int observer, int message)> receive;
@@ -28,17 +29,17 @@ public:
         destroyed = [](int) {};
     }
 
-    bool enlist(int observer, std::uint32_t type) { return enlist_in(boxes[type], observer); }
+    bool add(int observer, std::uint32_t type) { return add_to(boxes[type], observer); }
 
-    bool enlist_for_anything(int observer) { return enlist_in(anything, observer); }
+    bool add_to_anything(int observer) { return add_to(anything, observer); }
 
-    bool strike_off(int observer, std::uint32_t type) {
-        return boxes.contains(type) && strike_off_from(boxes[type], observer);
+    bool remove(int observer, std::uint32_t type) {
+        return boxes.contains(type) && std::erase(boxes[type].observers, observer) > 0;
     }
 
-    int strike_off_all(int observer) {
+    int remove_all(int observer) {
         return static_cast<int>(std::count_if(boxes.begin(), boxes.end(), [&](auto& entry) {
-            return strike_off_from(entry.second, observer);
+            return std::erase(entry.second.observers, observer) > 0;
         }));
     }
 
@@ -64,19 +65,17 @@ public:
     }
 
     void update(float passed) {
-        if (inWork != nullptr)
+        if (std::exchange(updating, true))
             return;
-        try {
-            work_through(anything, passed);
-            for (auto& [type, box] : boxes)
-                work_through(box, passed);
-        } catch (const Cut&) {
-            break_off(passed);
-            inWork = nullptr;
-            throw;
-        }
-        inWork = nullptr;
+        work_through(anything, passed);
+        for (auto& [type, box] : boxes)
+            work_through(box, passed);
+        updating = false;
     }
+
+    Queue queue(std::uint32_t type) { return boxes.contains(type) ? of(boxes[type]) : Queue(); }
+
+    Queue queue_of_anything() { return of(anything); }
 
 private:
     struct Entry {
@@ -87,74 +86,47 @@ private:
     struct Box {
         std::vector<Entry> queue;
         std::vector<int> observers;
-        int next = 0;
     };
 
-    void deliver(const Box& box, int message) const {
-        std::size_t i = 0;
-        while (i < box.observers.size())
-            receive(box.observers[i++], message);
+    static Queue of(const Box& box) {
+        Queue entries;
+        for (const Entry& entry : box.queue)
+            entries.emplace_back(*entry.holder, entry.left);
+        return entries;
     }
 
-    // The message in delivery goes on first of all, with the observer behind; time counts for all.
-    void break_off(float passed) {
-        auto& queue = inWork->queue;
-        std::rotate(queue.begin(), queue.begin() + position, queue.begin() + position + 1);
-        queue.front().left = -std::numeric_limits<float>::infinity();
-        bool reached = inWork != &anything;
-        const auto count_down = [&](Entry& entry) {
-            entry.left = passed < entry.left ? entry.left - passed : queue.front().left;
-        };
-        std::for_each(queue.begin() + position + 1, queue.end(), count_down);
-        for (auto& [type, box] : boxes)
-            if (!reached)
-                std::for_each(box.queue.begin(), box.queue.end(), count_down);
-            else
-                reached = &box != inWork;
-    }
-
-    static bool enlist_in(Box& box, int observer) {
-        const bool free = std::count(box.observers.begin(), box.observers.end(), observer) == 0;
-        if (free)
+    static bool add_to(Box& box, int observer) {
+        const bool is_new = std::count(box.observers.begin(), box.observers.end(), observer) == 0;
+        if (is_new)
             box.observers.push_back(observer);
-        return free;
+        return is_new;
     }
 
-    bool strike_off_from(Box& box, int observer) {
-        const auto found = std::find(box.observers.begin(), box.observers.end(), observer);
-        if (found == box.observers.end())
-            return false;
-        if (found - box.observers.begin() < box.next && inWork != &box)
-            --box.next;
-        box.observers.erase(found);
-        return true;
+    void deliver(const Box& box, int message) const {
+        for (std::size_t i = 0; i < box.observers.size(); ++i)
+            receive(box.observers[i], message);
     }
 
-    void work_through(Box& box, float passed) {
-        inWork = &box;
-        for (position = 0; position < static_cast<std::ptrdiff_t>(box.queue.size());) {
-            Entry& entry = box.queue[static_cast<std::size_t>(position)];
+    void work_through(Box& box, float passed) const {
+        for (std::size_t position = 0; position < box.queue.size();) {
+            Entry& entry = box.queue[position];
             if (passed < entry.left) {
                 entry.left -= passed;
                 ++position;
                 continue;
             }
-            const int message = *entry.holder;
-            while (box.next < static_cast<int>(box.observers.size()))
-                receive(box.observers[static_cast<std::size_t>(box.next++)], message);
-            box.next = 0;
-            box.queue.erase(box.queue.begin() + position);
+            deliver(box, *entry.holder);
+            box.queue.erase(box.queue.begin() + static_cast<std::ptrdiff_t>(position));
         }
     }
 
     std::map<std::uint32_t, Box> boxes;
     Box anything;
-    Box* inWork = nullptr;
-    std::ptrdiff_t position = 0;
+    bool updating = false;
 };
 
 // Drives a bus at random; two buses that behave alike make the same script say the same.
-template <class Bus>
+template <typename Bus>
 class Script {
 public:
     Script(Bus& driven, std::uint32_t seed) : bus(driven), draw(seed) {
@@ -166,57 +138,55 @@ public:
     void step() {
         log.clear();
         reactions = 0;
-        try {
-            operate();
-        } catch (const Cut&) {
-            log.push_back(999);
-        }
+        operate();
     }
 
     std::vector<int> log;
 
 private:
-    static constexpr std::uint32_t types[] = {0, 1, 7, 0x80000000, 0xFFFFFFFF};
-    static constexpr float infinite = std::numeric_limits<float>::infinity();
-    static constexpr float nan = std::numeric_limits<float>::quiet_NaN();
-    static constexpr float delays[] = {0.0F, 0.1F, 0.25F, 0.3F,     0.5F, 1.0F,
-                                       1.7F, 3.0F, -1.0F, infinite, nan,  -infinite};
-    static constexpr float times[] = {0.0F, 0.1F,  0.1F, 0.25F, 0.3F,     0.5F,
-                                      1.0F, -0.5F, 2.0F, nan,   infinite, 0.2F};
+    static constexpr std::uint32_t TYPES[] = {0, 1, 7, 0x80000000, 0xFFFFFFFF};
+    static constexpr float INFINITE = std::numeric_limits<float>::infinity();
+    static constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
+    static constexpr float DELAYS[] = {0.0F, 0.1F, 0.25F, 0.3F,     0.5F,         1.0F,
+                                       1.7F, 3.0F, -1.0F, INFINITE, NOT_A_NUMBER, -INFINITE};
+    static constexpr float TIMES[] = {0.0F, 0.1F,  0.1F, 0.25F,        0.3F,     0.5F,
+                                      1.0F, -0.5F, 2.0F, NOT_A_NUMBER, INFINITE, 0.2F};
 
-    template <class T, std::size_t N>
+    template <typename T, std::size_t N>
     T one_of(const T (&choices)[N]) {
         return choices[draw() % N];
     }
 
     void react(int observer, int message) {
         log.insert(log.end(), {observer, message});
-        const auto act = draw() % 8;
-        if (act < 3 && ++reactions < 30) {
-            if (act == 2 && draw() % 8 == 0)
-                throw Cut();
+        note(draw() % 2 == 0 ? bus.queue_of_anything() : bus.queue(one_of(TYPES)));
+        if (draw() % 8 < 3 && ++reactions < 30)
             operate();
-        }
+    }
+
+    void note(const Queue& queue) {
+        for (const auto& [message, left] : queue)
+            log.insert(log.end(), {message, std::bit_cast<int>(left)});
     }
 
     void operate() {
         const int observer = static_cast<int>(draw() % 6);
-        const std::uint32_t type = one_of(types);
+        const std::uint32_t type = one_of(TYPES);
         const auto kind = draw() % 100;
         if (kind < 20)
-            log.push_back(bus.enlist(observer, type) ? 1 : 0);
+            log.push_back(bus.add(observer, type) ? 1 : 0);
         else if (kind < 21)
-            log.push_back(bus.enlist_for_anything(observer) ? 1 : 0);
+            log.push_back(bus.add_to_anything(observer) ? 1 : 0);
         else if (kind < 35)
-            log.push_back(bus.strike_off(observer, type) ? 1 : 0);
+            log.push_back(bus.remove(observer, type) ? 1 : 0);
         else if (kind < 38)
-            log.push_back(bus.strike_off_all(observer));
+            log.push_back(bus.remove_all(observer));
         else if (kind < 60)
             log.push_back(bus.post(type, ++messages));
         else if (kind < 80)
-            log.push_back(bus.post_delayed(type, ++messages, one_of(delays)));
+            log.push_back(bus.post_delayed(type, ++messages, one_of(DELAYS)));
         else
-            bus.update(one_of(times));
+            bus.update(one_of(TIMES));
     }
 
     Bus& bus;

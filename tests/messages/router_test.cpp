@@ -51,26 +51,28 @@ public:
     RouterBus(const RouterBus&) = delete;
     RouterBus& operator=(const RouterBus&) = delete;
 
-    // The holders that still wait are nobody's once the router is gone.
+    // A router that dies leaves the holders alone that still wait.
     ~RouterBus() {
+        const std::size_t left = waiting.size();
         router.reset();
+        EXPECT_EQ(left, waiting.size());
         while (!waiting.empty())
             delete *waiting.begin();
     }
 
-    bool enlist(int observer, std::uint32_t type) {
+    bool add(int observer, std::uint32_t type) {
         return router->register_for_message(&observers[observer], type);
     }
 
-    bool enlist_for_anything(int observer) {
+    bool add_to_anything(int observer) {
         return router->register_for_anything(&observers[observer]);
     }
 
-    bool strike_off(int observer, std::uint32_t type) {
+    bool remove(int observer, std::uint32_t type) {
         return router->unregister_for_message(&observers[observer], type);
     }
 
-    int strike_off_all(int observer) { return router->unregister_all(&observers[observer]); }
+    int remove_all(int observer) { return router->unregister_all(&observers[observer]); }
 
     int post(std::uint32_t type, int message) {
         Numbered numbered{type, message};
@@ -86,6 +88,13 @@ public:
     }
 
     void update(float passed) { router->update(passed); }
+
+    Queue queue(std::uint32_t type) const {
+        const auto* const box = router->mailboxes.find(type);
+        return box == nullptr ? Queue() : of(*box);
+    }
+
+    Queue queue_of_anything() const { return of(router->anything); }
 
 private:
     struct Numbered {
@@ -114,13 +123,23 @@ private:
         Observer(RouterBus& owner, int name) : bus(owner), number(name) {}
 
         void receive_message(cMessage* message) override {
-            bus.receive(number, reinterpret_cast<Numbered*>(message)->number);
+            bus.receive(number, number_of(message));
         }
 
     private:
         RouterBus& bus;
         int number;
     };
+
+    static int number_of(cMessage* message) { return reinterpret_cast<Numbered*>(message)->number; }
+
+    static Queue of(const cMessageRouter::Mailbox& box) {
+        Queue entries;
+        for (std::uint32_t i = 0; i < box.queue.count(); ++i)
+            entries.emplace_back(number_of(box.queue.get(i)->first->message()),
+                                 box.queue.get(i)->second);
+        return entries;
+    }
 
     std::set<Holder*> waiting;
     Observer observers[6] = {{*this, 0}, {*this, 1}, {*this, 2},
@@ -148,18 +167,69 @@ protected:
     Router() {
         bus.receive = [this](int observer, int message) {
             log.insert(log.end(), {observer, message});
+            if (observer == thrower && message == 11)
+                throw Cut();
         };
         bus.destroyed = [this](int message) { log.push_back(-message); };
     }
 
+    struct Cut {};
+
     std::vector<int> log;
+    int thrower = -1; // the observer that throws at message 11
     RouterBus bus;
 };
 
+// Message 11 is the second of type 7, whose observers are 0, 1 and 2; 3 observes anything.
+TEST_F(Router, ExceptionEndsAnUpdateWhoseTimeCountsAndTheNextOneGoesOn) {
+    constexpr float due = -std::numeric_limits<float>::infinity();
+
+    const struct {
+        int thrower;
+        std::vector<int> first, second;
+        Queue anything, seven; // between the two updates
+    } rows[] = {
+        {1,
+         {3, 11, 3, 12, 0, 11, 1, 11},
+         {2, 11, -11, 1, 12, 2, 12, -12},
+         {{10, 4}, {13, 2}, {14, 1.5F}},
+         {{11, due}, {10, 4}, {12, due}, {13, 2}}},
+        {3,
+         {3, 11},
+         {3, 12, 1, 11, 2, 11, -11, 1, 12, 2, 12, -12},
+         {{11, due}, {10, 4}, {12, due}, {13, 2}, {14, 1.5F}},
+         {{10, 4}, {11, due}, {12, due}, {13, 2}}},
+    };
+
+    for (const auto& row : rows) {
+        bus.router = std::make_unique<cMessageRouter>();
+        for (const int observer : {0, 1, 2})
+            bus.add(observer, 7);
+        bus.add_to_anything(3);
+        for (const auto& [message, delay] : Queue{{10, 5}, {11, 1}, {12, 1}, {13, 3}})
+            bus.post_delayed(7, message, delay);
+        bus.post_delayed(9, 14, 2.5F);
+        log.clear();
+        thrower = row.thrower;
+        EXPECT_THROW(bus.update(1), Cut);
+        EXPECT_EQ(row.first, log);
+        EXPECT_EQ(row.anything, bus.queue_of_anything());
+        EXPECT_EQ(row.seven, bus.queue(7));
+        EXPECT_EQ((Queue{{14, 1.5F}}), bus.queue(9));
+        log.clear();
+        thrower = -1;
+        bus.remove(0, 7); // moves those who still wait for message 11
+        bus.update(0);
+        EXPECT_EQ(row.second, log);
+    }
+    thrower = 1;
+    EXPECT_THROW(bus.post(7, 11), Cut);
+}
+
 TEST_F(Router, OnlyRegistrationAndDelayedPostsMakeMailboxes) {
     EXPECT_EQ(0, bus.post(1, 10));
-    EXPECT_FALSE(bus.strike_off(0, 1));
-    EXPECT_EQ(0, bus.strike_off_all(0));
+    EXPECT_FALSE(bus.remove(0, 1));
+    EXPECT_EQ(0, bus.remove_all(0));
     EXPECT_FALSE(bus.router->register_for_message(nullptr, 1));
     EXPECT_FALSE(bus.router->register_for_anything(nullptr));
     EXPECT_EQ(0, bus.router->post_message(nullptr));
@@ -171,11 +241,12 @@ TEST_F(Router, OnlyRegistrationAndDelayedPostsMakeMailboxes) {
 }
 
 TEST_F(Router, ResultIsCutTo16Bits) {
-    bus.enlist(0, 1);
+    bus.add(0, 1);
     auto& observers = bus.router->mailboxes.find(1)->observers;
     while (observers.count() < 40'001)
         observers.add(observers.get(0), DSP_APPEND);
     EXPECT_EQ(static_cast<std::int16_t>(40'001), bus.post(1, 10));
+    EXPECT_EQ(static_cast<std::int16_t>(40'001), bus.post_delayed(1, 10, 1));
 }
 
 TEST(Holder, KeepsALargerMessageWholeWhereTheRouterLooksForIt) {
@@ -195,8 +266,8 @@ TEST(Holder, KeepsALargerMessageWholeWhereTheRouterLooksForIt) {
 TEST_F(Router, ImmediatePostDoesNotAllocate) {
     bus.receive = [](int, int) {};
     for (std::uint32_t type = 0; type < 1000; ++type)
-        bus.enlist(0, type);
-    bus.enlist_for_anything(0);
+        bus.add(0, type);
+    bus.add_to_anything(0);
     const std::size_t before = allocations;
     for (std::uint32_t type = 0; type < 2000; ++type)
         EXPECT_EQ(type < 1000 ? 1 : 0, bus.post(type, 10));
