@@ -16,7 +16,7 @@
 #include "quillon/core/file_list.h"
 #include "quillon/core/interfaces.h"
 #include "quillon/core/modules.h"
-#include "quillon/core/plugins.h"
+#include "quillon/core/plugin_registry.h"
 #include "quillon/core/worker.h"
 #include "quillon/export.h"
 #include "quillon/files/files.h"

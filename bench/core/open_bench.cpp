@@ -1,5 +1,5 @@
 // What __mCore_open costs beside the bare loader calls on the same files.
-#include "quillon/core/plugins.h"
+#include "quillon/core/plugin_registry.h"
 
 #include <benchmark/benchmark.h>
 

@@ -13,7 +13,7 @@
 #include "quillon/containers/names.h"
 #include "quillon/core/interfaces.h"
 #include "quillon/core/modules.h"
-#include "quillon/core/plugins.h"
+#include "quillon/core/plugin_registry.h"
 
 #include <algorithm>
 #include <cstddef>

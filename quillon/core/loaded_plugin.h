@@ -1,7 +1,7 @@
 // A plug-in file that the library loaded, and what the library does with it.
 #pragma once
 
-#include "quillon/core/plugins.h"
+#include "quillon/core/plugin_registry.h"
 
 #include <array>
 #include <iterator>

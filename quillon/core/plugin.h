@@ -33,7 +33,7 @@
 #include "quillon/containers/map.h"
 #include "quillon/containers/names.h"
 #include "quillon/core/interfaces.h"
-#include "quillon/core/plugins.h"
+#include "quillon/core/plugin_registry.h"
 
 #include <algorithm>
 #include <initializer_list>

@@ -3,7 +3,7 @@
 #include "quillon/core/end_of_life.h"
 #include "quillon/core/loaded_plugin.h"
 #include "quillon/core/matching_names.h"
-#include "quillon/core/plugins.h"
+#include "quillon/core/plugin_registry.h"
 #include "quillon/core/raised_flag.h"
 #include "quillon/platform/loader.h"
 

@@ -1,6 +1,6 @@
+#include "quillon/core/plugin_registry.h"
 #include "quillon/containers/names.h"
 #include "quillon/core/core_lists.h"
-#include "quillon/core/plugins.h"
 
 #include <limits>
 #include <string_view>

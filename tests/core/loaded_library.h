@@ -2,7 +2,7 @@
 #pragma once
 
 #include "quillon/core/modules.h"
-#include "quillon/core/plugins.h"
+#include "quillon/core/plugin_registry.h"
 #include "quillon/core/worker.h"
 
 #include <filesystem>

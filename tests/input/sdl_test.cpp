@@ -2,7 +2,7 @@
 // display, where xdotool is the user.
 #include "plugins/contracts/input.h"
 #include "quillon/core/modules.h"
-#include "quillon/core/plugins.h"
+#include "quillon/core/plugin_registry.h"
 #include "quillon/input/analog.h"
 #include "quillon/input/digital.h"
 #include "quillon/input/names.h"

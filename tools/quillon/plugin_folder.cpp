@@ -3,7 +3,7 @@
 #include "command.h"
 #include "platform.h"
 #include "quillon/core/modules.h"
-#include "quillon/core/plugins.h"
+#include "quillon/core/plugin_registry.h"
 
 #include <iostream>
 #include <random>

@@ -4,7 +4,7 @@
 #include "platform.h"
 #include "plugin_folder.h"
 #include "quillon/core/modules.h"
-#include "quillon/core/plugins.h"
+#include "quillon/core/plugin_registry.h"
 
 #include <algorithm>
 #include <iterator>
