@@ -1,7 +1,7 @@
-// What marks the names of the public headers for compilers and linkers.
+// Export macros.
 #pragma once
 
-// Lets a host call an export without the stub that binds it lazily, a fifth of an empty call.
+// Calls an export without the stub for lazy binding, which costs a fifth of an empty call.
 #if defined(__GNUC__) && !defined(__clang__) && defined(__ELF__)
     #define QUILLON_DIRECT __attribute__((noplt))
 #else
@@ -21,8 +21,8 @@
     #define QUILLON_API __attribute__((visibility("default"))) QUILLON_DIRECT
 #endif
 
-// Marks a variable of a header that each loaded file keeps to itself: the dynamic linker ties no
-// two of them together, which would keep a plug-in from being unloaded.
+// Marks a variable of a header of which each loaded file has its own. A shared one would keep a
+// plug-in from being unloaded.
 #if defined(_WIN32)
     #define QUILLON_LOCAL
 #else

@@ -1,5 +1,5 @@
-// Every header that a host needs. A plug-in includes quillon/core/plugin.h instead, which stays out
-// of here because it declares the global names that a plug-in defines.
+// All public headers except quillon/core/plugin.h, which plug-ins include: it declares the global
+// names that a plug-in defines.
 #pragma once
 
 #include "quillon/appearance/bitmap.h"

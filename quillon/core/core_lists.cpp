@@ -22,15 +22,15 @@ constinit Lasting<DSPhashMap<void>> pointers;
 
 } // namespace
 
-// A `shutdown` still finds its own plug-in and the later ones. The file is released after that,
-// when nobody finds the plug-in any more.
+// During `shutdown` the list still holds the plug-in. Its file is released after it has left the
+// list, since static destructors in it may call exports.
 PluginList::~PluginList() {
     for (std::uint32_t i = 0; i < count(); ++i) {
         const std::unique_ptr<LoadedPlugin> ending(plugin_at(i));
         if (ending != nullptr)
             ending->shut_down();
         remove(i, true);
-        add(nullptr, i); // cannot fail: there was an element
+        add(nullptr, i); // cannot fail: the capacity is there
     }
 }
 

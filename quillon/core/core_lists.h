@@ -9,8 +9,8 @@ namespace quillon {
 
 // Owns the plug-ins, each of which is a LoadedPlugin.
 //
-// As the list dies it ends them, first loaded first. Their places stay: one is null once the
-// plug-in there was shut down.
+// The destructor shuts them down and releases them, first loaded first. The others keep their
+// positions: one that is gone leaves a null.
 class PluginList : public DSParray<cPlugin> {
 public:
     PluginList() = default;
@@ -19,7 +19,7 @@ public:
 
     ~PluginList() override;
 
-    // The plug-in at `position`; null for a place that is empty and beyond the end.
+    // The plug-in at `position`; null if it is gone, and beyond the end.
     LoadedPlugin* plugin_at(std::uint32_t position) const {
         return static_cast<LoadedPlugin*>(get(position));
     }

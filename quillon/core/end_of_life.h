@@ -1,8 +1,8 @@
 // The library's end-of-life list: what is built registers here, and the list runs backwards.
 //
-// It runs on unload of the library or on an ordinary exit of the process, whichever comes first.
-// At exit it has to run ahead of the static objects of every plug-in, and exit handlers run latest
-// first: so it is registered again whenever plug-in code may have made static objects.
+// It runs when the library is unloaded or when the process exits, whichever comes first.
+// At exit it has to run before the destructors of the plug-ins' static objects, and exit handlers
+// run latest first: so it is registered again whenever plug-in code may have made static objects.
 #pragma once
 
 #include <cstddef>
@@ -37,9 +37,11 @@ struct EndOfLifeComesFirst {
     ~EndOfLifeComesFirst() { run_end_of_life_before_exit_handlers(); }
 };
 
-// An object in static storage, built on first use and destroyed by the end-of-life list. A use
-// after that builds it anew, so that every export still answers.
-template <class T>
+// An object in static storage, built on first use and destroyed by the end-of-life list.
+//
+// A use after that builds it anew, so that every export still answers: the Phoenix singleton of
+// Alexandrescu, "Modern C++ Design", section 6.6.
+template <typename T>
 class Lasting : private EndOfLifeEntry {
 public:
     constexpr Lasting() : EndOfLifeEntry{&Lasting::destroy_object, nullptr} {}
@@ -54,7 +56,7 @@ public:
     }
 
 private:
-    // Plug-in code that runs below the destructor still sees the object.
+    // Plug-in code that is called from the destructor still sees the object.
     static void destroy_object(EndOfLifeEntry& entry) {
         auto& self = static_cast<Lasting&>(entry);
         std::destroy_at(&self.get());

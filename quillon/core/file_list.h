@@ -7,8 +7,9 @@
 
 namespace quillon {
 
-// One name of a listing. The caller frees each `name` with `delete[]` and each entry with `delete`,
-// or leaves both to a FileListOwner.
+// One name of a listing, a chain that the caller owns.
+//
+// Each `name` is freed with `delete[]` and each entry with `delete`; a FileListOwner does both.
 struct cFileListEntry {
     char* name;
     cFileListEntry* next;
@@ -33,11 +34,11 @@ extern "C" {
 
 // The names in `folder` that `filter` selects, sorted bytewise; null if there are none.
 //
-// A filter is a list of name endings separated by ";", compared without regard to letter case and
-// not trimmed: ".dll;.so" gives the files that end in one of them. ".*" gives every file.
-// A filter without endings ("", ";;") gives the subfolders instead, "." and ".." included.
-// Subfolders are not searched, and a folder that cannot be read counts as empty.
-// A path of 260 or more characters, with its "/*" and after "\" and "//" became "/", gives null.
+// A filter is a list of name endings separated by ";", which are not trimmed: ".dll;.so" selects
+// the files that end in one of them, in any letter case. ".*" selects every file. A filter without
+// endings ("", ";;") selects the subfolders instead, "." and ".." included. Subfolders are not
+// searched, and a folder that cannot be read counts as empty. Null if the path has 260 or more
+// characters, with "/*" appended and "\" and "//" turned into "/".
 QUILLON_API quillon::cFileListEntry* __mFileOps_collect_files(const char* folder,
                                                               const char* filter);
 }

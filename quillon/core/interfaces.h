@@ -1,8 +1,8 @@
 // The five tables of functions through which plug-ins serve the library's modules.
 //
-// A table is a block of pointer-wide entries at fixed positions, handed out cleared. The named
-// entries are those that the library calls; the meaning of the others is agreed between plug-ins
-// and hosts. Entries run on the caller's thread and take no context: a plug-in keeps its own state.
+// A table is a block of pointer-wide entries at fixed positions, cleared before a plug-in fills it.
+// The library calls the named entries; plug-ins and hosts agree on the meaning of the others.
+// Entries run on the caller's thread and take no context: a plug-in keeps its own state.
 #pragma once
 
 #include <cstddef>
@@ -12,16 +12,17 @@ namespace quillon {
 
 struct GraphicsTable {
     void* entries_0_to_14[15];
-    // Reads an image file; the plug-in says what the three values are. `name` dies with the call.
+    // Reads an image file; the plug-in defines the three values. `name` is valid during the call.
     void (*load_bitmap)(const char* name, void* width, void* height, void* pixels);
-    // Writes 8-bit RGBA pixels to an image file and tells whether it did.
+    // Writes 8-bit RGBA pixels to an image file; true on success.
     bool (*save_bitmap)(const char* name, std::uint16_t width, std::uint16_t height,
                         std::uint8_t* pixels);
     void* entries_17_to_96[80];
 };
 
-// All take an absolute input code. A binding may ask twice for one code, so an answer must not
-// depend on whether it was asked before.
+// All take an absolute input code.
+//
+// One query of a binding may call an entry twice for one code: the result must be the same.
 struct InputTable {
     void* entries_0_to_10[11];
     bool (*key_down)(std::uint16_t code);
@@ -36,7 +37,7 @@ struct InputTable {
 
 struct SystemTable {
     void* entries_0_to_10[11];
-    // Must return: a worker looks at its stop flag only between pauses.
+    // Must return: a worker reads its stop flag only between pauses.
     void (*pause)(const double& seconds);
     void* entries_12_to_24[13];
 };
@@ -49,7 +50,7 @@ struct AudioTable {
     void* entries_0_to_13[14];
 };
 
-template <class Table>
+template <typename Table>
 inline constexpr std::size_t ENTRY_COUNT = sizeof(Table) / sizeof(void*);
 
 static_assert(sizeof(GraphicsTable) == 97 * sizeof(void*));

@@ -60,20 +60,20 @@ LoadedPlugin::~LoadedPlugin() {
 bool LoadedPlugin::connect() {
     if (get_plugin_purpose() != std::string_view("Module"))
         return false;
-    // Lives until the services have been offered: the plug-in may look at the names it appended.
+    // Lives until the services have been offered: `initialize` may read the names.
     DSParray<std::string> prerequisites(false);
     get_plugin_prereqs(prerequisites);
     if (!are_initialised(prerequisites))
         return false;
     bool changed = false;
     for (const Service& service : SERVICES)
-        changed |= serve(service);
+        changed |= connect_service(service);
     return changed;
 }
 
 void* LoadedPlugin::get_function(const char* name) {
     void* const function = platform::find_function(library, name);
-    return function != nullptr && make_ready() ? function : nullptr;
+    return function != nullptr && make_initialised() ? function : nullptr;
 }
 
 void LoadedPlugin::shut_down() {
@@ -83,8 +83,8 @@ void LoadedPlugin::shut_down() {
     initialised = false;
 }
 
-// An `initialize` that asks for a function of its own plug-in arrives here again, and gets no.
-bool LoadedPlugin::make_ready() {
+// An `initialize` that asks for a function of its own plug-in gets here a second time.
+bool LoadedPlugin::make_initialised() {
     if (initialised || initialising)
         return initialised;
     const RaisedFlag under_way(initialising);
@@ -94,7 +94,7 @@ bool LoadedPlugin::make_ready() {
     return initialised;
 }
 
-bool LoadedPlugin::serve(const Service& service) {
+bool LoadedPlugin::connect_service(const Service& service) {
     if (service.interface() != nullptr || !get_plugin_compatibility(service.keyword))
         return false;
     void* const function = get_function(service.connect_entry_point);

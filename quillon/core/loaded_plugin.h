@@ -1,4 +1,4 @@
-// A plug-in file that the library loaded, and what the library does with it.
+// A loaded plug-in: connection, initialisation, shutdown.
 #pragma once
 
 #include "quillon/core/plugin_registry.h"
@@ -32,19 +32,19 @@ public:
 
     ~LoadedPlugin() override;
 
-    // Offers the plug-in every free module; true if it took one.
+    // Offers the plug-in every free module; true if one was connected.
     bool connect();
 
-    // The plug-in's own export of that name, which initialises the plug-in first if need be.
-    // Null if there is no such export, if `initialize` says no, and while it is under way.
+    // The plug-in's own export of that name; initialises the plug-in first if necessary.
+    // Null if there is no such export, if `initialize` returns false and while it runs.
     void* get_function(const char* name);
 
     // Calls `shutdown` if the plug-in is initialised. Does nothing when it is called again.
     void shut_down();
 
 private:
-    bool make_ready();
-    bool serve(const Service& service);
+    bool make_initialised();
+    bool connect_service(const Service& service);
 
     bool initialising = false;
 };

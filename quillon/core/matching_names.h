@@ -1,4 +1,4 @@
-// The listing of one folder, for the library itself; see file_list.h for what a filter is.
+// The listing of one folder, for the library itself; file_list.h describes filters.
 #pragma once
 
 #include <string>

@@ -1,4 +1,4 @@
-// The eight modules. Five are facades over a table that a plug-in fills; the others hold nothing.
+// The eight modules. Five are facades over a table that a plug-in fills; the others have no state.
 #pragma once
 
 #include "quillon/containers/list.h"
@@ -19,8 +19,10 @@
 
 namespace quillon {
 
-// For host-side code that reaches a module's table through a member of the module. A view is valid
-// before any plug-in connects and sees the table once one has; the library never reads one.
+// For host code that reaches a module's table through a member of the module.
+//
+// A view is valid before a plug-in connects and sees the table afterwards.
+// The library never reads one.
 struct cInterfaceView {
     void*** interface;
 };
@@ -41,20 +43,27 @@ inline std::unique_ptr<cPairedInterfaceView> view_of(std::uintptr_t& first, std:
         cPairedInterfaceView{&first, &second, &interface});
 }
 
-// Calls an entry of a module's table; false, 0 or nothing if the module or the entry is not there.
-template <class Table, class Result, class... Arguments>
+// The entry of a module's table; null if no plug-in is connected or the plug-in left it unfilled.
+template <typename Table, typename Entry>
+Entry entry_of(void** interface, Entry Table::*entry) {
+    return interface == nullptr ? nullptr : reinterpret_cast<Table*>(interface)->*entry;
+}
+
+// Calls that entry; returns false, 0 or nothing if it is null.
+template <typename Table, typename Result, typename... Arguments>
 Result call_entry(void** interface, Result (*Table::*entry)(Arguments...),
                   std::type_identity_t<Arguments>... arguments) {
-    auto* const function =
-        interface == nullptr ? nullptr : reinterpret_cast<Table*>(interface)->*entry;
+    auto* const function = entry_of(interface, entry);
     return function == nullptr ? Result() : function(arguments...);
 }
 
-// In each facade, `interface` is null until a plug-in connects, and the module owns the table. An
-// operation calls the table's entry of its name with the same arguments; on an unconnected module,
-// or where the plug-in left the entry unfilled, it gives false, 0 or nothing. Destructors stand
-// here so that hosts find the classes' type information in their own code: the library exports
-// none.
+// The facades.
+//
+// `interface` is null until a plug-in connects; the module owns the table.
+// An operation calls the table's entry of its name with the same arguments.
+// It returns false, 0 or nothing if no plug-in is connected or the entry is unfilled.
+// Destructors are inline so that hosts have the type information of the classes in their own code:
+// the library exports none.
 
 class modGraphics {
 public:
@@ -77,7 +86,7 @@ public:
     void** interface = nullptr;
     cMessageRouter router; // the library's only one
 
-    // For host-side code, which reaches them through the paired views.
+    // For host code, which reaches them through the paired views.
     std::uintptr_t firstWord;
     std::uintptr_t secondWord;
 
@@ -126,7 +135,7 @@ public:
         return call_entry(interface, &InputTable::axis_delta, code);
     }
 
-    // The absolute codes of what pad 0 to 3 numbers from 0: of its digital inputs, and of its axes.
+    // The absolute code of a digital input or an axis, which pads 0 to 3 number from 0.
     // Pure arithmetic, cut to 16 bits; see quillon/input/codes.h for the ranges.
     static constexpr std::int16_t digital_pad_code(std::int16_t code, std::int16_t pad) {
         return static_cast<std::int16_t>(pad * 45 + code + 108);
@@ -160,7 +169,7 @@ public:
 
     virtual ~modNetwork() { ::operator delete(interface); }
 
-    bool statusFlag = false; // for host-side code, like the word behind it
+    bool statusFlag = false; // for host code, like the next word
     std::uintptr_t spareWord;
     void** interface = nullptr;
     std::unique_ptr<cInterfaceView> view0 = view_of(interface);
@@ -209,8 +218,10 @@ public:
 
 extern "C" {
 
-// The one module of each kind, built on the first call and alive until the library ends; a call
-// after that gives a fresh, unconnected one. The first call must be over before a second thread's.
+// The one module of each kind.
+//
+// Built on the first call, which must have returned before another thread calls.
+// Destroyed when the library ends; a later call builds a fresh, unconnected one.
 QUILLON_API quillon::modCore* __mCore_instance();
 QUILLON_API quillon::modGraphics* __mGraphics_instance();
 QUILLON_API quillon::modInput* __mInput_instance();

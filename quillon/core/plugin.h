@@ -1,26 +1,25 @@
-// All that a plug-in needs: its entry points, the tables that it fills, the containers that it
-// meets.
+// The interface of a plug-in: its entry points, the tables that it fills, the containers it uses.
 //
 // A plug-in is a shared library in the folder "plugin" of a host. It defines the six entry points
-// below, and a connect entry point for each module that it serves. It needs no library to link: one
-// that does link this library, to call its exports, keeps it loaded until the process exits.
+// below, and a connect entry point for each module that it serves. It links no library: one that
+// links this library, to call its exports, keeps it loaded until the process exits.
 //
-// `shutdown` runs once for each plug-in whose `initialize` returned true, on unload of the library
-// or on an ordinary exit of the process. Static objects that exist when `initialize` and the
-// connect entry points have returned are then still alive; tables are not, and function-local
-// statics that are first reached later may be gone. Indices of plug-ins do not change meanwhile:
-// one that was shut down before answers "INVALID", null, false and -1.
+// Shutdown
+//   `shutdown` runs once for each plug-in whose `initialize` returned true, when the library is
+//   unloaded or the process exits in the ordinary way.
+//   Static objects that exist when `initialize` and the connect entry points have returned are
+//   still alive then. Function-local statics that are first used later may be gone; tables are.
+//   Plug-ins keep their indices. One that is gone answers "INVALID", null and false.
 //
-// Any function of a plug-in may call the library, which does not start over:
+// Calls into the library, which every function of a plug-in may make
 //   While a plug-in is being initialised, __mCore_get_plugin_function returns null for it.
 //   __mCore_open changes nothing and returns true inside __mCore_open and once the library ends.
 //   __mCore_parse_folder_for_plugins loads nothing once the library ends.
 //
-// An exception that leaves a plug-in's function propagates to the host. The plug-ins that were
-// loaded before are shut down at the end as ever.
-//   get_plugin_name or _purpose, while a folder is scanned: the file is not added and stays mapped.
-//   initialize: the plug-in is not initialised; it may be asked again.
-//   A connect entry point: the module stays free, and its table is gone.
+// Exceptions, which propagate to the host; the plug-ins that are initialised are shut down later
+//   get_plugin_name or _purpose, during a scan: the file is not added and stays mapped.
+//   initialize: the plug-in is not initialised; the next call of one of its functions asks again.
+//   A connect entry point: the module stays free, and its table is freed.
 //   shutdown: std::terminate.
 //
 // The names below are global. `shutdown` is also a call of the sockets interface: both headers may
@@ -49,22 +48,22 @@
 
 // The six that every plug-in defines. The last four are called before `initialize`, many times.
 
-// Gets ready, or says no and may be asked again; `parameters` holds what the host filed by
-// name_hash of a name.
+// True if the plug-in is ready; after false it may be called again. `parameters` holds the host's
+// values by name_hash of their names.
 QUILLON_PLUGIN_EXPORT bool initialize(quillon::DSPrefHashMap<void>* parameters);
 QUILLON_PLUGIN_VISIBLE void shutdown() __asm__("shutdown");
-// Texts that stay valid as long as the plug-in is loaded; one that returns null is refused. Only
-// the purpose "Module" is connected.
+// Texts that stay valid as long as the plug-in is loaded; with a null it is refused. Only the
+// purpose "Module" is connected.
 QUILLON_PLUGIN_EXPORT const char* get_plugin_name();
 QUILLON_PLUGIN_EXPORT const char* get_plugin_purpose();
 // True for the keywords "GRAPHICS", "INPUT", "SYSTEM", "NET", "AUDIO" of the modules that it
 // serves.
 QUILLON_PLUGIN_EXPORT bool get_plugin_compatibility(const char* word);
 // Appends to the empty list the names, made with `new`, of plug-ins that must be initialised first.
-// The list dies after the plug-in has been offered the modules.
+// The list lives until the plug-in has been offered the modules.
 QUILLON_PLUGIN_EXPORT void get_plugin_prereqs(quillon::DSParray<std::string>& names);
 
-// One for each module served: writes the plug-in's functions into the cleared table.
+// One for each module that it serves: writes the plug-in's functions into the cleared table.
 QUILLON_PLUGIN_EXPORT void connect_graphics_interface(void** table);
 QUILLON_PLUGIN_EXPORT void connect_input_interface(void** table);
 QUILLON_PLUGIN_EXPORT void connect_system_interface(void** table);
@@ -73,14 +72,14 @@ QUILLON_PLUGIN_EXPORT void connect_sound_interface(void** table);
 
 namespace quillon {
 
-// The block that a connect entry point received, as the table of the module:
+// The block that a connect entry point receives, as the table of the module:
 // `as_table<GraphicsTable>(table).load_bitmap = load`.
-template <class Table>
+template <typename Table>
 Table& as_table(void** table) {
     return *reinterpret_cast<Table*>(table);
 }
 
-// Appends a name for get_plugin_prereqs; leaks nothing if there is no memory for it.
+// Appends a copy of `name`; leaks nothing when memory runs out.
 inline void add_name(DSParray<std::string>& names, const char* name) {
     names.make_room_for_one();
     names.add(new std::string(name), DSP_APPEND);
@@ -89,7 +88,7 @@ inline void add_name(DSParray<std::string>& names, const char* name) {
 } // namespace quillon
 
 // Defines get_plugin_name, get_plugin_purpose and get_plugin_compatibility of a plug-in of purpose
-// "Module": its name, then the keyword of each module that it serves.
+// "Module". Arguments: its name, then the keyword of each module that it serves.
 #define QUILLON_PLUGIN_SERVES(name, ...)                                                           \
     const char* get_plugin_name() {                                                                \
         return name;                                                                               \

@@ -38,11 +38,11 @@ struct ReleaseLibrary {
     void operator()(void* library) const { platform::release_library(library); }
 };
 
-// The plug-in in a file, or null, with a line on standard output that says which.
+// The plug-in in the file, or null if it is refused; prints a line in either case.
 std::unique_ptr<LoadedPlugin> load_plugin(const char* folder, const std::string& name) {
     void* const library = platform::load_library(std::string(folder) + "/" + name);
     const EntryPoints functions = entry_points_of(library);
-    // An exception of the plug-in may be of a type of its own, so its library stays loaded then.
+    // Not guarded yet: an exception of the plug-in may need the code of its type in the library.
     const bool accepted = is_plugin(functions);
     std::unique_ptr<void, ReleaseLibrary> guard(library);
     if (!accepted) {

@@ -1,4 +1,4 @@
-// Finding, loading and asking plug-ins, as a host sees it; plug-ins include plugin.h.
+// The host's interface to plug-ins: loading, connection, queries. Plug-ins include plugin.h.
 #pragma once
 
 #include "quillon/containers/list.h"
@@ -21,14 +21,15 @@ QUILLON_LOCAL inline constexpr const char* ENTRY_POINTS[] = {"initialize",
 // A loaded plug-in file, which the library makes and destroys.
 //
 // The list of them, a DSParray<cPlugin>, is what a plug-in's `initialize` finds under the key of
-// "Modules". Its readers may read the fields and call the entry points.
-// While the library ends, a plug-in that was shut down leaves a null in the list.
+// "Modules". Its users may read the fields and call the entry points.
+// While the library ends, the list holds null at the position of a plug-in that is gone.
 class cPlugin {
 public:
     cPlugin(const cPlugin&) = delete;
     cPlugin& operator=(const cPlugin&) = delete;
 
-    virtual ~cPlugin() = default; // shuts the plug-in down and releases the file
+    // The library's own part, which derives from this one, shuts down and releases.
+    virtual ~cPlugin() = default;
 
     void* library = nullptr;
     bool initialised = false;
@@ -49,9 +50,9 @@ extern "C" {
 
 // Loads the plug-ins of the folder "plugin" below the current directory and connects them.
 //
-// Plug-ins are offered the modules GRAPHICS, INPUT, SYSTEM, NET and AUDIO, in passes, until a whole
-// pass connects nothing; one whose prerequisites are not initialised waits for the next pass.
-// Always true: a module that nobody serves keeps a null `interface`.
+// Each plug-in is offered the modules GRAPHICS, INPUT, SYSTEM, NET and AUDIO, in passes, until a
+// whole pass connects nothing; one whose prerequisites are not initialised waits for the next pass.
+// Always true: a module that no plug-in serves keeps a null `interface`.
 // Call it once: a second call loads the folder's plug-ins a second time.
 QUILLON_API bool __mCore_open();
 
@@ -61,42 +62,46 @@ QUILLON_API void __mCore_close();
 // Loads every file of `folder` with the platform's library extension and the six entry points.
 //
 // Prints a line on standard output for each plug-in and for each file that is refused.
-// Plug-ins that are added after __mCore_open are connected by nobody.
+// Plug-ins that are added after __mCore_open are never connected.
 QUILLON_API void __mCore_parse_folder_for_plugins(const char* folder);
 
-// Files `value` under `name` in the map that every plug-in's `initialize` receives; returns
-// `value`.
+// Stores `value` under `name` in the map that every plug-in's `initialize` receives, and returns
+// it.
 //
-// The first value under a name stays, and null stores nothing.
+// The first value under a name stays; null is not stored.
 // The map does not own the value.
 QUILLON_API void* __mCore_add_plugin_init_parameter(const char* name, void* value);
 
 QUILLON_API std::uint32_t __mCore_get_plugin_count();
 
-// The first plug-in of exactly that purpose that says yes to the word; -1 if there is none.
-// An empty word matches every plug-in, unasked.
+// The index of the first plug-in of exactly that purpose that is compatible with the word; -1 if
+// there is none.
+//
+// An empty word matches without a call of the plug-in.
 QUILLON_API std::int16_t __mCore_get_first_valid_plugin(const char* purpose,
                                                         const char* compatibility);
 
-// The plug-in's own text; "INVALID" for an invalid index.
+// The plug-in's own text, which it owns; "INVALID" for an invalid index.
 QUILLON_API const char* __mCore_get_plugin_name(std::int16_t index);
 QUILLON_API const char* __mCore_get_plugin_purpose(std::int16_t index);
 
 // The plug-in's answer to a word; false for an invalid index.
 QUILLON_API bool __mCore_check_plugin_compatibility(std::int16_t index, const char* word);
 
-// A function that the plug-in itself exports, initialising the plug-in first if need be.
-// Null for an invalid index, for an unknown name, and if `initialize` says no.
+// A function that the plug-in itself exports; initialises the plug-in first if necessary.
+//
+// Null for an invalid index, for an unknown name, if `initialize` returns false and while it runs.
 QUILLON_API void* __mCore_get_plugin_function(std::int16_t index, const char* name);
 
-// Calls that function, if there is one, with `argument`; its result is not passed on.
+// Calls that function, if there is one, with `argument`; its result is dropped.
 QUILLON_API void __mCore_call_plugin_function(std::int16_t index, const char* name, void* argument);
 
-// Shares `value` under `key` with every module of the process; returns `value`.
+// Shares `value` under `key` between the host and all plug-ins, and returns it.
 //
-// The first value under a key stays, and is freed with the plain deallocator when the library ends:
-// it must come from `operator new`, and no destructor runs.
-// Null is not stored; a value that was refused stays the caller's.
+// The first value under a key stays; null is not stored. A value that is not stored stays the
+// caller's.
+// A stored value is freed by `operator delete` when the library ends, without a destructor: it must
+// come from `operator new`.
 QUILLON_API void* __mCore_store_unique_pointer(void* value, std::uint32_t key);
 
 // The value under `key`, or null.

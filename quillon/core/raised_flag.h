@@ -1,4 +1,4 @@
-// A flag that is true as long as something is under way.
+// A flag that is true while a scope is active.
 #pragma once
 
 namespace quillon {

@@ -1,4 +1,4 @@
-// The five modules that a plug-in can serve, in the order in which it is offered them.
+// The five modules that a plug-in can serve, in the order in which they are offered.
 #pragma once
 
 #include "quillon/core/interfaces.h"

@@ -6,27 +6,29 @@
 #include <chrono>
 #include <thread>
 
+using namespace quillon;
+
+namespace quillon {
 namespace {
 
 void pause_worker() {
-    constexpr double PAUSE = 0.002;
-    void** const interface = __mSystem_instance()->interface;
-    auto* const table = reinterpret_cast<quillon::SystemTable*>(interface);
-    if (table != nullptr && table->pause != nullptr)
-        table->pause(PAUSE);
+    constexpr double seconds = 0.002;
+    if (auto* const pause = entry_of(__mSystem_instance()->interface, &SystemTable::pause))
+        pause(seconds);
     else
-        std::this_thread::sleep_for(std::chrono::duration<double>(PAUSE));
+        std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
 }
 
 } // namespace
+} // namespace quillon
 
-std::uint32_t __mGeneric_thread_func(quillon::cThread* thread) {
+std::uint32_t __mGeneric_thread_func(cThread* thread) {
     const std::uint32_t result = thread->run();
     thread->threadState = 0;
     return result;
 }
 
-std::uint32_t __mGeneric_worker_loop(quillon::cThread* worker) {
+std::uint32_t __mGeneric_worker_loop(cThread* worker) {
     while (!worker->stopRequested) {
         if (worker->run() != 0)
             worker->work();

@@ -1,4 +1,4 @@
-// What a thread of a host or a plug-in runs; the library starts none.
+// The body of a thread that a host or a plug-in starts; the library starts none.
 #pragma once
 
 #include "quillon/export.h"
@@ -7,7 +7,7 @@
 
 namespace quillon {
 
-// The object behind a thread, which a host derives from.
+// What a thread runs; hosts derive from it.
 class cThread {
 public:
     // A thread's whole run; or for a worker, whether there is work (not 0).
@@ -27,12 +27,12 @@ protected:
 
 extern "C" {
 
-// Runs the thread, marks its end in `threadState` and gives the run's result.
+// Runs the thread, sets `threadState` to 0, and returns the result of the run.
 QUILLON_API std::uint32_t __mGeneric_thread_func(quillon::cThread* thread);
 
-// Asks the worker for work, does it, and pauses, until `stopRequested` is true; gives 0.
+// Asks the worker for work, does it, and pauses, until `stopRequested` is true; returns 0.
 //
-// The pause is 0.002, by the system plug-in's measure; the platform's own 0.002 seconds where no
-// plug-in has one.
+// Each pause is 0.002, in the unit of the system plug-in; 0.002 seconds by the platform's own means
+// if no plug-in has a pause.
 QUILLON_API std::uint32_t __mGeneric_worker_loop(quillon::cThread* worker);
 }

@@ -1,4 +1,4 @@
-// Code that runs when the library goes.
+// Exit handlers of the library.
 #pragma once
 
 namespace quillon::platform {

@@ -6,7 +6,7 @@
 namespace quillon::platform {
 namespace {
 
-// All zero if nothing stands at `path`.
+// All zero if `path` does not exist.
 struct stat status_of(const char* path) {
     struct stat status {};
 

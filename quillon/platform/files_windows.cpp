@@ -9,7 +9,7 @@
 namespace quillon::platform {
 namespace {
 
-// All zero if nothing stands at `path`.
+// All zero if `path` does not exist.
 struct _stat64 status_of(const char* path) {
     struct _stat64 status {};
 

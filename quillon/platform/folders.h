@@ -14,7 +14,7 @@ struct FolderEntry {
 // The entries of `folder`, sorted by name bytewise, so that the order is the same on every machine.
 //
 // `folder` ends in "/".
-// Holds "." and ".." where the platform lists them.
+// "." and ".." are included if the platform lists them.
 // Empty if the folder cannot be read.
 std::vector<FolderEntry> list_folder(const std::string& folder);
 

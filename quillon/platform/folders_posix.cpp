@@ -13,7 +13,7 @@ struct CloseFolder {
     void operator()(DIR* folder) const { closedir(folder); }
 };
 
-// Most file systems tell the kind with the name; the others, and links, cost a call.
+// Most file systems list the kind with the name; the others, and links, cost a call.
 bool is_folder(DIR* folder, const dirent& entry) {
     if (entry.d_type != DT_UNKNOWN && entry.d_type != DT_LNK)
         return entry.d_type == DT_DIR;

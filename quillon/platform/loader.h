@@ -5,7 +5,7 @@
 
 namespace quillon::platform {
 
-// What a loadable library's file name ends with.
+// The extension of a loadable library's file name.
 #if defined(_WIN32)
 inline constexpr const char* LIBRARY_EXTENSION = ".dll";
 #elif defined(__APPLE__)
@@ -14,10 +14,10 @@ inline constexpr const char* LIBRARY_EXTENSION = ".dylib";
 inline constexpr const char* LIBRARY_EXTENSION = ".so";
 #endif
 
-// A handle of the loaded library, to be given back with release_library; null if it does not load.
+// A handle of the loaded library, for release_library; null if it does not load.
 //
-// A path of more than PATH_LIMIT characters does not load, nor does a file that is not a regular
-// one or that ends before its segments do.
+// A path of more than PATH_LIMIT characters does not load.
+// A file does not load if it is not a regular file or ends before its segments do.
 void* load_library(const std::string& path);
 
 // The function that the library itself exports under `name`; null if there is none.

@@ -43,8 +43,8 @@ private:
     int file;
 };
 
-// The loader maps the segments without a look at the length of the file, and what it touches beyond
-// the end of a file that was cut off ends the process by a signal.
+// The loader maps segments without checking the length of the file. In a file that was cut off it
+// then reads pages after the end, which ends the process by SIGBUS.
 bool has_whole_segments(const OpenFile& file, std::uint64_t size) {
     ElfW(Ehdr) header;
     if (!file.read(header, 0) || std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0)
@@ -66,8 +66,8 @@ bool can_be_loaded(const std::string& path) {
            has_whole_segments(OpenFile(path), static_cast<std::uint64_t>(status.st_size));
 }
 
-// The library that holds `address`. glibc finds it in logarithmic time where it can, while dladdr
-// walks every loaded library, which makes loading many plug-ins quadratic.
+// The library that contains `address`. glibc 2.35 finds it in logarithmic time; dladdr walks every
+// loaded library, which makes loading many plug-ins quadratic.
 const void* library_at(void* address) {
 #ifdef HAS_FIND_OBJECT
     dl_find_object found{};
@@ -92,7 +92,7 @@ void* find_function(void* library, const char* name) {
     if (library == nullptr)
         return nullptr;
     void* const function = dlsym(library, name);
-    // The loader searches a library's dependencies too; its handle is the library's own link map.
+    // The loader searches a library's dependencies too. A handle is the library's own link map.
     return function != nullptr && library_at(function) == library ? function : nullptr;
 }
 

@@ -7,9 +7,13 @@ namespace quillon::platform {
 
 std::string normalise_path(std::string path) {
     std::ranges::replace(path, '\\', '/');
-    for (std::size_t i = 0; i + 1 < path.size(); ++i)
-        if (path[i] == '/' && path[i + 1] == '/')
-            path.erase(i + 1, 1);
+    std::size_t length = 0;
+    for (std::size_t i = 0; i < path.size(); ++i) {
+        path[length++] = path[i];
+        if (path[i] == '/' && i + 1 < path.size() && path[i + 1] == '/')
+            ++i;
+    }
+    path.resize(length);
     return path;
 }
 

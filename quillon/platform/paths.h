@@ -1,4 +1,4 @@
-// What happens to a path before it is handed to the platform.
+// Normalisation and length of paths.
 #pragma once
 
 #include <cstddef>
@@ -6,16 +6,16 @@
 
 namespace quillon::platform {
 
-// The most characters that a path handed to the platform may have.
+// The most characters in a path that is passed to the platform.
 inline constexpr std::size_t PATH_LIMIT = 260;
 
-// Turns "\" into "/" and drops the second of two adjacent slashes, once, left to right.
+// Turns "\" into "/" and removes the second of two adjacent slashes, in one pass from the left.
 //
-// A run of three slashes becomes two: the pass does not look back.
+// A run of three slashes becomes two: the pass does not go back.
 std::string normalise_path(std::string path);
 
 // The number of wide characters that `text` has in the current locale.
-// Its number of bytes if it is no valid text there.
+// The number of bytes if it is not valid text there.
 std::size_t wide_length(const std::string& text);
 
 } // namespace quillon::platform

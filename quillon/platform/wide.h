@@ -1,4 +1,4 @@
-// Wide text for the calls of the one platform that wants it.
+// Wide text for Windows.
 #pragma once
 
 #include "quillon/platform/paths.h"
@@ -11,7 +11,7 @@ namespace quillon::platform {
 
 using WidePath = std::array<wchar_t, PATH_LIMIT + 1>;
 
-// Converts `text` under the current locale; false if it is no valid text there or does not fit.
+// Converts `text` under the current locale; false if it is not valid text there or does not fit.
 inline bool widen(const std::string& text, WidePath& wide) {
     return std::mbstowcs(wide.data(), text.c_str(), wide.size()) < wide.size();
 }
