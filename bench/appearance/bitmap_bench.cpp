@@ -1,9 +1,9 @@
 // The bitmap filters on 2048 x 2048 RGBA, beside what bounds them: a pass over the same bytes, the
 // plain reading of the same filter, and another library's scaling of the same picture.
-#include "bench/appearance/plain_filters.h"
 #include "quillon/appearance/bitmap.h"
 #include "quillon/appearance/color_names.h"
 #include "quillon/appearance/filters.h"
+#include "tests/reference/filters.h"
 
 #include <benchmark/benchmark.h>
 

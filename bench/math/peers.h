@@ -2,7 +2,7 @@
 // shared library of their own, so that all of them are called over the same kind of border.
 #pragma once
 
-#include "bench/math/plain.h"
+#include "tests/reference/math.h"
 
 #include <Eigen/Geometry>
 #include <glm/gtc/quaternion.hpp>

@@ -1,4 +1,3 @@
-#include "bench/appearance/plain_filters.h"
 #include "quillon/appearance/bitmap.h"
 #include "quillon/appearance/color_names.h"
 #include "quillon/appearance/filters.h"
@@ -6,6 +5,7 @@
 #include "quillon/core/modules.h"
 #include "tests/appearance/expect_color.h"
 #include "tests/appearance/guarded_bitmap.h"
+#include "tests/reference/filters.h"
 
 #include <gmock/gmock.h>
 

@@ -1,7 +1,7 @@
-#include "bench/appearance/plain_filters.h"
 #include "quillon/appearance/color_names.h"
 #include "quillon/appearance/filters.h"
 #include "tests/appearance/guarded_bitmap.h"
+#include "tests/reference/filters.h"
 
 #include <gmock/gmock.h>
 

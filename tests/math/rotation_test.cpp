@@ -1,6 +1,6 @@
 // Matrices and quaternions, which have to agree with each other.
-#include "bench/math/plain.h"
 #include "random_values.h"
+#include "tests/reference/math.h"
 
 using namespace quillon;
 

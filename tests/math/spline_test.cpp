@@ -1,7 +1,7 @@
 #include "quillon/math/spline.h"
 
-#include "bench/math/plain.h"
 #include "random_values.h"
+#include "tests/reference/math.h"
 
 #include <cstring>
 #include <memory>

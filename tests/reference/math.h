@@ -1,5 +1,5 @@
-// Matrices, quaternions and splines computed in the plainest way: what the library is timed
-// against, and what it has to equal bit for bit.
+// Matrices, quaternions and splines computed in the plainest way: what the library is timed beside,
+// and what it equals bit for bit.
 #pragma once
 
 #include "quillon/quillon.h"
@@ -32,7 +32,7 @@ inline void multiply(cQuaternion& q, const cQuaternion& b) {
 }
 
 // `Matrix` is anything with nine elements under an index.
-template <class Matrix>
+template <typename Matrix>
 void from_quaternion(Matrix&& m, const cQuaternion& q) {
     const double x = q[0];
     const double y = q[1];
@@ -72,12 +72,12 @@ inline void slerp(cQuaternion& q, const cQuaternion& a, const cQuaternion& b, do
 }
 
 // Row or column `first` of a matrix, its elements `step` apart, times a vector.
-template <class Matrix>
+template <typename Matrix>
 double dot(const Matrix& m, int first, int step, const cVector3D& v) {
     return m[first] * v[0] + m[first + step] * v[1] + m[first + 2 * step] * v[2];
 }
 
-template <class Matrix>
+template <typename Matrix>
 void rotate(cVector3D& v, const Matrix& m) {
     const cVector3D turned(dot(m, 0, 1, v), dot(m, 3, 1, v), dot(m, 6, 1, v));
     v = turned;

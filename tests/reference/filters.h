@@ -1,5 +1,5 @@
-// The filters as one reads them: a pixel at a time, nothing shared, nothing clever. What the
-// library does is compared with these byte by byte, and in bench/ against their time.
+// The filters computed in the plainest way, a pixel at a time: what the library is timed beside,
+// and what it equals byte for byte.
 #pragma once
 
 #include "quillon/appearance/bitmap.h"
