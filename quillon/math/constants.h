@@ -1,10 +1,10 @@
-// The numbers that every unit of the library shares.
+// Angle constants and physical constants.
 #pragma once
 
 namespace quillon {
 
-// Angles, in radians. All are worked out in 64 bits from the 32-bit PI, which is slightly above pi,
-// and rounded once.
+// Angles in radians, computed in 64 bits from the 32-bit PI, which is slightly above pi, and
+// rounded once.
 constexpr float PI = 3.1415927410125732F;
 constexpr float HALF_PI = static_cast<float>(PI / 2.0);
 constexpr float QUARTER_PI = static_cast<float>(HALF_PI / 2.0);

@@ -1,11 +1,11 @@
-// The truncated bell curve, inline for the loops that the compiler vectorises.
+// The truncated Gaussian, inline for the loops that the compiler vectorises.
 #pragma once
 
 #include "quillon/simd/dispatch.h"
 
 namespace quillon {
 
-// gauss_near_zero_taylor7, which tells what it is.
+// The body of gauss_near_zero_taylor7.
 QUILLON_KERNEL inline double gauss_taylor7(float a, float deviation) {
     const double t = -a / (deviation * 2.0 * deviation);
     const double t2 = t * t;

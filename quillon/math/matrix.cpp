@@ -1,6 +1,5 @@
 #include "quillon/math/matrix.h"
 
-#include "quillon/math/quaternion.h"
 #include "quillon/math/text_fields.h"
 #include "quillon/math/trig_tables.h"
 #include "quillon/platform/random.h"
@@ -9,22 +8,21 @@
 
 #include <cmath>
 
-using quillon::cMatrix3D;
-using quillon::cQuaternion;
-using quillon::cVector3D;
-using quillon::simd::load;
-using quillon::simd::Pair;
-using quillon::simd::Quad;
-using quillon::simd::store;
-using quillon::trig::direction_at;
+using namespace quillon;
+using simd::load;
+using simd::Pair;
+using simd::Quad;
+using simd::store;
+using trig::direction_at;
 
+namespace quillon {
 namespace {
 
-// Turns columns `p` and `q` of `m` into each other: `m` times a basic rotation, whose other
-// elements are 0 and 1.
+// `m` times a basic rotation, which mixes its columns `p` and `q`; the other elements of the
+// rotation are 0 and 1.
 void turn_columns(cMatrix3D& m, int p, int q, double angle) {
     if (angle < 0.0)
-        angle += quillon::PI * 2.0;
+        angle += PI * 2.0;
     const auto [c, s] = direction_at(angle);
     for (auto& row : m.m) {
         const double old_p = row[p];
@@ -34,34 +32,11 @@ void turn_columns(cMatrix3D& m, int p, int q, double angle) {
     }
 }
 
-// The matrix of a quaternion, as plain numbers that a vector is turned by without leaving
-// registers.
-struct Rotation {
-    double m[3][3];
-
-    explicit Rotation(const cQuaternion& q)
-        : m{{1.0 - 2.0 * q.y * q.y - 2.0 * q.z * q.z, 2.0 * q.x * q.y + 2.0 * q.z * q.w,
-             2.0 * q.x * q.z - 2.0 * q.y * q.w},
-            {2.0 * q.x * q.y - 2.0 * q.z * q.w, 1.0 - 2.0 * q.x * q.x - 2.0 * q.z * q.z,
-             2.0 * q.y * q.z + 2.0 * q.x * q.w},
-            {2.0 * q.x * q.z + 2.0 * q.y * q.w, 2.0 * q.y * q.z - 2.0 * q.x * q.w,
-             1.0 - 2.0 * q.x * q.x - 2.0 * q.y * q.y}} {}
-};
-
-void turn(cVector3D& v, const double (&m)[3][3]) {
-    v.set(m[0][0] * v.x + m[0][1] * v.y + m[0][2] * v.z,
-          m[1][0] * v.x + m[1][1] * v.y + m[1][2] * v.z,
-          m[2][0] * v.x + m[2][1] * v.y + m[2][2] * v.z);
-}
-
-void turn_back(cVector3D& v, const double (&m)[3][3]) {
-    v.set(m[0][0] * v.x + m[1][0] * v.y + m[2][0] * v.z,
-          m[0][1] * v.x + m[1][1] * v.y + m[2][1] * v.z,
-          m[0][2] * v.x + m[1][2] * v.y + m[2][2] * v.z);
-}
-
 } // namespace
+} // namespace quillon
 
+// Rodrigues' rotation formula in its matrix form, with the yaw of this library: s * y has the other
+// sign than in the textbooks.
 void __cMatrix3d_construct_matrix(cMatrix3D& m, double angle, const cVector3D& axis) {
     const auto [c, s] = direction_at(angle);
     const double t = 1.0 - c;
@@ -73,16 +48,12 @@ void __cMatrix3d_construct_matrix(cMatrix3D& m, double angle, const cVector3D& a
          t * y * z - s * x, t * z * x + s * y, t * y * z + s * x, t * z * z + c};
 }
 
-void __cMatrix3d_from_quaternion(cMatrix3D& m, const cQuaternion& q) {
-    const auto& [row0, row1, row2] = Rotation(q).m;
-    m = {row0[0], row0[1], row0[2], row1[0], row1[1], row1[2], row2[0], row2[1], row2[2]};
-}
-
 void __cMatrix3d_from_eigenvectors(cMatrix3D& m, const cVector3D& e0, const cVector3D& e1,
                                    const cVector3D& e2) {
     m = {e0.x, e1.x, e2.x, e0.y, e1.y, e2.y, e0.z, e1.z, e2.z};
 }
 
+// A Gram-Schmidt step takes the part along forward out of up.
 void __cMatrix3d_from_forward_and_up(cMatrix3D& m, const cVector3D& forward, const cVector3D& up) {
     const cVector3D front = forward.normalized();
     cVector3D top = up.normalized();
@@ -117,8 +88,9 @@ void __cMatrix3d_subtract(cMatrix3D& m, const cMatrix3D& b) {
             m.m[row][column] -= b.m[row][column];
 }
 
-// A row at once; the fourth lane of a row is overwritten by the row below. `b` may be `m`, so
-// nothing is stored before the end.
+// A row at once.
+// The fourth lane of a row is overwritten by the next row.
+// `b` may be `m`, so nothing is stored before all rows are computed.
 QUILLON_CPU_CLONES void __cMatrix3d_multiply(cMatrix3D& m, const cMatrix3D& b) {
     double* const elements = &m.m[0][0];
     const double* const others = &b.m[0][0];
@@ -164,7 +136,7 @@ void __cMatrix3d_roll(cMatrix3D& m, double angle) {
 }
 
 void __cMatrix3d_from_string(cMatrix3D& m, const char* text) {
-    quillon::read_component_fields<16>(m, 9, text);
+    read_component_fields<16>(m, 9, text);
 }
 
 void __nsMatrix3d_yaw(cMatrix3D& m, double angle) {
@@ -194,22 +166,6 @@ void __nsMatrix3d_euler(cMatrix3D& m, const cVector3D& e) {
 
 void __nsMatrix3d_random(cMatrix3D& m) {
     m.set_identity();
-    __cMatrix3d_yaw(m, quillon::platform::runtime_rand() / 32767.0 * quillon::TWO_PI);
-    __cMatrix3d_pitch(m, (quillon::platform::runtime_rand() / 32767.0 - 0.5) * quillon::PI);
-}
-
-void __cVector3d_rotate_by_matrix(cVector3D& v, const cMatrix3D& m) {
-    turn(v, m.m);
-}
-
-void __cVector3d_rotate_backwards_by_matrix(cVector3D& v, const cMatrix3D& m) {
-    turn_back(v, m.m);
-}
-
-QUILLON_CPU_CLONES void __cVector3d_rotate_by_quaternion(cVector3D& v, const cQuaternion& q) {
-    turn(v, Rotation(q).m);
-}
-
-void __cVector3d_rotate_backwards_by_quaternion(cVector3D& v, const cQuaternion& q) {
-    turn_back(v, Rotation(q).m);
+    __cMatrix3d_yaw(m, platform::runtime_rand() / 32767.0 * TWO_PI);
+    __cMatrix3d_pitch(m, (platform::runtime_rand() / 32767.0 - 0.5) * PI);
 }

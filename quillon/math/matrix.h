@@ -18,14 +18,16 @@
 
 extern "C" {
 
-// Sets `m` to the rotation by `angle` about `axis`, which needs no unit length.
+// Sets `m` to the rotation by `angle` about `axis`, which is normalised first.
 //
-// The axes x, y and z give exactly pitch, yaw and roll. A mixed axis with a part along y gives a
-// matrix that need not be orthogonal, and a zero axis the identity times the cosine.
+// The axes x, y and z lead to exactly pitch, yaw and roll.
+// About a mixed axis with a part along y the matrix need not be orthogonal.
+// A zero axis leads to the identity times the cosine.
 QUILLON_API void __cMatrix3d_construct_matrix(quillon::cMatrix3D& m, double angle,
                                               const quillon::cVector3D& axis);
 
-// Sets `m` to the matrix of `q`, which is taken as it is: the transpose of the usual formula.
+// Sets `m` to the matrix of `q`, which is not normalised first: the transpose of the usual formula.
+// Defined in rotation.cpp, beside the rotations of vectors.
 QUILLON_API void __cMatrix3d_from_quaternion(quillon::cMatrix3D& m, const quillon::cQuaternion& q);
 
 // Sets the columns of `m` to `e0`, `e1` and `e2`.
@@ -35,15 +37,16 @@ QUILLON_API void __cMatrix3d_from_eigenvectors(quillon::cMatrix3D& m, const quil
 
 // Sets the columns of `m` to right, up and forward: unit vectors at right angles, forward kept.
 //
-// Forward (0, 0, 1) with up (0, 1, 0) gives the identity; parallel ones leave two columns zero.
+// The identity for forward (0, 0, 1) and up (0, 1, 0); two zero columns if they are parallel.
 QUILLON_API void __cMatrix3d_from_forward_and_up(quillon::cMatrix3D& m,
                                                  const quillon::cVector3D& forward,
                                                  const quillon::cVector3D& up);
 
-// Scales each column to unit length; a zero column stays, and angles between columns are kept.
+// Scales each column to unit length; a zero column is unchanged, and angles between columns are
+// kept.
 QUILLON_API void __cMatrix3d_normalize(quillon::cMatrix3D& m);
 
-// Add `b` to `m` or take it off, element by element.
+// Add `b` to `m` or subtract it, element by element.
 QUILLON_API void __cMatrix3d_add(quillon::cMatrix3D& m, const quillon::cMatrix3D& b);
 QUILLON_API void __cMatrix3d_subtract(quillon::cMatrix3D& m, const quillon::cMatrix3D& b);
 
@@ -52,21 +55,20 @@ QUILLON_API void __cMatrix3d_multiply(quillon::cMatrix3D& m, const quillon::cMat
 
 QUILLON_API double __cMatrix3d_get_determinant(const quillon::cMatrix3D& m);
 
-// Brings `m` to the basis of the rotation `r`: `r` times `m` times the transpose of `r`.
+// Changes `m` to the basis of the rotation `r`: `r` times `m` times the transpose of `r`.
 QUILLON_API void __cMatrix3d_rotate(quillon::cMatrix3D& m, const quillon::cMatrix3D& r);
 
 // Turn `m` about its own, already turned axis: `m` times the basic rotation.
 //
-// A negative angle first gets one turn added, PI * 2.0, so that it falls on the nearest table
-// entry.
+// One turn, PI * 2.0, is added to a negative angle, so that the nearest table entry is read.
 QUILLON_API void __cMatrix3d_yaw(quillon::cMatrix3D& m, double angle);
 QUILLON_API void __cMatrix3d_pitch(quillon::cMatrix3D& m, double angle);
 QUILLON_API void __cMatrix3d_roll(quillon::cMatrix3D& m, double angle);
 
 // Reads nine fields, each closed by "#", into `m` row by row.
 //
-// An element for which no closed field arrives keeps its value, and fields beyond the ninth are
-// skipped. A field that is no number gives 0; its characters beyond the 15th are dropped.
+// An element without a closed field keeps its value; fields after the ninth are skipped.
+// A field that does not parse is 0; its characters after the 15th are dropped.
 QUILLON_API void __cMatrix3d_from_string(quillon::cMatrix3D& m, const char* text);
 
 // Set `m` to the basic rotation.
@@ -78,7 +80,9 @@ QUILLON_API void __nsMatrix3d_roll(quillon::cMatrix3D& m, double angle);
 QUILLON_API void __nsMatrix3d_euler(quillon::cMatrix3D& m, const quillon::cVector3D& e);
 
 // Sets `m` to a random yaw of up to one turn, then a random pitch of up to a quarter turn either
-// way, drawn from the runtime's rand, which the host seeds.
+// way.
+//
+// Draws the yaw, then the pitch from the runtime's rand, which the host seeds.
 QUILLON_API void __nsMatrix3d_random(quillon::cMatrix3D& m);
 }
 
@@ -87,8 +91,7 @@ namespace quillon {
 // Nine 64-bit elements in row-major order; a new matrix is the identity.
 //
 // Flat form: the elements as 32-bit floats, row by row, 36 bytes.
-// Index 3 * row + column; one outside 0 to 8 refers to a scratch zero, which is shared and belongs
-// to no matrix.
+// Index 3 * row + column. One outside 0 to 8 refers to a scratch zero, which all matrices share.
 class cMatrix3D : public cSerializable {
 public:
     double m[3][3] = {{1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, {0.0, 0.0, 1.0}};

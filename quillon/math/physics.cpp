@@ -8,13 +8,13 @@
 #include <algorithm>
 #include <cmath>
 
-using quillon::HALF_PI;
-using quillon::PI;
-using quillon::TWO_PI;
-using Point = quillon::cVector2D<double>;
+using namespace quillon;
+using Point = cVector2D<double>;
 
+namespace quillon {
 namespace {
 
+// A static box by its sides.
 struct Box {
     double left;
     double right;
@@ -34,7 +34,7 @@ void stop(double& speed, double& position, double stopped_at, bool keep_position
     struck = true;
 }
 
-// The turn from `current` to `target` that is smaller than the others by more than nothing.
+// The smallest turn from `current` to `target`; of equal ones the direct turn.
 double shortest_turn(double current, double target) {
     const double direct = target - current;
     const double upward = TWO_PI + target - current;
@@ -47,6 +47,7 @@ double shortest_turn(double current, double target) {
 }
 
 } // namespace
+} // namespace quillon
 
 bool __mPhysics_open() {
     __init_trig_tables();
@@ -58,7 +59,7 @@ void __mPhysics_close() {
 }
 
 void __mPhysics_direction_pos(double angle, double& x, double& y) {
-    const quillon::trig::Direction direction = quillon::trig::direction_at(angle);
+    const trig::Direction direction = trig::direction_at(angle);
     x = direction.cosine;
     y = direction.sine;
 }
@@ -91,15 +92,14 @@ double __mPhysics_distance_between_angles(double a, double b) {
     return std::min({std::fabs(turn), std::fabs(turn + TWO_PI), std::fabs(turn - TWO_PI)});
 }
 
-void __mPhysics_collide_staticBox(quillon::cCollisionReport& report, double& x, double& y,
-                                  double& speed_x, double& speed_y, const double& width,
-                                  const double& height, double box_x, double box_y,
-                                  double box_width, double box_height, double spread,
-                                  bool keep_position) {
+void __mPhysics_collide_staticBox(cCollisionReport& report, double& x, double& y, double& speed_x,
+                                  double& speed_y, const double& width, const double& height,
+                                  double box_x, double box_y, double box_width, double box_height,
+                                  double spread, bool keep_position) {
     report = {};
     const Box box{box_x - box_width / 2.0, box_x + box_width / 2.0, box_y - box_height / 2.0,
                   box_y + box_height / 2.0};
-    // A correction moves the points that come after it, but not the second of a pair.
+    // A correction moves the later samples, but not the second sample of the same pair.
     for (const int i : {-1, 0, 1}) {
         const double sample = spread * width / 2.0 * i + x;
         const Point lower(sample, y - height / 2.0);

@@ -11,17 +11,17 @@
 #include <cmath>
 #include <limits>
 
-using quillon::cMatrix3D;
-using quillon::cQuaternion;
-using quillon::cVector3D;
-using quillon::simd::load;
-using quillon::simd::Quad;
-using quillon::simd::store;
+using namespace quillon;
+using simd::load;
+using simd::Quad;
+using simd::store;
 
+namespace quillon {
 namespace {
 
-// How the components follow from a rotation matrix when one of them is the main one.
-struct Reading {
+// One case of Shepperd's method: the places of the components, the main one first, and the signs of
+// the matrix elements that they are computed from.
+struct ShepperdCase {
     int main;
     int k1, k2, k3;
     double s0, s1, s2;
@@ -29,19 +29,21 @@ struct Reading {
 
 enum Component { X, Y, Z, W };
 
-constexpr Reading from_w{W, Z, Y, X, 1.0, 1.0, 1.0};
-constexpr Reading from_x{X, Y, Z, W, 1.0, -1.0, -1.0};
-constexpr Reading from_y{Y, X, W, Z, -1.0, 1.0, -1.0};
-constexpr Reading from_z{Z, W, X, Y, -1.0, -1.0, 1.0};
+constexpr ShepperdCase FROM_W{W, Z, Y, X, 1.0, 1.0, 1.0};
+constexpr ShepperdCase FROM_X{X, Y, Z, W, 1.0, -1.0, -1.0};
+constexpr ShepperdCase FROM_Y{Y, X, W, Z, -1.0, 1.0, -1.0};
+constexpr ShepperdCase FROM_Z{Z, W, X, Y, -1.0, -1.0, 1.0};
 
-// The reading whose main component is far enough from 0 to divide by.
-const Reading& reading_of(const cMatrix3D& matrix) {
+// The case whose main component is far enough from 0 to divide by.
+//
+// S. W. Shepperd, Quaternion from Rotation Matrix, Journal of Guidance and Control 1 (1978).
+const ShepperdCase& shepperd_case(const cMatrix3D& matrix) {
     const auto& m = matrix.m;
     if (m[0][0] + m[1][1] + m[2][2] > 0.0)
-        return from_w;
+        return FROM_W;
     if (m[1][1] < m[0][0] && m[2][2] < m[0][0])
-        return from_x;
-    return m[2][2] < m[1][1] ? from_y : from_z;
+        return FROM_X;
+    return m[2][2] < m[1][1] ? FROM_Y : FROM_Z;
 }
 
 // Turns `q` about `axis`, which turns with it.
@@ -55,28 +57,28 @@ void blend(cQuaternion& q, double fa, const cQuaternion& a, double fb, const cQu
     q.set(fa * a.x + fb * b.x, fa * a.y + fb * b.y, fa * a.z + fb * b.z, fa * a.w + fb * b.w);
 }
 
-// The arc whose cosine is `d`, 0 to 1, from which table sines are taken.
+// The arc whose cosine is `d`, 0 to 1, and table sines of its parts.
 //
-// A sine needs the arc no better than the table's steps. So a polynomial gives it, off by at most
-// 2e-8 (Abramowitz and Stegun, Handbook of Mathematical Functions, 4.4.46), which is 2.3e-4 of a
-// step; the runtime's acos decides only within 2e-3 of the border between two entries.
+// A table sine needs the arc only to the nearest step. A polynomial approximates the arc with an
+// error of at most 2e-8, which is 2.3e-4 of a step (Abramowitz and Stegun, Handbook of Mathematical
+// Functions, 4.4.46). The runtime's acos is called only within 2e-3 of the border of two entries.
 class Arc {
 public:
     explicit Arc(double d) : cosine(d), estimate(std::sqrt(1.0 - d) * polynomial(d)) {}
 
     // sinTR of a part of the arc.
     double sine(double part) const {
-        const double position = quillon::trig::to_degrees(part * estimate) * 200.0 + 0.5;
+        const double position = trig::to_degrees(part * estimate) * 200.0 + 0.5;
         if (part >= 0.0 && part <= 1.0) {
             const auto entry = static_cast<std::int32_t>(position);
             if (std::abs(position - entry - 0.5) < 0.498)
-                return quillon::trig::sinTable[entry];
+                return trig::sinTable[entry];
         }
         return sinTR(part * std::acos(cosine));
     }
 
 private:
-    // Of degree 7, in pairs of terms that don't wait for each other.
+    // Of degree 7, in pairs of terms that do not depend on each other.
     static double polynomial(double x) {
         const double x2 = x * x;
         const double low = 1.5707963050 - 0.2145988016 * x + (0.0889789874 - 0.0501743046 * x) * x2;
@@ -90,10 +92,11 @@ private:
 };
 
 double random_angle() {
-    return quillon::platform::runtime_rand() / 32767.0 * quillon::PI * 2.0;
+    return platform::runtime_rand() / 32767.0 * PI * 2.0;
 }
 
 } // namespace
+} // namespace quillon
 
 void __cQuaternion_from_axis_angle(cQuaternion& q, const cVector3D& axis, const double& angle) {
     const double half = angle / 2.0;
@@ -115,7 +118,7 @@ void __cQuaternion_from_euler_components(cQuaternion& q, const double& pitch, co
 
 void __cQuaternion_from_matrix(cQuaternion& q, const cMatrix3D& matrix) {
     const auto& m = matrix.m;
-    const auto& [main, k1, k2, k3, s0, s1, s2] = reading_of(matrix);
+    const auto& [main, k1, k2, k3, s0, s1, s2] = shepperd_case(matrix);
     const double f = s0 * m[0][0] + s1 * m[1][1] + s2 * m[2][2] + 1.0;
     const double r = std::sqrt(1.0 / f) * 0.5;
     q[main] = r * f;
@@ -125,15 +128,15 @@ void __cQuaternion_from_matrix(cQuaternion& q, const cMatrix3D& matrix) {
 }
 
 void __cQuaternion_yaw(cQuaternion& q, const double& angle) {
-    turn(q, quillon::VECTOR3D_UNIT_Y, angle);
+    turn(q, VECTOR3D_UNIT_Y, angle);
 }
 
 void __cQuaternion_pitch(cQuaternion& q, const double& angle) {
-    turn(q, quillon::VECTOR3D_UNIT_X, -angle);
+    turn(q, VECTOR3D_UNIT_X, -angle);
 }
 
 void __cQuaternion_roll(cQuaternion& q, const double& angle) {
-    turn(q, quillon::VECTOR3D_UNIT_Z, -angle);
+    turn(q, VECTOR3D_UNIT_Z, -angle);
 }
 
 void __cQuaternion_add(cQuaternion& q, const cQuaternion& b) {
@@ -144,7 +147,8 @@ void __cQuaternion_subtract(cQuaternion& q, const cQuaternion& b) {
     q.set(q.x - b.x, q.y - b.y, q.z - b.z, q.w - b.w);
 }
 
-// All four components at once, a term of each in turn. Negating a factor is exact.
+// All four components at once, a term of each in turn. A term is negated by its sign bit, which is
+// exact.
 QUILLON_CPU_CLONES void __cQuaternion_multiply(cQuaternion& q, const cQuaternion& b) {
     using Bits = std::int64_t __attribute__((vector_size(sizeof(Quad))));
     constexpr auto minus = std::numeric_limits<std::int64_t>::min();
@@ -159,14 +163,15 @@ QUILLON_CPU_CLONES void __cQuaternion_multiply(cQuaternion& q, const cQuaternion
 }
 
 void __cQuaternion_from_string(cQuaternion& q, const char* text) {
-    quillon::read_component_fields<16>(q, 4, text);
+    read_component_fields<16>(q, 4, text);
 }
 
+// K. Shoemake, Animating Rotation with Quaternion Curves, SIGGRAPH 1985.
 void __cQuaternion_slerp(cQuaternion& q, const cQuaternion& a, const cQuaternion& b, double t) {
     const double product = a.w * b.w + a.x * b.x + a.y * b.y + a.z * b.z;
     const double side = product < 0.0 ? -1.0 : 1.0;
     const double d = product * side;
-    // Written so that a dot product that is not a number ends here too.
+    // Negated, so that a NaN ends here too.
     if (!(d < 1.0)) {
         q = a;
         return;

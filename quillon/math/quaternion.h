@@ -1,9 +1,10 @@
 // Quaternions: orientations in four numbers.
 //
-// Nothing here divides by the norm: a quaternion has unit length as far as the operations that made
-// it give that. Its matrix (see matrix.h) is the transpose of the usual formula, so pitch and roll
-// enter with a negative half angle, and quaternions and matrices turn the same way.
-// Sines and cosines are the runtime's, save in __cQuaternion_slerp, and angles are radians.
+// No operation normalises, so rounding moves the norm.
+// The matrix of a quaternion (matrix.h) is the transpose of the usual formula; pitch and roll enter
+// with a negative half angle, so that quaternions and matrices turn the same way.
+// Angles are radians. Sines and cosines are the runtime's, those of __cQuaternion_slerp the
+// tables'.
 #pragma once
 
 #include "quillon/export.h"
@@ -14,21 +15,20 @@
 
 extern "C" {
 
-// Sets `q` to the rotation by `angle` about `axis`; an axis of another length than 1 gives a
-// quaternion of another norm than 1.
+// Sets `q` to the rotation by `angle` about `axis`, which is not normalised first.
 QUILLON_API void __cQuaternion_from_axis_angle(quillon::cQuaternion& q,
                                                const quillon::cVector3D& axis, const double& angle);
 
-// Set `q` to pitch, then yaw, then roll: its matrix is pitch times yaw times roll.
+// Set `q` so that its matrix is pitch times yaw times roll. __nsMatrix3d_euler has another order.
 //
-// `e` holds the pitch in x, the yaw in y, the roll in z. __nsMatrix3d_euler has another order.
+// `e` holds the pitch in x, the yaw in y, the roll in z.
 QUILLON_API void __cQuaternion_from_euler(quillon::cQuaternion& q, const quillon::cVector3D& e);
 QUILLON_API void __cQuaternion_from_euler_components(quillon::cQuaternion& q, const double& pitch,
                                                      const double& yaw, const double& roll);
 
-// Sets `q` to the quaternion of the rotation `m`, which gives that matrix back.
+// Sets `q` to the quaternion whose matrix is the rotation `m`, by Shepperd's method.
 //
-// Another matrix than a rotation gives the float results of the divisions and roots that it meets.
+// A matrix that is no rotation can lead to infinities and NaN.
 QUILLON_API void __cQuaternion_from_matrix(quillon::cQuaternion& q, const quillon::cMatrix3D& m);
 
 // Turn `q` about its own axis, as __cMatrix3d_yaw and its sisters turn its matrix.
@@ -36,7 +36,7 @@ QUILLON_API void __cQuaternion_yaw(quillon::cQuaternion& q, const double& angle)
 QUILLON_API void __cQuaternion_pitch(quillon::cQuaternion& q, const double& angle);
 QUILLON_API void __cQuaternion_roll(quillon::cQuaternion& q, const double& angle);
 
-// Add `b` to `q` or take it off, component by component.
+// Add `b` to `q` or subtract it, component by component.
 QUILLON_API void __cQuaternion_add(quillon::cQuaternion& q, const quillon::cQuaternion& b);
 QUILLON_API void __cQuaternion_subtract(quillon::cQuaternion& q, const quillon::cQuaternion& b);
 
@@ -45,21 +45,22 @@ QUILLON_API void __cQuaternion_multiply(quillon::cQuaternion& q, const quillon::
 
 // Reads the text form "x#y#z#w#" into `q`.
 //
-// A component for which no closed field arrives keeps its value, and fields beyond the fourth are
-// skipped. A field that is no number gives 0; its characters beyond the 15th are dropped.
+// A component without a closed field keeps its value; fields after the fourth are skipped.
+// A field that does not parse is 0; its characters after the 15th are dropped.
 QUILLON_API void __cQuaternion_from_string(quillon::cQuaternion& q, const char* text);
 
-// Sets `q` to the blend of `a` and `b` along the shorter arc: spherical linear interpolation with
-// weights in table steps of 0.005 degree of arc, not normalised again.
+// Sets `q` to the spherical linear interpolation of `a` and `b` along the shorter arc.
 //
-// `t` goes from 0 (`a`, up to a table step) to 1. Where the arc is under 0.001 the result is the
-// mean whatever `t` is, and where the dot product reaches 1 it is `a`. `q` may be `a` or `b`.
-// Before __init_trig_tables a blend gives zeros.
+// `t` runs from 0 (`a`, up to a table step) to 1. Weights move in table steps of 0.005 degree of
+// arc. The result is not normalised. `q` may be `a` or `b`. The mean for any `t` where the arc is
+// below 0.001; `a` where the dot product is 1 or more. Zeros before __init_trig_tables. Source: K.
+// Shoemake, Animating Rotation with Quaternion Curves, SIGGRAPH 1985.
 QUILLON_API void __cQuaternion_slerp(quillon::cQuaternion& q, const quillon::cQuaternion& a,
                                      const quillon::cQuaternion& b, double t);
 
-// Sets `q` from three random euler angles of up to one turn, drawn from the runtime's rand, which
-// the host seeds: roll, then yaw, then pitch. Not uniform over rotations.
+// Sets `q` from three random Euler angles of up to one turn: not uniform over rotations.
+//
+// Draws roll, then yaw, then pitch from the runtime's rand, which the host seeds.
 QUILLON_API void __nsQuaternion_random(quillon::cQuaternion& q);
 }
 
@@ -68,7 +69,7 @@ namespace quillon {
 // Vector part x, y, z and scalar part w, 64-bit; a new one is the identity.
 //
 // Flat form: x, y, z, w as 32-bit floats, 16 bytes.
-// An index outside 0 to 3 refers to a scratch zero, which is shared and belongs to no quaternion.
+// An index outside 0 to 3 refers to a scratch zero, which all quaternions share.
 class cQuaternion : public cSerializable {
 public:
     double x = 0.0;
@@ -113,15 +114,11 @@ public:
     }
 
     constexpr double& operator[](int index) {
-        return detail::has_index(COMPONENTS, index)
-                   ? this->*COMPONENTS[index]
-                   : detail::zeroed(detail::writable_scratch<cQuaternion, double>);
+        return detail::component_at(*this, COMPONENTS, index);
     }
 
     constexpr const double& operator[](int index) const {
-        return detail::has_index(COMPONENTS, index)
-                   ? this->*COMPONENTS[index]
-                   : detail::zeroed(detail::readable_scratch<cQuaternion, double>);
+        return detail::component_at(*this, COMPONENTS, index);
     }
 
     cQuaternion& operator*=(const cQuaternion& b) {

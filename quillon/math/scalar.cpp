@@ -10,16 +10,20 @@
 #include <cstddef>
 #include <random>
 
+using namespace quillon;
+
+namespace quillon {
 namespace {
 
+// M. Matsumoto, T. Nishimura, Mersenne Twister (1998).
 using Generator = std::mt19937;
 
-// A seed that no other generator has, even where the platform returns one value twice.
+// A seed that no other generator has, also where the platform returns one value twice.
 std::uint32_t unused_seed() {
     static std::array<std::uint32_t, 3> used{};
     static std::size_t count = 0;
     const auto used_end = used.begin() + count;
-    std::uint32_t seed = quillon::platform::random_seed();
+    std::uint32_t seed = platform::random_seed();
     while (std::find(used.begin(), used_end, seed) != used_end)
         ++seed;
     used[count++] = seed;
@@ -32,6 +36,7 @@ double draw_unit(Generator& generator) {
 }
 
 } // namespace
+} // namespace quillon
 
 std::int32_t random_int(std::int32_t low, std::int32_t high) {
     static Generator generator(unused_seed());
@@ -53,6 +58,7 @@ double random_double(double low, double high) {
     return draw_unit(generator) * (high - low) + low;
 }
 
+// Fills all bits under the highest one: H. S. Warren, Hacker's Delight, 3-2.
 std::uint32_t next_largest_power_of_2(std::uint32_t value) {
     std::uint32_t filled = value - 1;
     for (const int shift : {1, 2, 4, 8, 16})
@@ -70,13 +76,13 @@ std::int32_t construct_bitmask(std::int16_t a, std::int16_t b, std::int16_t c, s
 }
 
 double gauss_near_zero_taylor7(float a, float deviation) {
-    return quillon::gauss_taylor7(a, deviation);
+    return gauss_taylor7(a, deviation);
 }
 
 float __tarn_extract_angle(float x, float y) {
     if (x > 0.0F)
         return atanT(static_cast<double>(y) / x);
     if (x < 0.0F)
-        return quillon::PI - atanT(static_cast<double>(y) / -x);
-    return y > 0.0F ? quillon::HALF_PI : quillon::THREE_HALF_PI;
+        return PI - atanT(static_cast<double>(y) / -x);
+    return y > 0.0F ? HALF_PI : THREE_HALF_PI;
 }

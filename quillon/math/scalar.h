@@ -22,27 +22,27 @@ QUILLON_API std::int32_t random_int(std::int32_t low, std::int32_t high);
 // From `low` to `high`, both included.
 QUILLON_API float random_float(float low, float high);
 
-// From `low` up to but excluding `high`, which only rounding can reach.
+// From `low` up to `high`, which only rounding can reach.
 QUILLON_API double random_double(double low, double high);
 
 // The smallest power of two that is not below `value`; 0 for 0 and for values above 2^31.
 QUILLON_API std::uint32_t next_largest_power_of_2(std::uint32_t value);
 
-// A mask with the named bits set, 0 to 31; -1, like any other number, names none.
+// A mask with the given bits set, 0 to 31; -1 and any other number add none.
 QUILLON_API std::int32_t construct_bitmask(std::int16_t a, std::int16_t b, std::int16_t c,
                                            std::int16_t d, std::int16_t e, std::int16_t f,
                                            std::int16_t g, std::int16_t h);
 
 // exp(-a / (2 * deviation^2)) by the Taylor polynomial of degree 7 about zero.
 //
-// With a squared distance for `a` it is the bell curve near its centre: within 2.5e-5 while the
-// exponent is above -1; far out it runs off to minus infinity. A zero deviation gives what the
-// float division gives.
+// With a squared distance for `a` it is the Gaussian near its centre.
+// Error: at most 2.5e-5 while the exponent is above -1; further out it falls to minus infinity.
+// A zero deviation leads to infinities and NaN.
 QUILLON_API double gauss_near_zero_taylor7(float a, float deviation);
 
 // The angle of the direction (x, y) in radians by atanT, -1.520838 to 4.712389.
 //
-// THREE_HALF_PI for (0, 0). Not wrapped to one turn, and off by up to 0.05 beside the y axis, where
-// atanT saturates.
+// THREE_HALF_PI for (0, 0). Not wrapped to one turn.
+// Error: up to 0.05 beside the y axis, where atanT saturates.
 QUILLON_API float __tarn_extract_angle(float x, float y);
 }

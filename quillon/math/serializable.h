@@ -1,4 +1,4 @@
-// The contract of every value that can be laid out in a flat buffer.
+// The interface of values that can be laid out in a flat buffer.
 #pragma once
 
 #include "quillon/export.h"
@@ -9,10 +9,10 @@
 
 namespace quillon {
 
-// A value that goes to and from a flat form: its components one behind the other in field order,
-// native byte order, at any alignment, with nothing before, between or behind them.
+// A value with a flat form: its components in field order, in native byte order, at any alignment,
+// with nothing before, between or after them.
 //
-// serialize and deserialize return serialized_size, so that an object chains its members.
+// serialize and deserialize return serialized_size, so that an object can chain its members.
 // The buffer holds serialized_size bytes; deserialize reads what serialize of the same class wrote.
 class cSerializable {
 public:
@@ -29,48 +29,62 @@ protected:
 
 namespace detail {
 
-// What an index outside the components of `Owner` refers to, one for each form of access.
-template <class Owner, class Value>
+// An index outside the components of `Owner` refers to one of these, one for each form of access.
+template <typename Owner, typename Value>
 QUILLON_LOCAL inline Value writable_scratch{};
-template <class Owner, class Value>
+template <typename Owner, typename Value>
 QUILLON_LOCAL inline Value readable_scratch{};
 
-template <class Value>
+template <typename Value>
 QUILLON_LOCAL inline constexpr Value constant_zero{};
 
 // True if `index` is one of a class's table of components.
-template <class Component, std::size_t count>
+template <typename Component, std::size_t count>
 constexpr bool has_index(Component const (&)[count], int index) {
     return index >= 0 && index < static_cast<int>(count);
 }
 
-template <class Value>
+template <typename Value>
 constexpr Value& zeroed(Value& scratch) {
     scratch = Value{};
     return scratch;
 }
 
-template <class Stored, class Value>
+// Component `index` of `owner`, or the scratch zero of the form of access.
+template <typename Owner, typename Value, std::size_t count>
+constexpr Value& component_at(Owner& owner, Value Owner::*const (&components)[count], int index) {
+    return has_index(components, index) ? owner.*components[index]
+                                        : zeroed(writable_scratch<Owner, Value>);
+}
+
+template <typename Owner, typename Value, std::size_t count>
+constexpr const Value& component_at(const Owner& owner, Value Owner::*const (&components)[count],
+                                    int index) {
+    return has_index(components, index) ? owner.*components[index]
+                                        : zeroed(readable_scratch<Owner, Value>);
+}
+
+template <typename Stored, typename Value>
 void write_scalar(std::uint8_t* buffer, const Value& value) {
     const auto stored = static_cast<Stored>(value);
     std::memcpy(buffer, &stored, sizeof(Stored));
 }
 
-template <class Stored>
+template <typename Stored>
 Stored read_scalar(const std::uint8_t* buffer) {
     Stored stored;
     std::memcpy(&stored, buffer, sizeof(Stored));
     return stored;
 }
 
-// Lays the first `count` components of an indexed object out as `Stored`, and takes them back.
-template <class Stored, class Object>
+// Write the first `count` components of an indexed object as `Stored`, and read them.
+template <typename Stored, typename Object>
 void write_components(std::uint8_t* buffer, const Object& object, int count) {
     for (int i = 0; i < count; ++i)
         write_scalar<Stored>(buffer + sizeof(Stored) * i, object[i]);
 }
 
-template <class Stored, class Object>
+template <typename Stored, typename Object>
 void read_components(const std::uint8_t* buffer, Object& object, int count) {
     for (int i = 0; i < count; ++i)
         object[i] = read_scalar<Stored>(buffer + sizeof(Stored) * i);

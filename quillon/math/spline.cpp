@@ -13,17 +13,18 @@
 #include <limits>
 #include <string_view>
 
-using quillon::cSpline3D;
-using quillon::cVector3D;
-using quillon::simd::Pair;
-using quillon::simd::Quad;
-using quillon::simd::square_roots;
+using namespace quillon;
+using simd::Pair;
+using simd::Quad;
+using simd::square_roots;
 
+namespace quillon {
 namespace {
 
-constexpr std::int32_t most_points = std::numeric_limits<std::int32_t>::max();
+constexpr std::int32_t MOST_POINTS = std::numeric_limits<std::int32_t>::max();
 
-// Frees the array and owns `fresh`, which was made first so that a failure leaves the spline whole.
+// Frees the array and owns `fresh`, which the caller allocates first, so that a failed allocation
+// leaves the spline unchanged.
 void own(cSpline3D& s, cVector3D* fresh, std::int32_t capacity) {
     delete[] s.points;
     s.points = fresh;
@@ -35,10 +36,10 @@ std::int32_t grown(std::int32_t capacity, std::int32_t needed) {
     std::int64_t result = capacity;
     while (result < needed)
         result = std::int64_t{1} << std::bit_width(static_cast<std::uint64_t>(result));
-    return static_cast<std::int32_t>(std::min<std::int64_t>(result, most_points));
+    return static_cast<std::int32_t>(std::min<std::int64_t>(result, MOST_POINTS));
 }
 
-// Where a parameter falls: `fraction` of the way from point `index` to the next.
+// The place of a parameter: `fraction` of the way from point `index` to the next.
 struct Place {
     std::int32_t index;
     double fraction;
@@ -68,8 +69,8 @@ QUILLON_KERNEL inline const cVector3D& point_at(const cSpline3D& s, std::int32_t
     return point_beyond(s, index);
 }
 
-// The cubic Bezier segment from one point to the next: in each component the points at its two
-// ends, and the control points between them, taken three times.
+// The cubic Bezier segment from one point to the next: for each component the points at its two
+// ends, and three times the control points between them.
 struct Segment {
     Pair ends[3];
     Pair handles[3];
@@ -103,7 +104,7 @@ QUILLON_KERNEL inline Lanes normalize(Lanes (&vectors)[3]) {
 // The segment that leaves point `index`: tangents bisect the unit chords that meet at an end, where
 // two do, and handles are a third of the chord long.
 //
-// Square roots and divisions are what a segment costs, and four of them take little longer than
+// Square roots and divisions are the cost of a segment, and four of them take little longer than
 // one. So lanes 0 and 1 hold the segment's chord as seen from its start and its end, lanes 2 and 3
 // those of its neighbours.
 QUILLON_KERNEL inline void read_segment(Segment& segment, const cSpline3D& s, std::int32_t index) {
@@ -132,7 +133,7 @@ QUILLON_KERNEL inline void read_segment(Segment& segment, const cSpline3D& s, st
     }
 }
 
-// Reads a smooth path at one parameter after another; neighbours mostly share a segment.
+// Reads a smooth path at one parameter after another; successive ones mostly share a segment.
 class SmoothReader {
 public:
     explicit SmoothReader(const cSpline3D& spline) : s(spline) { read_segment(segment, s, index); }
@@ -154,8 +155,9 @@ private:
     Segment segment;
 };
 
-// `t` brought into 0 to `turn`, both ends included, as adding and subtracting `turn` would, but in
-// bounded time: below 2^53 all those steps but the last addition are exact, as the remainder is.
+// `t` brought into 0 to `turn`, both ends included, with the result of adding and subtracting
+// `turn` step by step, but in bounded time: below 2^53 all those steps but the last addition are
+// exact, as the remainder is.
 double wrapped(double t, double turn) {
     if (t < 0.0) {
         const double rest = std::fmod(t, turn);
@@ -168,19 +170,20 @@ double wrapped(double t, double turn) {
     return t;
 }
 
-// The number of points that a text's first field announces and its other fields can account for.
+// The number of points in a text's first field, limited to what its other fields can fill.
 std::int32_t announced_points(const char* field, std::string_view text) {
-    constexpr std::ptrdiff_t taken_on_trust = 32767;
+    constexpr std::ptrdiff_t always_accepted = 32767;
     const std::ptrdiff_t fields = std::count(text.begin(), text.end(), '#') - 1;
-    const std::ptrdiff_t limit = std::max(taken_on_trust, (fields + 2) / 3);
-    const long announced = std::clamp(std::strtol(field, nullptr, 10), 0L, long{most_points});
+    const std::ptrdiff_t limit = std::max(always_accepted, (fields + 2) / 3);
+    const long announced = std::clamp(std::strtol(field, nullptr, 10), 0L, long{MOST_POINTS});
     return static_cast<std::int32_t>(std::min<std::ptrdiff_t>(announced, limit));
 }
 
 } // namespace
+} // namespace quillon
 
 void __cSpline3d_create_empty(cSpline3D& s, std::uint32_t capacity) {
-    if (capacity > static_cast<std::uint32_t>(most_points))
+    if (capacity > static_cast<std::uint32_t>(MOST_POINTS))
         throw std::bad_array_new_length();
     s.points = new cVector3D[capacity];
     s.capacity = static_cast<std::int32_t>(capacity);
@@ -202,7 +205,7 @@ void __cSpline3d_expand_array(cSpline3D& s, std::int32_t needed) {
 }
 
 void __cSpline3d_add_control_point(cSpline3D& s, const cVector3D& point) {
-    // `point` may stand in the array that growing frees.
+    // `point` may be in the array that growing frees.
     const cVector3D kept(point.x, point.y, point.z);
     if (s.count >= s.capacity)
         __cSpline3d_expand_array(s, s.count + 1);
@@ -211,7 +214,7 @@ void __cSpline3d_add_control_point(cSpline3D& s, const cVector3D& point) {
 
 void __cSpline3d_get_hard_value(const cSpline3D& s, cVector3D& out, double t) {
     if (s.count <= 0) {
-        out = quillon::VECTOR3D_ZERO;
+        out = VECTOR3D_ZERO;
         return;
     }
     const Place place = place_of(s, t);
@@ -222,7 +225,7 @@ void __cSpline3d_get_hard_value(const cSpline3D& s, cVector3D& out, double t) {
 
 QUILLON_CPU_CLONES void __cSpline3d_get_smooth_value(const cSpline3D& s, cVector3D& out, double t) {
     if (s.count <= 0) {
-        out = quillon::VECTOR3D_ZERO;
+        out = VECTOR3D_ZERO;
         return;
     }
     const Place place = place_of(s, t);
@@ -249,7 +252,7 @@ double __cSpline3d_get_value_closest_to(const cSpline3D& s, const cVector3D& tar
         return t;
 
     SmoothReader path(s);
-    cVector3D value = nearest < 0 ? quillon::VECTOR3D_ZERO : path.at(t);
+    cVector3D value = nearest < 0 ? VECTOR3D_ZERO : path.at(t);
     const double step = std::max(tolerance, 0.0001);
     for (; iterations > 0; --iterations) {
         const cVector3D chord = path.at(t + step) - value;
@@ -300,7 +303,7 @@ void __cSpline3d_spline_from_string(cSpline3D& s, const char* text) {
     const bool closed = *text == 'C';
     if (*text != '\0')
         ++text;
-    quillon::TextFields<24> fields(text);
+    TextFields<24> fields(text);
     const char* field = fields.next();
     const std::int32_t count = field == nullptr ? 0 : announced_points(field, text);
     own(s, new cVector3D[count], count);
@@ -311,6 +314,6 @@ void __cSpline3d_spline_from_string(cSpline3D& s, const char* text) {
             field = fields.next();
             if (field == nullptr)
                 return;
-            s.points[i][component] = quillon::field_to_double(field);
+            s.points[i][component] = field_to_double(field);
         }
 }

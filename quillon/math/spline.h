@@ -1,5 +1,5 @@
-// Paths through control points, read at a parameter that runs over their indices: 2.5 lies halfway
-// between points 2 and 3.
+// Paths through control points, whose parameter runs over their indices: 2.5 is halfway between
+// points 2 and 3.
 #pragma once
 
 #include "quillon/export.h"
@@ -18,11 +18,11 @@ class cSpline3D;
 
 extern "C" {
 
-// Give a new spline an array of `capacity` points at (0, 0, 0), or of the `count` points at
-// `points`.
+// Allocate the array of a new spline: `capacity` points at (0, 0, 0), or a copy of the `count`
+// points at `points`.
 //
-// An array that the spline has is left to the caller, not freed, and `closed` stays.
-// A negative `count` is taken as 0.
+// An earlier array is not freed: the caller owns it. `closed` is unchanged.
+// A negative `count` counts as 0.
 QUILLON_API void __cSpline3d_create_empty(quillon::cSpline3D& s, std::uint32_t capacity);
 QUILLON_API void __cSpline3d_create_with_control_points(quillon::cSpline3D& s,
                                                         const quillon::cVector3D* points,
@@ -36,35 +36,34 @@ QUILLON_API void __cSpline3d_expand_array(quillon::cSpline3D& s, std::int32_t ne
 QUILLON_API void __cSpline3d_add_control_point(quillon::cSpline3D& s,
                                                const quillon::cVector3D& point);
 
-// Set `out` to the path at `t`: on the straight line between two points, or on a cubic Bezier
-// segment whose tangent at a point bisects the directions of its two segments.
+// Set `out` to the path at `t`: on the straight line between two points (hard), or on a cubic
+// Bezier segment whose tangent at a point bisects the directions of its two segments (smooth).
 //
-// An open spline is its last point beyond the end and its first below -1; between -1 and 0 its
-// first segment goes on. A closed one wraps, with corners at its first and its last point, where
-// tangents are one-sided.
-//
-// A spline without points gives zeros. `t` is limited to 2^30 either way, and one that is no number
-// gives no numbers.
+// Open: the last point after the end, the first below -1; the first segment goes on from 0 to -1.
+// Closed: wraps, with corners at the first and last point, where tangents are one-sided.
+// (0, 0, 0) for a spline without points.
+// `t` is limited to 2^30 either way; a NaN leads to NaN.
 QUILLON_API void __cSpline3d_get_hard_value(const quillon::cSpline3D& s, quillon::cVector3D& out,
                                             double t);
 QUILLON_API void __cSpline3d_get_smooth_value(const quillon::cSpline3D& s, quillon::cVector3D& out,
                                               double t);
 
-// The parameter of the smooth path near `target`: that of the nearest control point, refined along
-// the path by `iterations` projections onto its chord.
+// The parameter of the smooth path near `target`: that of the nearest control point, refined by
+// `iterations` projections onto the path's chord.
 //
-// Not refined if that point is within `tolerance`, and never clamped on an open spline.
-// 0 if no point is nearer than (0, 0, 0), to begin with, and on a spline without points.
-// The chord is taken over `tolerance`, 0.0001 at least; where it has no length, as behind the last
-// point of an open spline, the result means nothing.
+// Not refined if that point is within `tolerance`. Not clamped on an open spline.
+// Starts at 0 if no control point is nearer than the origin; 0 for a spline without points.
+// The chord spans `tolerance` of the parameter, 0.0001 at least.
+// Meaningless where the chord has no length, as after the last point of an open spline.
 QUILLON_API double __cSpline3d_get_value_closest_to(const quillon::cSpline3D& s,
                                                     const quillon::cVector3D& target,
                                                     double tolerance, std::uint32_t iterations);
 
-// Makes `s` a copy of `source`, capacity included; a spline set by itself stays as it is.
+// Makes `s` a copy of `source`, capacity included; a spline set by itself is unchanged.
 QUILLON_API void __cSpline3d_set_by_spline(quillon::cSpline3D& s, const quillon::cSpline3D& source);
 
-// True if both are open or both closed, with as many points, each within 1e-6 of its counterpart.
+// True if both are open or both closed and have the same number of points, each within 1e-6 of its
+// counterpart.
 QUILLON_API bool __cSpline3d_is_equal_to(const quillon::cSpline3D& s,
                                          const quillon::cSpline3D& other);
 
@@ -78,9 +77,10 @@ QUILLON_API void __cSpline3d_spline_to_string(const quillon::cSpline3D& s, char*
 
 // Replaces `s` by the spline of a text form; capacity becomes the number of points.
 //
-// Points without fields are (0, 0, 0), surplus fields are skipped, and characters of a field beyond
-// the 23rd are dropped. A text without a closed first field, or with a negative number in it, gives
-// no points. A number above 32767 holds only so far as the text has fields for its points.
+// Points without fields are (0, 0, 0); surplus fields are skipped.
+// Characters of a field after the 23rd are dropped.
+// No points if the first field is not closed or its number is negative.
+// A number above 32767 counts only as far as the text has fields for its points.
 QUILLON_API void __cSpline3d_spline_from_string(quillon::cSpline3D& s, const char* text);
 }
 
@@ -89,8 +89,8 @@ namespace quillon {
 // An array of control points that the spline owns, open or closed.
 //
 // Flat form: count and capacity as 32-bit integers, closed as one byte, then each point's flat
-// form; serialized_size also counts the unused capacity, 9 + 12 * capacity bytes. Every operation
-// takes any number of points that memory holds.
+// form; serialized_size also counts the unused capacity: 9 + 12 * capacity bytes.
+// Every operation takes any number of points that memory holds.
 class cSpline3D : public cSerializable {
 public:
     cVector3D* points = nullptr; // capacity elements, from new[]
@@ -98,7 +98,7 @@ public:
     std::int32_t capacity = 0;
     bool closed = false;
 
-    // A spline of the points that are not null, in order, with room for eight.
+    // A spline of the points that are not null, in order, with capacity for eight.
     explicit cSpline3D(bool closed_path = false, const cVector3D* p0 = nullptr,
                        const cVector3D* p1 = nullptr, const cVector3D* p2 = nullptr,
                        const cVector3D* p3 = nullptr, const cVector3D* p4 = nullptr,
@@ -115,14 +115,14 @@ public:
         __cSpline3d_set_by_spline(*this, source);
     }
 
-    // The source is left open or closed as it was, without points and without an array.
+    // The source has no points and no array afterwards.
     cSpline3D(cSpline3D&& source) noexcept
         : points(std::exchange(source.points, nullptr)),
           count(std::exchange(source.count, 0)),
           capacity(std::exchange(source.capacity, 0)),
           closed(source.closed) {}
 
-    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): __cSpline3d_set_by_spline looks for it.
+    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): __cSpline3d_set_by_spline tests for it.
     cSpline3D& operator=(const cSpline3D& source) {
         __cSpline3d_set_by_spline(*this, source);
         return *this;
@@ -147,14 +147,15 @@ public:
         return serialized_size();
     }
 
-    // A negative capacity is taken as 0, and a count that it does not hold is brought into it.
+    // A negative capacity counts as 0, and a count is clamped into the capacity.
     std::uint32_t deserialize(const std::uint8_t* buffer) override {
-        const std::int32_t room = std::max(detail::read_scalar<std::int32_t>(buffer + 4), 0);
-        auto* fresh = new cVector3D[room];
+        const std::int32_t fresh_capacity =
+            std::max(detail::read_scalar<std::int32_t>(buffer + 4), 0);
+        auto* fresh = new cVector3D[fresh_capacity];
         delete[] points;
         points = fresh;
-        capacity = room;
-        count = std::clamp(detail::read_scalar<std::int32_t>(buffer), 0, room);
+        capacity = fresh_capacity;
+        count = std::clamp(detail::read_scalar<std::int32_t>(buffer), 0, fresh_capacity);
         closed = buffer[8] != 0;
         std::uint64_t offset = 9;
         for (std::int32_t i = 0; i < count; ++i)

@@ -9,14 +9,14 @@ namespace quillon {
 
 // Walks the closed fields of a text.
 //
-// A field holds at most `capacity - 1` characters; what goes beyond is dropped.
-// Text behind the last "#" belongs to no field.
+// A field holds at most `capacity - 1` characters; further ones are dropped.
+// Text after the last "#" belongs to no field.
 template <std::size_t capacity>
 class TextFields {
 public:
     explicit TextFields(const char* text) : cursor(text) {}
 
-    // The next field as a terminated string, valid until the next call, or null behind the last.
+    // The next field as a terminated string, valid until the next call; null after the last.
     const char* next() {
         std::size_t length = 0;
         for (; *cursor != '\0'; ++cursor) {
@@ -36,15 +36,15 @@ private:
     char field[capacity];
 };
 
-// The number that a field spells, by the runtime's rules; 0 if it spells none.
+// The number in a field by the runtime's rules; 0 if it does not parse.
 inline double field_to_double(const char* field) {
     return std::strtod(field, nullptr);
 }
 
 // Reads one field into each of the first `count` components of an indexed object, in order.
 //
-// Components for which no field arrives keep their values; surplus fields are not looked at.
-template <std::size_t capacity, class Object>
+// Components without a field keep their values; surplus fields are skipped.
+template <std::size_t capacity, typename Object>
 void read_component_fields(Object& object, int count, const char* text) {
     TextFields<capacity> fields(text);
     for (int i = 0; i < count; ++i) {

@@ -17,9 +17,10 @@ inline constexpr std::int32_t TANGENT_ENTRIES = 3600;
 extern double cosTable[CIRCLE_ENTRIES];
 extern double sinTable[CIRCLE_ENTRIES];
 
-// The functions below are inlined by force: a call would cost a look-up half as much again.
+// The functions below are always inlined: a call would add half to the time of a look-up.
 
-// `position` truncated toward zero and wrapped into 0 to `entries - 1`; 0 where it fits no integer.
+// `position` truncated toward zero and wrapped into 0 to `entries - 1`; 0 if it is beyond 64-bit
+// integers or NaN.
 template <std::int32_t entries>
 QUILLON_KERNEL inline std::int64_t wrapped_index(double position) {
     const std::int64_t whole = simd::truncated(position);

@@ -10,6 +10,9 @@
 #include <numbers>
 #include <type_traits>
 
+using namespace quillon;
+using namespace quillon::trig;
+
 namespace quillon::trig {
 
 constinit double cosTable[CIRCLE_ENTRIES] = {};
@@ -38,9 +41,9 @@ void fill_forward_tables() {
         tanTable[i] = table_functions::tan(i * WIDE_PI / 1800.0);
 }
 
-// One arc sine serves four entries: the arguments lie even about 0, the arc sine is odd, and the
-// arc cosine is what it lacks to a right angle. In 64 bits that errs by far less than an entry
-// holds.
+// One arc sine serves four entries: the arguments are symmetric about 0, the arc sine is odd, and
+// the arc cosine is its complement to a right angle. The 64-bit error is far below the precision of
+// an entry.
 void fill_arc_tables() {
     constexpr double right_angle = std::numbers::pi / 2.0;
     constexpr std::int32_t middle = ARC_ENTRIES / 2;
@@ -60,10 +63,10 @@ double arctangent_argument(std::int32_t steps_from_zero) {
     return static_cast<float>(steps_from_zero / 50000.0);
 }
 
-// The entries of `first` to `last` steps from zero, and those as far below zero.
+// The entries of `first` to `last` steps from zero, and their mirror images below zero.
 //
-// By the addition theorem atan(x) = atan(a) + atan(t) with t = (x - a) / (1 + a x); within a block
-// t stays below 0.0052, where three terms of the series leave out less than 2e-17.
+// By the addition theorem atan(x) = atan(a) + atan(t) with t = (x - a) / (1 + a x). Within a block
+// t is below 0.0052, where the series after three terms is below 2e-17.
 void fill_arctangent_block(float* middle, std::int32_t first, std::int32_t last) {
     const double start = arctangent_argument(first);
     const double start_angle = table_functions::atan(start);
@@ -86,7 +89,7 @@ void fill_arctangents() {
     atanTable = table;
 }
 
-// `position` truncated toward zero and held in 0 to `last`; 0 for a value that is not a number.
+// `position` truncated toward zero and clamped to 0 to `last`; 0 for a NaN.
 std::int32_t clamped_index(double position, std::int32_t last) {
     if (!(position > 0.0))
         return 0;
@@ -107,17 +110,16 @@ double tangent_at_degrees(double degrees) {
 } // namespace
 } // namespace quillon::trig
 
+namespace quillon {
 namespace {
-
-using quillon::TWO_PI;
 
 // TWO_PI is a multiple of 2^-21. An angle below this limit is a multiple of that or of a finer
 // unit, so subtracting TWO_PI from it is exact, and so is any number of such steps.
-template <class Float>
+template <typename Float>
 constexpr auto EXACT_BELOW = static_cast<Float>(std::uint64_t{1}
                                                 << (std::numeric_limits<Float>::digits - 21));
 
-template <class Float>
+template <typename Float>
 Float power_of_two_below(Float positive) {
     using Bits =
         std::conditional_t<sizeof(Float) == sizeof(std::uint32_t), std::uint32_t, std::uint64_t>;
@@ -125,14 +127,13 @@ Float power_of_two_below(Float positive) {
     return std::bit_cast<Float>(std::bit_cast<Bits>(positive) & ~fraction);
 }
 
-// At least one of the steps `angle -= TWO_PI`, and as many as one go can do.
+// At least one of the steps `angle -= TWO_PI`, and as many as can be taken at once.
 //
-// Between two powers of two all angles share one unit, so every step there is rounded alike: to the
-// same multiple of that unit, once a first step has settled a tie. That multiple times a number of
-// steps, and what remains, are multiples of the unit too, hence exact. The last step that would
-// stay above the lower power of two is left for the next call: before rounding it may lead below,
-// where the unit is finer.
-template <class Float>
+// Between two powers of two all angles are multiples of one unit, so every step is rounded to the
+// same multiple of it, once a first step has settled a tie. That multiple times a number of steps,
+// and the rest, are multiples of the unit too, hence exact. The last step above the lower power of
+// two is left to the next call: before rounding it may lead below, where the unit is finer.
+template <typename Float>
 Float stepped_down(Float angle) {
     const Float floor = power_of_two_below(angle);
     const Float next = angle - TWO_PI;
@@ -143,8 +144,8 @@ Float stepped_down(Float angle) {
     return steps > 0 ? next - static_cast<Float>(steps) * step : next;
 }
 
-// What is left of a positive angle after subtracting TWO_PI while it is greater than TWO_PI.
-template <class Float>
+// The rest of a positive angle after subtracting TWO_PI while it is greater than TWO_PI.
+template <typename Float>
 Float remainder_of_steps(Float angle) {
     if (angle <= TWO_PI)
         return angle;
@@ -156,17 +157,16 @@ Float remainder_of_steps(Float angle) {
     return remainder == Float{0} ? TWO_PI : remainder;
 }
 
-// From below zero the steps are the mirror image of those from above, but for the last, which leads
-// across zero.
-template <class Float>
+// From below zero the steps mirror those from above, except the last one, which crosses zero.
+template <typename Float>
 Float bound(Float angle) {
     return angle < Float{0} ? TWO_PI - remainder_of_steps(-angle) : remainder_of_steps(angle);
 }
 
 } // namespace
+} // namespace quillon
 
 void __init_trig_tables() {
-    using namespace quillon::trig;
     if (atanTable != nullptr)
         return;
     fill_forward_tables();
@@ -175,48 +175,43 @@ void __init_trig_tables() {
 }
 
 void __clear_trig_tables() {
-    delete[] quillon::trig::atanTable;
-    quillon::trig::atanTable = nullptr;
+    delete[] atanTable;
+    atanTable = nullptr;
 }
 
 double cosTD(const double& degrees) {
-    return quillon::trig::cosTable[quillon::trig::circle_index(degrees)];
+    return cosTable[circle_index(degrees)];
 }
 
 double sinTD(const double& degrees) {
-    return quillon::trig::sinTable[quillon::trig::circle_index(degrees)];
+    return sinTable[circle_index(degrees)];
 }
 
 double tanTD(const double& degrees) {
-    return quillon::trig::tangent_at_degrees(degrees);
+    return tangent_at_degrees(degrees);
 }
 
 double cosTR(const double& radians) {
-    using namespace quillon::trig;
     return cosTable[circle_index(to_degrees(radians))];
 }
 
 double sinTR(const double& radians) {
-    using namespace quillon::trig;
     return sinTable[circle_index(to_degrees(radians))];
 }
 
 double tanTR(const double& radians) {
-    return quillon::trig::tangent_at_degrees(quillon::trig::to_degrees(radians));
+    return tangent_at_degrees(to_degrees(radians));
 }
 
 float acosT(const double& x) {
-    using namespace quillon::trig;
     return acosTable[clamped_index((x + 1.0) * 10000.0, ARC_ENTRIES - 1)];
 }
 
 float asinT(const double& x) {
-    using namespace quillon::trig;
     return asinTable[clamped_index((x + 1.0) * 10000.0, ARC_ENTRIES - 1)];
 }
 
 float atanT(const double& x) {
-    using namespace quillon::trig;
     if (atanTable == nullptr)
         return 0.0F;
     // Truncated before the middle is added, so toward zero and not downward.

@@ -1,9 +1,9 @@
 // Trigonometry by table look-up, and the binding of angles to one turn.
 //
-// Results are quantised: a forward function gives the sine, cosine or tangent of a multiple of its
-// step, an inverse function the angle of a multiple of its own. Every argument gives a result: an
-// infinity, a value that is not a number or one beyond 9e18 steps reads the entry of angle 0, or an
-// end of an inverse table. Before __init_trig_tables all of them give 0.
+// Results are quantised: a forward function returns the sine, cosine or tangent of a multiple of
+// its step, an inverse function the angle of a multiple of its own. An infinity, a NaN or an
+// argument beyond 9e18 steps reads the entry of angle 0, or an end of an inverse table. All
+// functions return 0 before __init_trig_tables.
 //
 // The tables hold what the C library computes, which differs between systems in the last place;
 // built with QUILLON_EXACT_TABLES, they hold correctly rounded values, which are equal everywhere.
@@ -17,18 +17,18 @@
 extern "C" {
 
 // Fills the tables; a second call changes nothing.
-// Takes 9.3 MB, 8 MB of them on the heap; the allocator's exception leaves atanT without its table.
+// Takes 9.3 MB, 8 MB of them on the heap. If the allocator throws, atanT has no table.
 QUILLON_API void __init_trig_tables();
 
-// Releases the table of atanT, which gives 0 from then on; the others stay. Harmless without a
-// table.
+// Releases the table of atanT, which returns 0 from then on; the others stay.
+// Harmless without a table. The library's unload and the end of the process do it too.
 QUILLON_API void __clear_trig_tables();
 
 // Cosine and sine in steps of 0.005 degree: the entry nearest to the angle, halves upward, or for a
-// negative angle one entry nearer to zero. Angles of any number of turns cost about the same.
+// negative angle one entry nearer to zero. The number of turns hardly changes the time.
 //
 // Error within one turn: at most 4.4e-5, and 1.32e-4 for negative angles.
-// In radians it grows with the turns: by 4.1e-8 for each radian.
+// In radians it grows by 4.1e-8 for each radian.
 QUILLON_API double cosTD(const double& degrees);
 QUILLON_API double sinTD(const double& degrees);
 QUILLON_API double cosTR(const double& radians);
@@ -53,11 +53,11 @@ QUILLON_API float asinT(const double& x);
 // Error: at most 2.01e-5 for |x| up to 20, and 0.05 beyond.
 QUILLON_API float atanT(const double& x);
 
-// Brings an angle into 0 to TWO_PI, both ends included, as adding TWO_PI while it is below 0 and
-// subtracting TWO_PI while it is above would, rounding at each step, but in bounded time.
+// Wraps an angle into 0 to TWO_PI, both ends included, in bounded time.
 //
-// An angle so great that a step no longer changes it gives its remainder by TWO_PI instead; an
-// infinity gives a value that is not a number.
+// The result is that of adding TWO_PI while the angle is below 0, then subtracting it while the
+// angle is above TWO_PI, with a rounding at each step. An angle so great that a step does not
+// change it becomes its remainder by TWO_PI; an infinity NaN.
 QUILLON_API void trig_bind(double& radians);
 QUILLON_API void trig_bind_32(float& radians);
 }

@@ -3,8 +3,9 @@
 #include "quillon/math/text_fields.h"
 #include "quillon/platform/random.h"
 
-using quillon::cVector3D;
+using namespace quillon;
 
+namespace quillon {
 namespace {
 
 bool is_zero(const cVector3D& v) {
@@ -12,17 +13,18 @@ bool is_zero(const cVector3D& v) {
 }
 
 double random_half() {
-    return quillon::platform::runtime_rand() / 32767.0 - 0.5;
+    return platform::runtime_rand() / 32767.0 - 0.5;
 }
 
 } // namespace
+} // namespace quillon
 
 double __cVector3d_get_angle_between(const cVector3D& a, const cVector3D& b) {
     if (is_zero(a) || is_zero(b))
         return 0.0;
     const double product = a.dot(b);
     if (product == 0.0)
-        return quillon::PI / 2.0;
+        return PI / 2.0;
     return std::acos(product / (a.length() * b.length()));
 }
 
@@ -33,7 +35,7 @@ double __cVector3d_get_scalar_for_projection_onto(const cVector3D& a, const cVec
 }
 
 void __cVector3d_vector_from_string(cVector3D& v, const char* text) {
-    quillon::read_component_fields<24>(v, 3, text);
+    read_component_fields<24>(v, 3, text);
 }
 
 void __nsVector3d_on_unit_sphere(cVector3D& out) {

@@ -21,7 +21,7 @@ extern "C" {
 // The angle between `a` and `b` in radians, 0 to pi, by the runtime's acos.
 //
 // 0 if either is the zero vector; PI / 2.0 if the dot product is exactly 0.
-// Not a number where rounding lifts the ratio beyond 1.
+// NaN where rounding lifts the ratio beyond 1.
 QUILLON_API double __cVector3d_get_angle_between(const quillon::cVector3D& a,
                                                  const quillon::cVector3D& b);
 
@@ -31,15 +31,17 @@ QUILLON_API double __cVector3d_get_scalar_for_projection_onto(const quillon::cVe
 
 // Reads the text form "x#y#z#" into `v`.
 //
-// A component for which no closed field arrives keeps its value, and fields beyond the third are
-// skipped. A field that is no number gives 0; its characters beyond the 23rd are dropped.
+// A component without a closed field keeps its value; fields after the third are skipped.
+// A field that does not parse is 0; its characters after the 23rd are dropped.
 QUILLON_API void __cVector3d_vector_from_string(quillon::cVector3D& v, const char* text);
 
-// Sets `out` to a direction drawn from the runtime's rand, which the host seeds: a point of a cube
-// pushed onto the unit sphere, so not uniform. Draws z, then y, then x.
+// Sets `out` to a random direction: a point of a cube, normalised, so not uniform.
+//
+// Draws z, then y, then x from the runtime's rand, which the host seeds.
 QUILLON_API void __nsVector3d_on_unit_sphere(quillon::cVector3D& out);
 
 // Turn `v` by a rotation, or back by its transpose: the matrix times the column vector `v`.
+// Defined in rotation.cpp, with the quaternion's matrix.
 QUILLON_API void __cVector3d_rotate_by_matrix(quillon::cVector3D& v, const quillon::cMatrix3D& m);
 QUILLON_API void __cVector3d_rotate_backwards_by_matrix(quillon::cVector3D& v,
                                                         const quillon::cMatrix3D& m);
@@ -56,7 +58,7 @@ namespace quillon {
 // A point or direction in space, 64-bit; a new one is (0, 0, 0).
 //
 // Flat form: x, y, z as 32-bit floats, 12 bytes.
-// An index outside 0 to 2 refers to a scratch zero, which is shared and belongs to no vector.
+// An index outside 0 to 2 refers to a scratch zero, which all vectors share.
 class cVector3D : public cSerializable {
 public:
     double x = 0.0;
@@ -94,9 +96,7 @@ public:
     }
 
     constexpr double& operator[](int index) {
-        return detail::has_index(COMPONENTS, index)
-                   ? this->*COMPONENTS[index]
-                   : detail::zeroed(detail::writable_scratch<cVector3D, double>);
+        return detail::component_at(*this, COMPONENTS, index);
     }
 
     constexpr const double& operator[](int index) const {
@@ -108,8 +108,7 @@ public:
 
     constexpr double squared_length() const { return x * x + y * y + z * z; }
 
-    // Scales the vector to unit length; a zero vector stays, and so does one whose squared length
-    // is exactly 1.
+    // Scales the vector to unit length; one whose squared length is exactly 0 or 1 is unchanged.
     void normalize() {
         const double squared = squared_length();
         if (squared == 1.0)
@@ -140,7 +139,7 @@ public:
         return {x * scalar, y * scalar, z * scalar};
     }
 
-    // Divides each component; a zero divisor gives what the float division gives.
+    // Divides each component; a zero divisor leads to infinities and NaN.
     constexpr cVector3D operator/(double scalar) const {
         return {x / scalar, y / scalar, z / scalar};
     }
@@ -170,7 +169,7 @@ private:
 
 namespace detail {
 
-template <class T>
+template <typename T>
 struct component_of {
     using type = T;
 };
@@ -186,9 +185,9 @@ struct component_of<long> {
 // A pair of components: 64-bit floats for cVector2D<double>, signed 32-bit integers for
 // cVector2D<long>; a new one is (0, 0).
 //
-// Flat form: x, y as they are, 16 or 8 bytes.
-// An index outside 0 and 1 refers to a scratch zero, which is shared and belongs to no vector.
-template <class T>
+// Flat form: x, y unchanged, 16 or 8 bytes.
+// An index outside 0 to 1 refers to a scratch zero, which all vectors share.
+template <typename T>
 class cVector2D : public cSerializable {
 public:
     using Component = typename detail::component_of<T>::type;
@@ -218,15 +217,11 @@ public:
     constexpr virtual ~cVector2D() {} // NOLINT(modernize-use-equals-default)
 
     constexpr Component& operator[](int index) {
-        return detail::has_index(COMPONENTS, index)
-                   ? this->*COMPONENTS[index]
-                   : detail::zeroed(detail::writable_scratch<cVector2D, Component>);
+        return detail::component_at(*this, COMPONENTS, index);
     }
 
     constexpr const Component& operator[](int index) const {
-        return detail::has_index(COMPONENTS, index)
-                   ? this->*COMPONENTS[index]
-                   : detail::zeroed(detail::readable_scratch<cVector2D, Component>);
+        return detail::component_at(*this, COMPONENTS, index);
     }
 
 private:

@@ -4,9 +4,9 @@
 
 #include <algorithm>
 
-using quillon::cVector3D;
-using quillon::cZone3D;
+using namespace quillon;
 
+namespace quillon {
 namespace {
 
 // The two corners as one row of six components.
@@ -19,6 +19,7 @@ struct Corners {
 };
 
 } // namespace
+} // namespace quillon
 
 void __cZone3d_expand_to_contain(cZone3D& z, const cVector3D& point) {
     for (int i = 0; i < 3; ++i)
@@ -29,5 +30,5 @@ void __cZone3d_expand_to_contain(cZone3D& z, const cVector3D& point) {
 
 void __cZone3d_zone_from_string(cZone3D& z, const char* text) {
     Corners corners{z};
-    quillon::read_component_fields<24>(corners, 6, text);
+    read_component_fields<24>(corners, 6, text);
 }

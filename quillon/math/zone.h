@@ -17,7 +17,7 @@ public:
     cVector3D minimum;
     cVector3D maximum;
 
-    // A box about the origin, by its half extents; their signs do not matter.
+    // A box about the origin by its half extents; their signs are ignored.
     constexpr cZone3D(double x, double y, double z)
         : minimum(-magnitude(x), -magnitude(y), -magnitude(z)),
           maximum(magnitude(x), magnitude(y), magnitude(z)) {}
@@ -46,7 +46,7 @@ public:
     constexpr virtual ~cZone3D() {} // NOLINT(modernize-use-equals-default): see cVector3D
 
 private:
-    // Adding nothing turns a negative zero into a positive one.
+    // Adding 0.0 turns a negative zero into a positive one.
     static constexpr double magnitude(double extent) {
         return extent < 0.0 ? -extent : extent + 0.0;
     }
@@ -65,7 +65,7 @@ QUILLON_API void __cZone3d_expand_to_contain(quillon::cZone3D& z, const quillon:
 
 // Reads the text form: the x#y#z# of the minimum, then that of the maximum.
 //
-// A component for which no closed field arrives keeps its value, and fields beyond the sixth are
-// skipped. A field that is no number gives 0; its characters beyond the 23rd are dropped.
+// A component without a closed field keeps its value; fields after the sixth are skipped.
+// A field that does not parse is 0; its characters after the 23rd are dropped.
 QUILLON_API void __cZone3d_zone_from_string(quillon::cZone3D& z, const char* text);
 }

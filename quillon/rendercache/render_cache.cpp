@@ -8,27 +8,27 @@
 #include <memory>
 #include <new>
 
-using quillon::cColor;
-using quillon::cRenderCache;
-using quillon::cVector3D;
-using TexCoord = quillon::cVector2D<double>;
-using quillon::simd::CachedStores;
-using quillon::simd::StreamingStores;
+using namespace quillon;
+using TexCoord = cVector2D<double>;
+using simd::CachedStores;
+using simd::StreamingStores;
 
+namespace quillon {
 namespace {
 
-// From this many corners on, an unrolled cache outgrows a processor's, and streaming pays.
+// From this many corners on, an unrolled cache exceeds a processor's, and streaming pays
+// (bench_rendercache, verts and polys).
 constexpr std::size_t STREAM_FROM = std::size_t{1} << 17;
 
-// Sources in corner order are read side by side in runs of this many corners, which keeps the
-// prefetchers busy and writes as many bytes as whole cache lines have to every array. Indexed
-// sources go one after the other, since scattered reads want the cache to themselves.
+// Sources in corner order are read side by side in runs of this many corners: that keeps the
+// prefetchers busy and writes whole cache lines to every array.
+// Indexed sources are read one after the other, since scattered reads need the whole cache.
 constexpr std::size_t RUN = 16;
 
-// Any four entries fill whole stores; eight keep more loads in flight.
+// Four entries fill whole stores; eight keep more loads in flight.
 constexpr std::size_t GROUP = 8;
 
-template <class Source>
+template <typename Source>
 inline constexpr std::size_t WIDTH = 3;
 template <>
 inline constexpr std::size_t WIDTH<TexCoord> = 2;
@@ -78,7 +78,7 @@ std::unique_ptr<float[]> allocate(bool wanted, std::uint64_t corners, std::size_
     return std::make_unique_for_overwrite<float[]>(static_cast<std::size_t>(corners) * width);
 }
 
-// Which element of a source a corner takes.
+// The element of a source that a corner takes.
 struct InOrder {
     std::size_t operator()(std::size_t corner) const { return corner; }
 };
@@ -94,7 +94,7 @@ struct AlwaysFirst {
 };
 
 // Writes the entries of the corners from `first` up to `end`.
-template <class Stores, class Source, class Element>
+template <typename Stores, typename Source, typename Element>
 void unroll_by(float* array, const Source* source, Element element, std::size_t first,
                std::size_t end) {
     constexpr std::size_t width = WIDTH<Source>;
@@ -103,10 +103,10 @@ void unroll_by(float* array, const Source* source, Element element, std::size_t 
     };
 
     std::size_t corner = first;
-    for (; corner < end && !quillon::simd::is_store_aligned(array + corner * width); ++corner)
+    for (; corner < end && !simd::is_store_aligned(array + corner * width); ++corner)
         flatten_one(corner);
     for (; end - corner >= GROUP; corner += GROUP) {
-        alignas(quillon::simd::STORE_ALIGNMENT) float group[GROUP * width];
+        alignas(simd::STORE_ALIGNMENT) float group[GROUP * width];
         for (std::size_t i = 0; i < GROUP; ++i)
             flatten(source[element(corner + i)], group + i * width);
         for (std::size_t i = 0; i < GROUP * width; i += 4)
@@ -117,7 +117,7 @@ void unroll_by(float* array, const Source* source, Element element, std::size_t 
 }
 
 // The same where both arrays exist, by the stores that suit a cache of `total` corners.
-template <class Source, class Element>
+template <typename Source, typename Element>
 void unroll(float* array, const Source* source, Element element, std::size_t first, std::size_t end,
             std::size_t total) {
     if (array == nullptr || source == nullptr)
@@ -128,7 +128,7 @@ void unroll(float* array, const Source* source, Element element, std::size_t fir
         unroll_by<CachedStores>(array, source, element, first, end);
 }
 
-template <class Source>
+template <typename Source>
 void unroll_indexed(const cRenderCache& cache, float* array, const Source* source,
                     const std::uint32_t* indices) {
     const std::size_t corners = corner_count(cache);
@@ -139,6 +139,7 @@ void unroll_indexed(const cRenderCache& cache, float* array, const Source* sourc
 }
 
 } // namespace
+} // namespace quillon
 
 cRenderCache* __mGraphics_create_render_cache(std::uint32_t poly_count,
                                               std::uint32_t verts_per_poly, bool texcoords,
@@ -171,7 +172,7 @@ void __mGraphics_modify_render_cache_from_verts(cRenderCache* cache, const cVect
         unroll(cache->texcoords, texcoords, InOrder{}, first, end, corners);
         unroll(cache->colors, colors, InOrder{}, first, end, corners);
     }
-    quillon::simd::finish_streaming();
+    simd::finish_streaming();
 }
 
 void __mGraphics_modify_render_cache_from_polys(cRenderCache* cache, const cVector3D* positions,
@@ -187,7 +188,7 @@ void __mGraphics_modify_render_cache_from_polys(cRenderCache* cache, const cVect
     unroll_indexed(*cache, cache->normals, normals, normal_indices);
     unroll_indexed(*cache, cache->texcoords, texcoords, texcoord_indices);
     unroll_indexed(*cache, cache->colors, colors, color_indices);
-    quillon::simd::finish_streaming();
+    simd::finish_streaming();
 }
 
 void __mGraphics_copy_render_cache(void* /*context*/, cRenderCache* destination,

@@ -10,8 +10,9 @@ extern "C" {
 // The unit tangent of a triangle along its first texture axis, from three positions and three
 // texture coordinates.
 //
-// out = normalised((dv2 * e1 - dv1 * e2) / det), with the edges e1, e2 from corner 0, their texture
-// steps (du1, dv1), (du2, dv2) and det = du1 * dv2 - du2 * dv1.
+//     out = normalised((dv2 * e1 - dv1 * e2) / det)
+//     det = du1 * dv2 - du2 * dv1
+// with the edges e1, e2 from corner 0 and their texture steps (du1, dv1), (du2, dv2).
 // (1, 0, 0) where det is nearer to 0 than 0.0001; the zero vector for a triangle without extent.
 QUILLON_API void __tarn_find_tangent_from_tri(quillon::cVector3D& out,
                                               const quillon::cVector3D* positions,
@@ -21,6 +22,6 @@ QUILLON_API void __tarn_find_tangent_from_tri(quillon::cVector3D& out,
 // tangent of the polygon's corners 0, 1 and 2. Nothing is smoothed across polygons.
 //
 // A cache without positions, texcoords or tangents, or with fewer than 3 corners for each polygon,
-// is left alone.
+// is unchanged.
 QUILLON_API void __mGraphics_render_cache_calc_tangents(quillon::cRenderCache* cache);
 }

@@ -12,7 +12,7 @@
 
 namespace quillon::simd {
 
-// `value` truncated toward zero; the least integer for what fits none, a NaN among them.
+// `value` truncated toward zero; the least integer for a value beyond 64 bits or NaN.
 QUILLON_KERNEL inline std::int64_t truncated(double value) {
 #if defined(__SSE2__) && defined(__x86_64__)
     return _mm_cvttsd_si64(_mm_set_sd(value));

@@ -1,4 +1,4 @@
-// Two ways for floats to reach memory: through the cache, or past it.
+// Cached and streaming stores of floats.
 #pragma once
 
 #include <cstddef>
@@ -11,22 +11,22 @@
 
 namespace quillon::simd {
 
-// Four floats are stored at once, at an address that is a multiple of ALIGNMENT.
+// Four floats are stored at once, at an address that is a multiple of STORE_ALIGNMENT.
 inline constexpr std::size_t STORE_ALIGNMENT = 4 * sizeof(float);
 
 inline bool is_store_aligned(const float* to) {
     return reinterpret_cast<std::uintptr_t>(to) % STORE_ALIGNMENT == 0;
 }
 
-// Stores through the cache: for what is read again soon.
+// Stores through the cache: for data that is read again soon.
 struct CachedStores {
     static void put(float* to, const float* four) { std::memcpy(to, four, STORE_ALIGNMENT); }
 };
 
 #if defined(__SSE2__)
 
-// Stores past the cache, which saves reading the lines that are overwritten whole: for more than
-// the cache holds. Where a platform offers no such store it is the cached one.
+// Stores past the cache, which saves reading lines that are overwritten whole: for more data than
+// the cache holds. On other targets it is the cached store.
 struct StreamingStores {
     static void put(float* to, const float* four) { _mm_stream_ps(to, _mm_loadu_ps(four)); }
 };
