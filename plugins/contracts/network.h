@@ -16,6 +16,10 @@ namespace quillon {
 
 using PeerHandle = std::uint32_t;
 
+// The init parameter that names the address to listen on, as "127.0.0.1"; without it, all addresses
+// of the machine.
+inline constexpr const char* NETWORK_ADDRESS = "NETWORK ADDRESS";
+
 inline constexpr std::uint32_t MAX_NETWORK_PEERS = 32;
 inline constexpr std::uint32_t MAX_NETWORK_MESSAGE_BYTES = 1U << 16;
 
@@ -50,11 +54,13 @@ struct Network {
     // Lets peers join on a UDP port (0: one that is free, see `port`) if they name the same
     // protocol, a number of the game's choice.
     bool (*host)(std::uint16_t port, std::uint32_t max_peers, std::uint32_t protocol) = nullptr;
-    // Begins to join a host, by name or address. `poll` reports JOINED within `seconds`, or LEFT
-    // with the reason: unreachable, another protocol, full.
+    // Begins to join a host, by name or address, once it has looked the name up. `poll` reports
+    // JOINED within `seconds`, or LEFT with the reason: unreachable, another protocol, full. After
+    // that LEFT this side may join or host again.
     PeerHandle (*join)(const char* address, std::uint16_t port, std::uint32_t protocol,
                        double seconds) = nullptr;
-    // Tells all peers and ends the hosting or the joining; does nothing if there is none.
+    // Tells all peers and ends the hosting or the joining; does nothing if there is none. Waits up
+    // to a quarter of a second for the peers.
     void (*leave)() = nullptr;
     // Drops one peer; `poll` reports LEFT on both sides.
     void (*drop)(PeerHandle peer) = nullptr;
@@ -74,7 +80,7 @@ struct Network {
     double (*get_round_trip)(PeerHandle peer) = nullptr;
     // The UDP port of this side, or 0.
     std::uint16_t (*get_port)() = nullptr;
-    // Bytes that were sent and received since `host` or `join`, with all headers of the protocol.
+    // Bytes that were sent and received since `host` or `join`, with the headers of UDP and IP.
     void (*get_traffic)(std::uint64_t& sent, std::uint64_t& received) = nullptr;
 
     void* reserved_12_to_20[9] = {};
