@@ -78,7 +78,8 @@ struct Atmosphere {
 // The values of cLight::light_flag; any other is as LIGHT_OFF.
 //
 // A light reaches a surface with diffuse, specular and ambient times its intensity. That of a point
-// falls off with the distance d by 1 / (constant + linear d + quadratic d^2); with a spot_cutoff
+// falls off with the distance d by 1 / (constant + linear d + quadratic d^2), less 1 / 256 so that
+// it ends: what is beyond costs nothing, a mesh of small parts less than one. With a spot_cutoff
 // below 90 degrees it fills the cone of that half angle about its direction only, and fades from
 // the axis by the cosine to the power of spot_exponent.
 enum LightFlag : std::uint8_t {

@@ -5,12 +5,13 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <span>
 #include <stdexcept>
 
 namespace quillon::graphics_gl {
 namespace {
 
-constexpr std::uint32_t MAX_VERTICES = 1U << 24;
+constexpr std::uint32_t MAX_CORNERS = 1U << 24;
 
 constexpr AttributePart MESH_LAYOUT[] = {
     {3, offsetof(MeshVertex, position)}, {3, offsetof(MeshVertex, normal)},
@@ -30,13 +31,12 @@ float dot(const Float3& a, const Float3& b) {
     return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
 }
 
-void check(const cRenderCache* cache) {
-    if (cache->positions == nullptr)
+void check(const cRenderCache& cache) {
+    if (cache.positions == nullptr)
         throw std::runtime_error("the render cache has no positions");
-    if (cache->verts_per_poly < 3)
+    if (cache.verts_per_poly < 3)
         throw std::runtime_error("the polygons of the render cache have fewer than 3 corners");
-    const std::uint64_t triangles = std::uint64_t{cache->poly_count} * (cache->verts_per_poly - 2);
-    if (triangles * 3 > MAX_VERTICES)
+    if (std::uint64_t{cache.poly_count} * cache.verts_per_poly > MAX_CORNERS)
         throw std::runtime_error("the render cache has too many corners for one mesh");
 }
 
@@ -90,6 +90,19 @@ void complete(const cRenderCache& cache, std::span<MeshVertex> polygon) {
         vertex.tangent[3] = side;
 }
 
+// Each polygon as triangles around its first corner.
+std::vector<std::uint32_t> fans_of(const cRenderCache& cache) {
+    const std::uint32_t corners = cache.verts_per_poly;
+    std::vector<std::uint32_t> fans;
+    fans.reserve(std::size_t{cache.poly_count} * (corners - 2) * 3);
+    for (std::uint32_t polygon = 0; polygon < cache.poly_count; ++polygon)
+        for (std::uint32_t corner = 1; corner + 1 < corners; ++corner) {
+            const std::uint32_t first = polygon * corners;
+            fans.insert(fans.end(), {first, first + corner, first + corner + 1});
+        }
+    return fans;
+}
+
 // Around the middle of the box: not the smallest sphere, but found in two passes.
 Bounds bounds_of(std::span<const MeshVertex> vertices) {
     if (vertices.empty())
@@ -112,39 +125,38 @@ Bounds bounds_of(std::span<const MeshVertex> vertices) {
 
 } // namespace
 
-std::vector<MeshVertex> triangles_of(const cRenderCache& cache) {
-    check(&cache);
-    const std::size_t corners = cache.verts_per_poly;
-    std::vector<MeshVertex> triangles;
-    triangles.reserve(cache.poly_count * (corners - 2) * 3);
-    std::vector<MeshVertex> polygon(corners);
-    for (std::size_t i = 0; i < cache.poly_count; ++i) {
-        for (std::size_t corner = 0; corner < corners; ++corner)
-            polygon[corner] = corner_of(cache, i * corners + corner);
-        complete(cache, polygon);
-        for (std::size_t corner = 1; corner + 1 < corners; ++corner)
-            triangles.insert(triangles.end(), {polygon[0], polygon[corner], polygon[corner + 1]});
-    }
-    return triangles;
+std::vector<MeshVertex> corners_of(const cRenderCache& cache) {
+    check(cache);
+    const std::size_t corners = std::size_t{cache.poly_count} * cache.verts_per_poly;
+    std::vector<MeshVertex> vertices;
+    vertices.reserve(corners);
+    for (std::size_t corner = 0; corner < corners; ++corner)
+        vertices.push_back(corner_of(cache, corner));
+    for (std::size_t first = 0; first < corners; first += cache.verts_per_poly)
+        complete(cache, std::span(vertices).subspan(first, cache.verts_per_poly));
+    return vertices;
 }
 
-Mesh::Mesh(const cRenderCache& cache) : attributes(make_vertex_array()), vertices(make_buffer()) {
+Mesh::Mesh(const cRenderCache& cache)
+    : attributes(make_vertex_array()), vertices(make_buffer()), indices(make_buffer()) {
     replace(cache);
     set_layout<MeshVertex>(attributes, vertices, MESH_LAYOUT);
+    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, indices.get());
 }
 
 void Mesh::replace(const cRenderCache& cache) {
-    const std::vector<MeshVertex> triangles = triangles_of(cache);
-    glBindBuffer(GL_ARRAY_BUFFER, vertices.get());
-    upload_vertices(triangles, GL_STATIC_DRAW);
-    vertex_count = static_cast<std::uint32_t>(triangles.size());
-    sphere = bounds_of(triangles);
+    const std::vector<MeshVertex> corners = corners_of(cache);
+    const std::vector<std::uint32_t> fans = fans_of(cache);
+    upload(vertices, corners, GL_STATIC_DRAW);
+    upload(indices, fans, GL_STATIC_DRAW);
+    index_count = static_cast<std::uint32_t>(fans.size());
+    sphere = bounds_of(corners);
     can_be_bumped = cache.tangents != nullptr && cache.texcoords != nullptr;
 }
 
 void Mesh::draw() const {
     glBindVertexArray(attributes.get());
-    glDrawArrays(GL_TRIANGLES, 0, static_cast<GLsizei>(vertex_count));
+    glDrawElements(GL_TRIANGLES, static_cast<GLsizei>(index_count), GL_UNSIGNED_INT, nullptr);
 }
 
 } // namespace quillon::graphics_gl

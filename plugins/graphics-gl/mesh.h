@@ -27,9 +27,10 @@ struct MeshVertex {
     std::array<float, 4> color;
 };
 
-// Cuts each polygon into triangles around its first corner. Throws std::runtime_error for a cache
-// that cannot be drawn.
-std::vector<MeshVertex> triangles_of(const cRenderCache& cache);
+// The corners of a cache, with what it does not hold filled in.
+//
+// Throws std::runtime_error for a cache that cannot be drawn.
+std::vector<MeshVertex> corners_of(const cRenderCache& cache);
 
 class Mesh {
 public:
@@ -38,7 +39,7 @@ public:
     void replace(const cRenderCache& cache);
     void draw() const;
 
-    std::uint32_t triangle_count() const { return vertex_count / 3; }
+    std::uint32_t triangle_count() const { return index_count / 3; }
 
     const Bounds& bounds() const { return sphere; }
 
@@ -48,7 +49,8 @@ public:
 private:
     GlVertexArray attributes;
     GlBuffer vertices;
-    std::uint32_t vertex_count = 0;
+    GlBuffer indices;
+    std::uint32_t index_count = 0;
     Bounds sphere{};
     bool can_be_bumped = false;
 };

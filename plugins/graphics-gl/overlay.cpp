@@ -123,8 +123,7 @@ void Overlay::draw(PixelSize surface) {
     glUniform2f(program.uniform("surface"), static_cast<float>(surface.width),
                 static_cast<float>(surface.height));
     glBindVertexArray(attributes.get());
-    glBindBuffer(GL_ARRAY_BUFFER, buffer.get());
-    upload_vertices(vertices, GL_STREAM_DRAW);
+    upload(buffer, vertices, GL_STREAM_DRAW);
     glDisable(GL_DEPTH_TEST);
     glEnable(GL_BLEND);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);

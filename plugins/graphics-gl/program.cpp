@@ -48,7 +48,9 @@ void Program::set_sampler(const char* sampler, GLint unit) const {
 }
 
 void Program::set_block(const char* block, GLuint binding) const {
-    glUniformBlockBinding(name.get(), glGetUniformBlockIndex(name.get(), block), binding);
+    const GLuint index = glGetUniformBlockIndex(name.get(), block);
+    if (index != GL_INVALID_INDEX)
+        glUniformBlockBinding(name.get(), index, binding);
 }
 
 } // namespace quillon::graphics_gl

@@ -20,6 +20,7 @@ public:
     }
 
     // For the program in use: reads a sampler from a texture unit, a block from a binding point.
+    // One that the program does not use is left out.
     void set_sampler(const char* sampler, GLint unit) const;
     void set_block(const char* block, GLuint binding) const;
 

@@ -1,21 +1,15 @@
 #include "scene.h"
 
+#include "scene_program.h"
 #include "shaders.h"
 #include "vertex_layout.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <string>
 
 namespace quillon::graphics_gl {
 namespace {
-
-// The texture units and the binding points of the uniform blocks.
-constexpr GLint PICTURE_UNIT = 0;
-constexpr GLint NORMAL_UNIT = 1;
-constexpr GLuint FRAME_BINDING = 0;
-constexpr GLuint LIGHT_BINDING = 1;
 
 // Laid out by the rules of std140.
 struct FrameBlock {
@@ -26,15 +20,6 @@ struct FrameBlock {
     Float4 nadir;
     Float4 fog;
 };
-
-std::string vertex_source(const char* main) {
-    return std::string(FRAME_BLOCK) + main;
-}
-
-std::string fragment_source(const char* main) {
-    return std::string(FRAME_BLOCK) + "#define MAX_LIGHTS " + std::to_string(MAX_LIGHTS) + "\n" +
-           SKY_FUNCTIONS + main;
-}
 
 GlBuffer make_block(GLuint binding, std::size_t size) {
     GlBuffer buffer = make_buffer();
@@ -110,20 +95,13 @@ double largest_scale(const MeshDrawing& drawing) {
 } // namespace
 
 Scene::Scene()
-    : sky(vertex_source(SKY_VERTEX), fragment_source(SKY_FRAGMENT)),
-      mesh_program(vertex_source(MESH_VERTEX), fragment_source(MESH_FRAGMENT)),
-      plain(vertex_source(PLAIN_VERTEX), fragment_source(PLAIN_FRAGMENT)),
+    : sky(make_scene_program(SKY_VERTEX, SKY_FRAGMENT)),
+      plain(make_scene_program(PLAIN_VERTEX, PLAIN_FRAGMENT)),
       frame_block(make_block(FRAME_BINDING, sizeof(FrameBlock))),
       light_block(make_block(LIGHT_BINDING, sizeof(LightBlock))),
       no_attributes(make_vertex_array()),
       plain_attributes(make_vertex_array()),
       plain_buffer(make_buffer()) {
-    for (const Program* program : {&sky, &mesh_program, &plain})
-        program->set_block("Frame", FRAME_BINDING);
-    mesh_program.set_block("Lights", LIGHT_BINDING);
-    mesh_program.use();
-    mesh_program.set_sampler("picture", PICTURE_UNIT);
-    mesh_program.set_sampler("normal_picture", NORMAL_UNIT);
     constexpr AttributePart PLAIN_LAYOUT[] = {{3, offsetof(PlainVertex, position)},
                                               {2, offsetof(PlainVertex, texcoord)},
                                               {4, offsetof(PlainVertex, color)}};
@@ -132,7 +110,8 @@ Scene::Scene()
 
 void Scene::begin(const View& seen_from, const Atmosphere& atmosphere) {
     view = seen_from;
-    lights_are_new = true;
+    frame_lights = FrameLights(lights, view);
+    has_fog = fog_of(atmosphere)[1] > 0.0F;
     counts = {};
     write_block(frame_block, FrameBlock{.view_projection = view.projection(),
                                         .sky_rays = view.sky_rays(),
@@ -150,44 +129,40 @@ void Scene::begin(const View& seen_from, const Atmosphere& atmosphere) {
 
 void Scene::set_lights(std::span<const cLight> new_lights) {
     lights.assign(new_lights.begin(), new_lights.end());
-    lights_are_new = true;
+    frame_lights = FrameLights(lights, view);
+}
+
+void Scene::use_lights(const LightBlock& block) {
+    if (block == used_lights)
+        return;
+    write_block(light_block, block);
+    used_lights = block;
 }
 
 void Scene::draw(const MeshDrawing& drawing, const Mesh& mesh, const SceneTextures& textures) {
-    const Matrix4 model = model_of(drawing, view.relative(drawing.position));
-    if (!view.may_see(moved(model, mesh.bounds().center),
-                      mesh.bounds().radius * largest_scale(drawing)))
+    const MeshPlace place = {model_of(drawing, view.relative(drawing.position)),
+                             normal_model_of(drawing)};
+    const Float3 center = moved(place.model, mesh.bounds().center);
+    const double radius = mesh.bounds().radius * largest_scale(drawing);
+    if (!view.may_see(center, radius))
         return;
-    if (lights_are_new)
-        write_block(light_block, block_of(lights, view));
-    lights_are_new = false;
-    mesh_program.use();
-    const Matrix3 normal_model = normal_model_of(drawing);
-    glUniformMatrix4fv(mesh_program.uniform("model"), 1, GL_FALSE, model[0].data());
-    glUniformMatrix3fv(mesh_program.uniform("normal_model"), 1, GL_FALSE, normal_model[0].data());
-    set_material(drawing);
-    glUniform1i(mesh_program.uniform("has_normal_map"),
-                drawing.normal_map != 0 && mesh.has_tangents() ? 1 : 0);
+    const cMaterial& material = drawing.material != nullptr ? *drawing.material : MATERIAL_DEFAULT;
+    mesh_programs
+        .get({.is_lit = drawing.is_lit,
+              .has_picture = drawing.texture != 0,
+              .has_normal_map = drawing.normal_map != 0 && mesh.has_tangents(),
+              .has_shine = material.shininess > 0.0F,
+              .has_cones = frame_lights.have_cones(),
+              .has_fog = has_fog})
+        .use(place, material);
+    if (drawing.is_lit)
+        use_lights(frame_lights.reaching(center, radius));
     bind_texture(NORMAL_UNIT, textures.normal_map);
     bind_texture(PICTURE_UNIT, textures.picture);
     set_blend(drawing.blend);
     mesh.draw();
-    count(mesh.triangle_count());
-}
-
-void Scene::set_material(const MeshDrawing& drawing) const {
-    const cMaterial& material = drawing.material != nullptr ? *drawing.material : MATERIAL_DEFAULT;
-    const auto values = drawing.is_lit ? linear_values_of : values_of;
-    const auto set = [this](const char* name, const Float4& value) {
-        glUniform4fv(mesh_program.uniform(name), 1, value.data());
-    };
-    Float4 specular = values(material.specular);
-    specular[3] = material.shininess;
-    glUniform1i(mesh_program.uniform("is_lit"), drawing.is_lit ? 1 : 0);
-    set("ambient", values(material.ambient));
-    set("diffuse", values(material.diffuse));
-    set("specular_and_shininess", specular);
-    set("emission", values(material.emission));
+    counts.triangles += mesh.triangle_count();
+    ++counts.draw_calls;
 }
 
 void Scene::draw_lines(std::span<const cVector3D> points, const cColor& color) {
@@ -214,20 +189,14 @@ void Scene::draw(const SpriteDrawing& drawing, GLuint picture) {
 }
 
 void Scene::draw_plain(GLenum kind, const std::vector<PlainVertex>& corners, Blend blend,
-                       bool has_fog) {
+                       bool takes_fog) {
     plain.use();
-    glUniform1i(plain.uniform("has_fog"), has_fog ? 1 : 0);
+    glUniform1i(plain.uniform("has_fog"), takes_fog && has_fog ? 1 : 0);
     glUniform1i(plain.uniform("adds_light"), blend == Blend::Add ? 1 : 0);
     set_blend(blend);
     glBindVertexArray(plain_attributes.get());
-    glBindBuffer(GL_ARRAY_BUFFER, plain_buffer.get());
-    upload_vertices(corners, GL_STREAM_DRAW);
+    upload(plain_buffer, corners, GL_STREAM_DRAW);
     glDrawArrays(kind, 0, static_cast<GLsizei>(corners.size()));
-    ++counts.draw_calls;
-}
-
-void Scene::count(std::size_t triangles) {
-    counts.triangles += static_cast<std::uint32_t>(triangles);
     ++counts.draw_calls;
 }
 

@@ -3,6 +3,7 @@
 
 #include "lights.h"
 #include "mesh.h"
+#include "mesh_program.h"
 #include "picture.h"
 #include "program.h"
 #include "view.h"
@@ -42,18 +43,20 @@ private:
     };
 
     void draw_plain(GLenum kind, const std::vector<PlainVertex>& corners, Blend blend,
-                    bool has_fog);
-    void set_material(const MeshDrawing& drawing) const;
-    void count(std::size_t triangles);
+                    bool takes_fog);
+    // Writes the lights that the program in use reads, if they are others than before.
+    void use_lights(const LightBlock& block);
 
     View view;
+    bool has_fog = false;
     std::vector<cLight> lights;
-    bool lights_are_new = true;
+    FrameLights frame_lights;
+    LightBlock used_lights{};
     FrameFigures counts;
 
     Program sky;
-    Program mesh_program;
     Program plain;
+    MeshPrograms mesh_programs;
     GlBuffer frame_block;
     GlBuffer light_block;
     GlVertexArray no_attributes;

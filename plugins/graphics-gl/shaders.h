@@ -1,4 +1,4 @@
-// The four programs in GLSL 3.30. Positions are relative to the camera, so that 32-bit floats are
+// The programs in GLSL 3.30. Positions are relative to the camera, so that 32-bit floats are
 // precise wherever in the world it is.
 #pragma once
 
@@ -12,7 +12,7 @@ layout(std140) uniform Frame {
     vec4 zenith;
     vec4 horizon;
     vec4 nadir;
-    vec4 fog; // start, 1 / (end - start)
+    vec4 fog; // start, 1 / (end - start), or 0 for no fog
 };
 )";
 
@@ -78,28 +78,28 @@ void main() {
 }
 )";
 
-// Blinn's halfway vector (1977) for the highlights. The conversions between sRGB and linear light
-// stay within a hundredth of its curve and need one power function instead of four.
+// What the driver computes, it computes for every pixel, so each program holds only what its
+// drawings need: IS_LIT, HAS_PICTURE, HAS_NORMAL_MAP, HAS_SHINE, HAS_CONES and HAS_FOG are defined
+// or not. Blinn's halfway vector (1977) for the highlights. The conversions between sRGB and linear
+// light are sums of powers and of roots, within a hundredth of the curve.
 inline constexpr const char* MESH_FRAGMENT = R"(
 struct Light {
-    vec4 place_and_kind;
-    vec4 direction_and_cutoff; // the cosine
+    vec4 place; // or the direction to a light that is far away
+    vec4 axis_and_cutoff; // of its cone, the cosine
     vec4 diffuse_and_exponent;
     vec4 specular;
     vec4 ambient;
     vec4 attenuation;
 };
 layout(std140) uniform Lights {
-    Light lights[MAX_LIGHTS];
-    ivec4 light_count;
+    Light lights[MAX_LIGHTS]; // those that are far away first
+    ivec4 light_counts; // of those, and of all
 };
-uniform bool is_lit;
 // The material: in linear light where it is lit, otherwise as shown.
 uniform vec4 ambient;
 uniform vec4 diffuse;
 uniform vec4 specular_and_shininess;
 uniform vec4 emission;
-uniform bool has_normal_map;
 uniform sampler2D picture;
 uniform sampler2D normal_picture;
 in vec3 place;
@@ -109,62 +109,82 @@ in vec2 surface_texcoord;
 in vec4 surface_color;
 out vec4 shown;
 
+#ifdef IS_LIT
 vec3 to_linear(vec3 color) {
     return color * (color * (color * 0.305306011 + 0.682171111) + 0.012522878);
 }
 vec3 to_shown(vec3 light) {
-    return max(1.055 * pow(max(light, 0.0), vec3(0.416666667)) - 0.055, 0.0);
+    vec3 root2 = sqrt(max(light, 0.0));
+    vec3 root4 = sqrt(root2);
+    vec3 root8 = sqrt(root4);
+    return max(0.662002687 * root2 + 0.684122060 * root4 - 0.323583601 * root8 -
+               0.0225411470 * light, 0.0);
 }
 vec3 bumped_normal() {
     vec3 normal = normalize(surface_normal);
-    if (!has_normal_map)
-        return normal;
+#ifdef HAS_NORMAL_MAP
     vec3 along = surface_tangent.xyz - normal * dot(normal, surface_tangent.xyz);
-    if (dot(along, along) < 1e-12)
-        return normal;
-    along = normalize(along);
+    along *= inversesqrt(max(dot(along, along), 1e-12));
     vec3 across = cross(normal, along) * surface_tangent.w;
     vec3 bump = texture(normal_picture, surface_texcoord).xyz * (255.0 / 128.0) - 1.0;
-    return normalize(along * bump.x + across * bump.y + normal * bump.z);
+    normal = normalize(along * bump.x + across * bump.y + normal * bump.z);
+#endif
+    return normal;
+}
+// `painted` is what the surface reflects of all light but highlights.
+vec3 reflected(Light light, vec3 painted, vec3 normal, vec3 to_light, vec3 to_camera) {
+    float facing = max(dot(normal, to_light), 0.0);
+    vec3 sum = painted * (light.ambient.rgb * ambient.rgb +
+                          light.diffuse_and_exponent.rgb * diffuse.rgb * facing);
+#ifdef HAS_SHINE
+    float shine = max(dot(normal, normalize(to_light + to_camera)), 1e-6);
+    sum += light.specular.rgb * specular_and_shininess.rgb *
+           (facing > 0.0 ? pow(shine, specular_and_shininess.w) : 0.0);
+#endif
+    return sum;
 }
 float strength(Light light, vec3 to_light, float distance) {
     vec3 falls = light.attenuation.xyz;
     float reached = 1.0 / max(falls.x + distance * (falls.y + distance * falls.z), 1e-6);
-    float axis = dot(-to_light, light.direction_and_cutoff.xyz);
-    if (light.direction_and_cutoff.w < -1.0)
-        return reached;
-    return axis < light.direction_and_cutoff.w
-        ? 0.0 : reached * pow(max(axis, 0.0), light.diffuse_and_exponent.w);
+    reached = max(reached - LIGHT_END, 0.0);
+#ifdef HAS_CONES
+    float axis = dot(-to_light, light.axis_and_cutoff.xyz);
+    if (light.axis_and_cutoff.w >= -1.0)
+        reached *= axis < light.axis_and_cutoff.w
+            ? 0.0 : pow(max(axis, 1e-6), light.diffuse_and_exponent.w);
+#endif
+    return reached;
 }
 vec3 lit(vec3 painted) {
     vec3 normal = bumped_normal();
     vec3 to_camera = normalize(-place);
-    vec3 sum = vec3(0.0);
-    for (int i = 0; i < light_count.x; ++i) {
-        Light light = lights[i];
-        bool is_far = light.place_and_kind.w > 1.5;
-        vec3 way = light.place_and_kind.xyz - place;
-        float distance = is_far ? 0.0 : length(way);
-        vec3 to_light = is_far ? -light.direction_and_cutoff.xyz : way / max(distance, 1e-6);
-        float reached = is_far ? 1.0 : strength(light, to_light, distance);
-        if (reached < 1e-3)
-            continue;
-        float facing = max(dot(normal, to_light), 0.0);
-        sum += painted * reached * (light.ambient.rgb * ambient.rgb +
-                                    light.diffuse_and_exponent.rgb * diffuse.rgb * facing);
-        if (facing > 0.0 && specular_and_shininess.w > 0.0) {
-            float shine = max(dot(normal, normalize(to_light + to_camera)), 0.0);
-            sum += light.specular.rgb * specular_and_shininess.rgb *
-                   pow(shine, specular_and_shininess.w) * reached;
-        }
+    vec3 sum = emission.rgb;
+    for (int i = 0; i < light_counts.x; ++i)
+        sum += reflected(lights[i], painted, normal, lights[i].place.xyz, to_camera);
+    for (int i = light_counts.x; i < light_counts.y; ++i) {
+        vec3 way = lights[i].place.xyz - place;
+        float distance = sqrt(max(dot(way, way), 1e-12));
+        vec3 to_light = way / distance;
+        sum += reflected(lights[i], painted, normal, to_light, to_camera) *
+               strength(lights[i], to_light, distance);
     }
     return sum;
 }
+#endif
 void main() {
-    vec4 painted = texture(picture, surface_texcoord) * surface_color;
-    vec3 color = is_lit ? to_shown(lit(to_linear(painted.rgb)) + emission.rgb)
-                        : painted.rgb * diffuse.rgb + emission.rgb;
-    shown = vec4(fogged(color, place), painted.a * diffuse.a);
+    vec4 painted = surface_color;
+#ifdef HAS_PICTURE
+    painted *= texture(picture, surface_texcoord);
+#endif
+#ifdef IS_LIT
+    vec3 color = to_shown(lit(to_linear(painted.rgb)));
+#else
+    vec3 color = painted.rgb * diffuse.rgb + emission.rgb;
+#endif
+#ifdef HAS_FOG
+    color = fogged(color, place);
+#endif
+    shown = vec4(color, painted.a * diffuse.a);
 }
 )";
 

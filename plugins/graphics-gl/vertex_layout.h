@@ -27,11 +27,13 @@ void set_layout(const GlVertexArray& attributes, const GlBuffer& vertices,
     }
 }
 
-// To the bound buffer. Throws std::runtime_error if the driver has no memory for them.
-template <typename Vertex>
-void upload_vertices(const std::vector<Vertex>& vertices, GLenum usage) {
-    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(vertices.size() * sizeof(Vertex)),
-                 vertices.data(), usage);
+// Replaces the contents of a buffer of vertices or indices. Throws std::runtime_error if the driver
+// has no memory for them.
+template <typename Element>
+void upload(const GlBuffer& buffer, const std::vector<Element>& elements, GLenum usage) {
+    glBindBuffer(GL_ARRAY_BUFFER, buffer.get());
+    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(elements.size() * sizeof(Element)),
+                 elements.data(), usage);
     if (glGetError() == GL_OUT_OF_MEMORY)
         throw std::runtime_error("the driver has no memory for so many vertices");
 }
