@@ -21,8 +21,8 @@ layout(std140) uniform Frame {
 inline constexpr const char* SKY_FUNCTIONS = R"(
 vec3 sky(vec3 direction) {
     float height = normalize(direction).y;
-    vec3 far = height < 0.0 ? nadir.rgb : zenith.rgb;
-    return mix(horizon.rgb, far, sqrt(abs(height)));
+    float rest = 1.0 - abs(height);
+    return mix(height < 0.0 ? nadir.rgb : zenith.rgb, horizon.rgb, rest * rest * rest * rest);
 }
 vec3 dithered(vec3 color) {
     float noise = fract(52.9829189 * fract(dot(gl_FragCoord.xy, vec2(0.06711056, 0.00583715))));
