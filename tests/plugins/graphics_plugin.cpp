@@ -1,0 +1,92 @@
+#include "graphics_plugin.h"
+
+#include "quillon/platform/loader.h"
+#include "quillon/rendercache/tangents.h"
+
+#include <cmath>
+#include <stdexcept>
+
+using namespace quillon;
+
+const Graphics& graphics() {
+    static const Graphics* const table = [] {
+        void* const library = platform::load_library(GRAPHICS_FILE);
+        const auto find = [library](const char* name) {
+            return platform::find_function(library, name);
+        };
+        DSPrefHashMap<void> no_parameters;
+        if (!reinterpret_cast<bool (*)(DSPrefHashMap<void>*)>(find("initialize"))(&no_parameters))
+            throw std::runtime_error("graphics-gl finds no display and no offscreen driver");
+        static Graphics filled;
+        reinterpret_cast<void (*)(void**)>(find("connect_graphics_interface"))(
+            reinterpret_cast<void**>(&filled));
+        return &filled;
+    }();
+    return *table;
+}
+
+void GraphicsTest::SetUp() {
+    ASSERT_TRUE(graphics().open({.width = WIDTH, .height = HEIGHT, .offscreen = true}))
+        << graphics().last_error();
+}
+
+Frame frame_of(const Camera& camera, const std::function<void()>& draw) {
+    EXPECT_TRUE(graphics().begin_frame(camera)) << graphics().last_error();
+    draw();
+    EXPECT_TRUE(graphics().end_frame()) << graphics().last_error();
+    Surface surface;
+    graphics().get_surface(surface);
+    Frame frame = {surface.width, {}};
+    frame.pixels.resize(std::size_t{surface.width} * surface.height * 4);
+    EXPECT_TRUE(graphics().read_frame(frame.pixels.data(), surface.width, surface.height))
+        << graphics().last_error();
+    return frame;
+}
+
+Camera camera_before_place() {
+    Camera camera;
+    camera.position = PLACE + cVector3D(0.0, 0.0, -3.0);
+    return camera;
+}
+
+Cache square(bool is_mirrored) {
+    const cVector3D positions[] = {{-1, -1, 0}, {-1, 1, 0}, {1, 1, 0}, {1, -1, 0}};
+    const double top = is_mirrored ? 1.0 : 0.0;
+    const cVector2D<double> texcoords[] = {{0, 1 - top}, {0, top}, {1, top}, {1, 1 - top}};
+    Cache cache(__mGraphics_create_render_cache(1, 4, true, false, true, false));
+    __mGraphics_modify_render_cache_from_verts(cache.get(), positions, texcoords, nullptr, nullptr);
+    __mGraphics_render_cache_calc_tangents(cache.get());
+    return cache;
+}
+
+Cache sphere() {
+    constexpr std::uint32_t RINGS = 12;
+    constexpr std::uint32_t SECTORS = 2 * RINGS;
+    std::vector<cVector3D> corners;
+    std::vector<cVector2D<double>> texcoords;
+    const auto add = [&](std::uint32_t ring, std::uint32_t sector) {
+        const double latitude = M_PI * ring / RINGS;
+        const double longitude = M_PI * sector / RINGS;
+        corners.emplace_back(std::sin(latitude) * std::cos(longitude), std::cos(latitude),
+                             std::sin(latitude) * std::sin(longitude));
+        texcoords.emplace_back(static_cast<double>(sector) / SECTORS,
+                               static_cast<double>(ring) / RINGS);
+    };
+    for (std::uint32_t ring = 0; ring < RINGS; ++ring)
+        for (std::uint32_t sector = 0; sector < SECTORS; ++sector) {
+            add(ring, sector);
+            add(ring, sector + 1);
+            add(ring + 1, sector + 1);
+            add(ring + 1, sector);
+        }
+    Cache cache(__mGraphics_create_render_cache(RINGS * SECTORS, 4, true, true, false, false));
+    __mGraphics_modify_render_cache_from_verts(cache.get(), corners.data(), texcoords.data(),
+                                               corners.data(), nullptr);
+    return cache;
+}
+
+PictureHandle upload(const std::vector<std::uint8_t>& pixels, std::uint16_t width,
+                     std::uint16_t height) {
+    return graphics().upload_picture(pixels.data(), width, height,
+                                     {.smooth = false, .repeat = false});
+}
