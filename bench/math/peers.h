@@ -1,5 +1,5 @@
-// What the library's rotations and splines are timed beside: two peers and the plain versions, in a
-// shared library of their own, so that all of them are called over the same kind of border.
+// The peers and plain versions that rotations and splines are timed beside, in a shared library of
+// their own, so that all calls cross the same kind of border.
 #pragma once
 
 #include "tests/reference/math.h"
@@ -23,8 +23,8 @@ void rotate(Eigen::Vector3d& v, const Eigen::Matrix3d& m);
 void rotate(quillon::cVector3D& v, const quillon::cMatrix3D& m);
 void rotate(quillon::cVector3D& v, const quillon::cQuaternion& q);
 
-// The same where the compiler doesn't see through the indexed access to the matrix: as it is when
-// operator[] stands in a source file of its own.
+// The same where the compiler cannot inline the indexed access to the matrix, as if operator[] were
+// in a source file of its own.
 void rotate_indexed(quillon::cVector3D& v, const quillon::cQuaternion& q);
 
 void slerp(glm::dquat& q, const glm::dquat& a, const glm::dquat& b, double t);

@@ -13,7 +13,7 @@ using quillon::cVector3D;
 
 namespace {
 
-constexpr int items = 256;
+constexpr int ITEMS = 256;
 
 Eigen::Quaterniond random_rotation() {
     static std::mt19937 generator(1);
@@ -48,47 +48,47 @@ void assign(cMatrix3D& m, const Eigen::Quaterniond& r) {
         m[i] = rotation(i / 3, i % 3);
 }
 
-template <class Vector>
+template <typename Vector>
 void assign(Vector& v, const Eigen::Quaterniond& r) {
     for (int i = 0; i < 3; ++i)
         v[i] = r.coeffs()[i];
 }
 
-template <class Object>
-std::array<Object, items> random_items() {
-    std::array<Object, items> result;
+template <typename Object>
+std::array<Object, ITEMS> random_items() {
+    std::array<Object, ITEMS> result;
     for (Object& item : result)
         assign(item, random_rotation());
     return result;
 }
 
-// `apply` on each of the objects with an operand; rotations keep them within their sizes for good.
-template <class Object, class Operand, void (*apply)(Object&, const Operand&)>
+// `apply` on each of the objects with an operand; rotations keep them at unit size.
+template <typename Object, typename Operand, void (*apply)(Object&, const Operand&)>
 void in_place(benchmark::State& state) {
     static auto objects = random_items<Object>();
     static const auto operands = random_items<Operand>();
     for (auto _ : state) {
-        for (int i = 0; i < items; ++i)
+        for (int i = 0; i < ITEMS; ++i)
             apply(objects[i], operands[i]);
         benchmark::ClobberMemory();
     }
-    state.SetItemsProcessed(state.iterations() * items);
+    state.SetItemsProcessed(state.iterations() * ITEMS);
 }
 
-template <class Object, void (*apply)(Object&, const Object&, const Object&, double)>
+template <typename Object, void (*apply)(Object&, const Object&, const Object&, double)>
 void blended(benchmark::State& state) {
     static auto results = random_items<Object>();
     static const auto from = random_items<Object>();
     static const auto to = random_items<Object>();
     for (auto _ : state) {
-        for (int i = 0; i < items; ++i)
+        for (int i = 0; i < ITEMS; ++i)
             apply(results[i], from[i], to[i], i / 256.0);
         benchmark::ClobberMemory();
     }
-    state.SetItemsProcessed(state.iterations() * items);
+    state.SetItemsProcessed(state.iterations() * ITEMS);
 }
 
-const bool tables_are_up = (__init_trig_tables(), true);
+const bool TABLES_ARE_FILLED = (__init_trig_tables(), true);
 
 BENCHMARK_TEMPLATE(in_place, cMatrix3D, cMatrix3D, __cMatrix3d_multiply)
     ->Name("matrix_product/quillon");

@@ -1,4 +1,4 @@
-// Smooth values and nearest parameters of a spline beside a plain reading.
+// Smooth values and nearest parameters of a spline beside a plain version.
 #include "bench/math/peers.h"
 
 #include <benchmark/benchmark.h>
@@ -11,7 +11,7 @@ using quillon::cVector3D;
 
 namespace {
 
-constexpr int point_count = 32;
+constexpr int POINT_COUNT = 32;
 
 std::mt19937 generator(1);
 
@@ -21,7 +21,7 @@ double random_number() {
 
 cSpline3D random_path(bool closed) {
     cSpline3D s(closed);
-    for (int i = 0; i < point_count; ++i)
+    for (int i = 0; i < POINT_COUNT; ++i)
         __cSpline3d_add_control_point(s,
                                       cVector3D(random_number(), random_number(), random_number()));
     return s;
@@ -32,7 +32,7 @@ void smooth_value(benchmark::State& state) {
     const cSpline3D s = random_path(state.range(0) != 0);
     std::vector<double> parameters(256);
     for (double& t : parameters)
-        t = (random_number() + 10.0) / 20.0 * (point_count - 1);
+        t = (random_number() + 10.0) / 20.0 * (POINT_COUNT - 1);
     cVector3D out;
     for (auto _ : state)
         for (const double t : parameters) {

@@ -1,4 +1,4 @@
-// Table trigonometry beside the runtime's functions and beside plain readings of the same rules.
+// Table trigonometry beside the runtime's functions and beside plain versions of the same rules.
 #include "quillon/math/physics.h"
 #include "quillon/math/trigonometry.h"
 
@@ -15,8 +15,8 @@ using quillon::TWO_PI;
 
 namespace {
 
-constexpr int angle_count = 1 << 16;     // no branch predictor learns so many by heart
-constexpr int direction_count = 1 << 12; // the caches hold what so many read
+constexpr int ANGLE_COUNT = 1 << 16;     // too many for a branch predictor
+constexpr int DIRECTION_COUNT = 1 << 12; // few enough for the caches
 
 enum Order { shuffled, sorted };
 
@@ -31,7 +31,7 @@ std::vector<double> angles_to(double limit, Order order, int count) {
     return angles;
 }
 
-// The tables as one would fill them without a second thought.
+// The tables filled by a plain loop.
 struct PlainTables {
     std::vector<double> cosines = std::vector<double>(72000);
     std::vector<double> sines = std::vector<double>(72000);
@@ -65,8 +65,8 @@ PlainTables& plain_tables() {
     return tables;
 }
 
-// The look-up as the rule tells it: an array for each function, a loop for the wrap, and the radian
-// form built on the degree form.
+// The look-up by the plain rule: an array for each function, a loop for the wrap, and the radian
+// form calling the degree form.
 [[gnu::noinline]] double plain_degrees(const std::vector<double>& table, double degrees) {
     const double position = degrees * 200.0 + 0.5;
     int i = static_cast<int>(position);
@@ -86,7 +86,7 @@ PlainTables& plain_tables() {
     y = plain_radians(plain_tables().sines, angle);
 }
 
-template <class Float>
+template <typename Float>
 [[gnu::noinline]] void plain_bind(Float& angle) {
     while (angle < 0)
         angle += TWO_PI;
@@ -109,21 +109,21 @@ void init_library(benchmark::State& state) {
 double (*const runtime_cos)(double) = std::cos;
 double (*const runtime_sin)(double) = std::sin;
 
-template <class Function>
+template <typename Function>
 void each_angle(benchmark::State& state, Function function, Order order) {
     __init_trig_tables();
-    const std::vector<double> angles = angles_to(TWO_PI, order, angle_count);
+    const std::vector<double> angles = angles_to(TWO_PI, order, ANGLE_COUNT);
     for ([[maybe_unused]] auto _ : state)
         for (const double& angle : angles)
             benchmark::DoNotOptimize(function(angle));
-    state.SetItemsProcessed(state.iterations() * angle_count);
+    state.SetItemsProcessed(state.iterations() * ANGLE_COUNT);
 }
 
 void each_direction(benchmark::State& state, void (*function)(double, double&, double&),
                     double limit) {
     __init_trig_tables();
     plain_tables().fill();
-    const std::vector<double> angles = angles_to(limit, shuffled, direction_count);
+    const std::vector<double> angles = angles_to(limit, shuffled, DIRECTION_COUNT);
     double x = 0.0;
     double y = 0.0;
     for ([[maybe_unused]] auto _ : state)
@@ -132,7 +132,7 @@ void each_direction(benchmark::State& state, void (*function)(double, double&, d
             benchmark::DoNotOptimize(x);
             benchmark::DoNotOptimize(y);
         }
-    state.SetItemsProcessed(state.iterations() * direction_count);
+    state.SetItemsProcessed(state.iterations() * DIRECTION_COUNT);
 }
 
 void one_angle(benchmark::State& state, double angle) {
@@ -143,7 +143,7 @@ void one_angle(benchmark::State& state, double angle) {
     }
 }
 
-template <class Float>
+template <typename Float>
 void one_bind(benchmark::State& state, void (*function)(Float&), Float angle) {
     volatile Float source = angle;
     for ([[maybe_unused]] auto _ : state) {

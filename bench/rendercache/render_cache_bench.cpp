@@ -1,4 +1,4 @@
-// Unrolling and tangents on a million corners, beside a plain reading and the bare memory traffic.
+// Unrolling and tangents on a million corners, beside a plain version and the bare memory traffic.
 #include "quillon/rendercache/tangents.h"
 #include "quillon/simd/stores.h"
 
@@ -99,7 +99,7 @@ void from_verts(const Model& model) {
                                                model.colors.data());
 }
 
-// Filled once, and written by nobody but the tangents.
+// Filled once; only the tangents are written again.
 template <std::uint32_t corners_per_poly>
 Model& in_polygons() {
     static Model model = [] {
@@ -128,9 +128,9 @@ void plain_write(float* array, std::size_t i, const cColor& color) {
     array[i * 4 + 3] = color.a;
 }
 
-// A plain reading of the contract: polygon by polygon, corner by corner, attribute by attribute.
+// A plain version of the contract: polygon by polygon, corner by corner, attribute by attribute.
 // `element(indices, poly, c)` is the element that corner c of a polygon takes.
-template <class Element>
+template <typename Element>
 [[gnu::noinline]] void plain_unroll(const cRenderCache* cache, const cVector3D* positions,
                                     const TexCoord* texcoords, const cVector3D* normals,
                                     const cColor* colors, const std::uint32_t* const* indices,
@@ -149,7 +149,7 @@ template <class Element>
     }
 }
 
-template <class Element>
+template <typename Element>
 void plain_unroll(const Model& model, Element element) {
     const std::uint32_t* indices[] = {model.indices[0].data(), model.indices[1].data(),
                                       model.indices[2].data(), model.indices[3].data()};
@@ -179,8 +179,8 @@ void from_polys(const Model& model) {
 }
 
 // Fetches the cache line of an element and writes every byte of its entry: the traffic of a
-// conversion and nothing of its work.
-template <std::size_t width, class Source>
+// conversion without its arithmetic.
+template <std::size_t width, typename Source>
 void bare_entry(const Source& source, float* entry) {
     float first;
     std::memcpy(&first, static_cast<const void*>(&source), sizeof(first));
@@ -198,7 +198,7 @@ void bare_traffic(const Model& model) {
 
 // The least that the grid costs, attribute by attribute: each line of the indices and of the
 // elements is fetched once, and each entry written past the cache.
-template <std::size_t width, class Source>
+template <std::size_t width, typename Source>
 void bare_grid_attribute(const std::vector<std::uint32_t>& indices,
                          const std::vector<Source>& sources, float* array) {
     for (std::size_t i = 0; i < CORNERS; i += CORNERS_PER_QUAD) {
@@ -222,7 +222,7 @@ void bare_grid(const Model& model) {
     quillon::simd::finish_streaming();
 }
 
-// A plain reading of the tangents: polygon by polygon through the flat function.
+// A plain version of the tangents: polygon by polygon through the flat function.
 void plain_tangents(const Model& model) {
     const cRenderCache& cache = *model.cache;
     for (std::size_t poly = 0; poly < cache.poly_count; ++poly) {

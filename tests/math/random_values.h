@@ -13,7 +13,7 @@
 
 namespace quillon {
 
-// Numbers from -2 to 2; one in sixteen is a zero, an infinity, no number, very small or very great.
+// Numbers from -2 to 2; one in sixteen is a zero, an infinity, NaN, very small or very great.
 class Numbers {
 public:
     double next() {
@@ -41,8 +41,8 @@ private:
     std::mt19937 engine{20261122};
 };
 
-// Equal bits, where any two values that are no numbers count as equal.
-template <class Object>
+// Equal bits, where any two NaN count as equal.
+template <typename Object>
 testing::AssertionResult same_bits(const Object& a, const Object& b, int count) {
     for (int i = 0; i < count; ++i) {
         if (std::isnan(a[i]) && std::isnan(b[i]))
@@ -53,7 +53,7 @@ testing::AssertionResult same_bits(const Object& a, const Object& b, int count) 
     return testing::AssertionSuccess();
 }
 
-template <class Object>
+template <typename Object>
 testing::AssertionResult close_to(const Object& a, const Object& b, int count, double tolerance) {
     for (int i = 0; i < count; ++i)
         if (!(std::abs(a[i] - b[i]) <= tolerance))
@@ -61,7 +61,7 @@ testing::AssertionResult close_to(const Object& a, const Object& b, int count, d
     return testing::AssertionSuccess();
 }
 
-// With the tables up, and numbers to work on.
+// Tests with filled tables and random numbers.
 class Rotations : public testing::Test {
 protected:
     static void SetUpTestSuite() { __init_trig_tables(); }

@@ -8,8 +8,8 @@ namespace {
 
 class Rotation : public Rotations {
 protected:
-    // `multiply` gives the bits that `plainly` gives, also for an object times itself.
-    template <class Object, class Draw>
+    // `multiply` has the bits of `plainly`, also for an object times itself.
+    template <typename Object, typename Draw>
     void compare_products(void (*multiply)(Object&, const Object&),
                           void (*plainly)(Object&, const Object&), Draw draw, int components) {
         for (int i = 0; i < 20000; ++i) {
@@ -29,7 +29,7 @@ protected:
     }
 };
 
-constexpr cMatrix3D counting(1, 2, 3, 4, 5, 6, 7, 8, 9);
+constexpr cMatrix3D COUNTING(1, 2, 3, 4, 5, 6, 7, 8, 9);
 
 cMatrix3D looking(const cVector3D& forward, const cVector3D& up) {
     cMatrix3D m;
@@ -81,52 +81,42 @@ TEST_F(Rotation, VectorsTurnAsByThePlainMatrixBitForBit) {
 }
 
 TEST_F(Rotation, BasicOnesTurnTheirWayAndMultiply) {
+    const cVector3D x(0.5, 0, 0);
+    const cVector3D y(0, 3, 0);
+    const cVector3D z(0, 0, 7);
+
     const struct {
-        const char* name;
         void (*set)(cMatrix3D&, double);
         void (*turn)(cMatrix3D&, double);
         void (*turn_quaternion)(cQuaternion&, const double&);
-        cVector3D vectors[3]; // the axis, and what a quarter turn carries where
+        cVector3D axis, from, to; // a quarter turn carries `from` to `to`
     } cases[] = {
-        {"yaw",
-         __nsMatrix3d_yaw,
-         __cMatrix3d_yaw,
-         __cQuaternion_yaw,
-         {{0, 3, 0}, {0, 0, 1}, {-1, 0, 0}}},
-        {"pitch",
-         __nsMatrix3d_pitch,
-         __cMatrix3d_pitch,
-         __cQuaternion_pitch,
-         {{0.5, 0, 0}, {0, 1, 0}, {0, 0, 1}}},
-        {"roll",
-         __nsMatrix3d_roll,
-         __cMatrix3d_roll,
-         __cQuaternion_roll,
-         {{0, 0, 7}, {1, 0, 0}, {0, 1, 0}}},
+        {__nsMatrix3d_yaw, __cMatrix3d_yaw, __cQuaternion_yaw, y, z, x * -14.0},
+        {__nsMatrix3d_pitch, __cMatrix3d_pitch, __cQuaternion_pitch, x, y, z * (3 / 7.0)},
+        {__nsMatrix3d_roll, __cMatrix3d_roll, __cQuaternion_roll, z, x, y * (0.5 / 3)},
     };
 
     numbers.awkward = false;
     for (const auto& row : cases) {
-        SCOPED_TRACE(row.name);
+        SCOPED_TRACE(&row - cases);
         cMatrix3D basic;
-        const auto& [axis, from, to] = row.vectors;
-        cVector3D v = from;
+        cVector3D v = row.from;
         row.set(basic, HALF_PI);
         __cVector3d_rotate_by_matrix(v, basic);
-        EXPECT_TRUE(close_to(to, v, 3, 1e-7));
+        EXPECT_TRUE(close_to(row.to, v, 3, 1e-6));
 
         // A negative angle gets one turn, and only one.
         for (const double angle : {0.0, 1.25, 7.5, -0.7, -8.0}) {
             SCOPED_TRACE(angle);
-            cMatrix3D about_axis = counting;
+            cMatrix3D about_axis = COUNTING;
             row.set(basic, angle);
-            __cMatrix3d_construct_matrix(about_axis, angle, axis);
+            __cMatrix3d_construct_matrix(about_axis, angle, row.axis);
             EXPECT_TRUE(close_to(basic, about_axis, 9, 0.0));
 
-            cMatrix3D turned = counting;
+            cMatrix3D turned = COUNTING;
             row.set(basic, angle < 0.0 ? angle + PI * 2.0 : angle);
             row.turn(turned, angle);
-            EXPECT_TRUE(close_to(counting * basic, turned, 9, 0.0));
+            EXPECT_TRUE(close_to(COUNTING * basic, turned, 9, 0.0));
 
             cQuaternion q = random_unit();
             cMatrix3D m(q);
@@ -140,7 +130,7 @@ TEST_F(Rotation, EulerAnglesAreTakenInTheirOrder) {
     cMatrix3D yaw;
     cMatrix3D pitch;
     cMatrix3D roll;
-    cMatrix3D m = counting;
+    cMatrix3D m = COUNTING;
     cQuaternion q;
     __nsMatrix3d_pitch(pitch, 0.3);
     __nsMatrix3d_yaw(yaw, -0.8);
@@ -153,10 +143,10 @@ TEST_F(Rotation, EulerAnglesAreTakenInTheirOrder) {
     EXPECT_TRUE(close_to(QUATERNION_IDENTITY, q, 4, 0.0));
 }
 
-TEST_F(Rotation, KnownMatrices) {
+TEST_F(Rotation, MatricesHaveTheirWorkedValues) {
     cMatrix3D normalized(3, 0, 1, 0, 0, 2, 4, 0, 2);
     __cMatrix3d_normalize(normalized);
-    cMatrix3D combined = counting;
+    cMatrix3D combined = COUNTING;
     __cMatrix3d_add(combined, combined);
     __cMatrix3d_subtract(combined, cMatrix3D(1, 1, 1, 1, 1, 1, 1, 1, 0));
 
@@ -165,6 +155,8 @@ TEST_F(Rotation, KnownMatrices) {
         cMatrix3D actual, expected;
     } cases[] = {
         {"normalised", normalized, {0.6, 0, 1 / 3.0, 0, 0, 2 / 3.0, 0.8, 0, 2 / 3.0}},
+        {"zero", MATRIX3D_ZERO, {0, 0, 0, 0, 0, 0, 0, 0, 0}},
+        {"transposed", COUNTING.transposed(), {1, 4, 7, 2, 5, 8, 3, 6, 9}},
         {"sum and difference", combined, {1, 3, 5, 7, 9, 11, 13, 15, 18}},
         {"forward and up", looking({0, 0, 1}, {0, 1, 0}), MATRIX3D_IDENTITY},
         {"up at a slant", looking({5, 0, 0}, {3, 2, 0}), {0, 0, 1, 0, 1, 0, -1, 0, 0}},
@@ -181,9 +173,9 @@ TEST_F(Rotation, KnownMatrices) {
 TEST_F(Rotation, OfAMatrixIsAChangeOfBasis) {
     cMatrix3D r;
     __cMatrix3d_construct_matrix(r, 0.5, cVector3D(1, 2, 3));
-    cMatrix3D m = counting;
+    cMatrix3D m = COUNTING;
     __cMatrix3d_rotate(m, r);
-    EXPECT_TRUE(same_bits((r * counting) * r.transposed(), m, 9));
+    EXPECT_TRUE(same_bits((r * COUNTING) * r.transposed(), m, 9));
     m = r;
     __cMatrix3d_rotate(m, m);
     EXPECT_TRUE(same_bits((r * r) * r.transposed(), m, 9));
@@ -227,13 +219,21 @@ TEST_F(Rotation, AxisAngleTakesTheAxisAsItIs) {
     EXPECT_TRUE(close_to(expected, cQuaternion(cVector3D(0, 2, -1), 1.0), 4, 0.0));
 }
 
+TEST_F(Rotation, QuaternionsAddAndSubtractByComponents) {
+    cQuaternion q(1, 2, 3, 4);
+    __cQuaternion_add(q, cQuaternion(10, 30, 50, 70));
+    EXPECT_TRUE(same_bits(cQuaternion(11, 32, 53, 74), q, 4));
+    __cQuaternion_subtract(q, cQuaternion(1, 3, 5, 7));
+    EXPECT_TRUE(same_bits(cQuaternion(10, 29, 48, 67), q, 4));
+}
+
 TEST_F(Rotation, SlerpEqualsThePlainOneBitForBit) {
     for (int i = 0; i < 400000; ++i) {
         numbers.awkward = i % 16 == 0;
         const cQuaternion a = random_unit();
         cQuaternion b = random_unit();
         if (i % 2 == 0) {
-            // Arcs down to those that give the mean.
+            // Arcs down to those whose result is the mean.
             const double part = std::ldexp(1.0, -i % 14);
             b.set(a.x + part * b.x, a.y + part * b.y, a.z + part * b.z, a.w);
         }

@@ -17,9 +17,9 @@ using namespace quillon;
 
 namespace {
 
-constexpr std::int32_t lowest = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t LOWEST = std::numeric_limits<std::int32_t>::min();
 
-// All bits but the lowest, so that the seeds after it wrap.
+// All bits but the LOWEST, so that the seeds after it wrap.
 constexpr std::uint32_t SEED = 0xFFFFFFFE;
 
 } // namespace
@@ -60,7 +60,7 @@ TEST(Random, EachFunctionFollowsATwisterOfItsOwnSeed) {
     std::mt19937 doubles(SEED + 2);
     constexpr std::int32_t highest = std::numeric_limits<std::int32_t>::max();
     constexpr std::int32_t bounds[][2] = {
-        {-2, 2}, {3, 3}, {5, 2}, {lowest, highest}, {highest, lowest}};
+        {-2, 2}, {3, 3}, {5, 2}, {LOWEST, highest}, {highest, LOWEST}};
     for (int i = 0; i < 2000; ++i) {
         const auto [low, high] = bounds[i % std::size(bounds)];
         const double value = unit(ints) * (1.0 + high - low) + low;
@@ -78,7 +78,7 @@ TEST(Bits, PowersOfTwoAndMasks) {
     for (const auto& [value, expected] : powers)
         EXPECT_EQ(expected, next_largest_power_of_2(value)) << value;
     EXPECT_EQ(0x81, construct_bitmask(0, 7, 7, -1, -1, -1, -1, -1)) << "a bit named twice";
-    EXPECT_EQ(lowest | 1, construct_bitmask(-1, -1, -1, -1, -1, -1, 0, 31));
+    EXPECT_EQ(LOWEST | 1, construct_bitmask(-1, -1, -1, -1, -1, -1, 0, 31));
     EXPECT_EQ(2, construct_bitmask(32, 1, -2, 32767, -32768, -1, 64, 40)) << "no such bits";
 }
 
@@ -91,7 +91,7 @@ TEST(Gauss, IsTheSeventhTaylorPolynomial) {
     }
 }
 
-TEST(TarnAngle, KnownDirections) {
+TEST(TarnAngle, IsNotWrappedAndSaturates) {
     __init_trig_tables();
     EXPECT_EQ(HALF_PI, __tarn_extract_angle(0.0F, 1.0F));
     EXPECT_EQ(THREE_HALF_PI, __tarn_extract_angle(0.0F, 0.0F));

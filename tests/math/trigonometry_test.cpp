@@ -13,7 +13,7 @@ using namespace quillon;
 namespace {
 
 // Read while the program loads, so before any test fills the tables.
-const double before_the_tables[] = {cosTD(0), sinTD(90), tanTD(45), cosTR(0), sinTR(1),
+const double BEFORE_THE_TABLES[] = {cosTD(0), sinTD(90), tanTD(45), cosTR(0), sinTR(1),
                                     tanTR(1), acosT(0),  asinT(1),  atanT(1), cosTD(NAN)};
 
 class TrigTables : public testing::Test {
@@ -23,7 +23,7 @@ protected:
     static void TearDownTestSuite() { __clear_trig_tables(); }
 };
 
-template <class Float>
+template <typename Float>
 Float bound(Float angle) {
     if constexpr (sizeof(Float) == sizeof(float))
         trig_bind_32(angle);
@@ -33,7 +33,7 @@ Float bound(Float angle) {
 }
 
 // A magnitude from 2^-20 up to `limit`, every second one close to a power of two, of either sign.
-template <class Float>
+template <typename Float>
 Float random_angle(std::mt19937_64& generator, Float limit) {
     std::uniform_real_distribution<double> exponents(-20, std::log2(limit));
     std::uniform_real_distribution<double> steps(-20, 20);
@@ -45,10 +45,9 @@ Float random_angle(std::mt19937_64& generator, Float limit) {
     return static_cast<Float>(generator() % 2 != 0 ? angle : -angle);
 }
 
-// Steps are taken one by one until they lead into the turn: what is bound before a step and after
-// it is the same, and within the turn nothing changes, so by induction it is what all the steps
-// give.
-template <class Float>
+// Steps one by one into the turn: the bound angle is the same before and after each step, and
+// within the turn nothing changes, so by induction it is the result of all steps.
+template <typename Float>
 void expect_every_step_to_keep_the_result(Float limit) {
     std::mt19937_64 generator(11);
     for (int i = 0; i < 200000; ++i) {
@@ -69,7 +68,7 @@ void expect_every_step_to_keep_the_result(Float limit) {
 } // namespace
 
 TEST(TrigTablesLifecycle, FillsAndClearsInAnyNumber) {
-    for (const double value : before_the_tables)
+    for (const double value : BEFORE_THE_TABLES)
         EXPECT_EQ(0.0, value);
     __init_trig_tables();
     __init_trig_tables();

@@ -16,7 +16,7 @@ using namespace quillon;
 
 namespace {
 
-template <class Object>
+template <typename Object>
 constexpr int COMPONENTS = 2;
 template <>
 constexpr int COMPONENTS<cVector3D> = 3;
@@ -25,7 +25,7 @@ constexpr int COMPONENTS<cQuaternion> = 4;
 template <>
 constexpr int COMPONENTS<cMatrix3D> = 9;
 
-template <class Stored>
+template <typename Stored>
 std::vector<std::uint8_t> bytes_of(std::initializer_list<Stored> values) {
     std::vector<std::uint8_t> bytes(values.size() * sizeof(Stored));
     std::memcpy(bytes.data(), values.begin(), bytes.size());
@@ -52,7 +52,7 @@ void expect_flat_form(const cSerializable& source, cSerializable&& target,
 }
 
 // The components that were -1, -2 and so on before the text was read.
-template <auto from_string, class Object>
+template <auto from_string, typename Object>
 std::vector<double> read(const char* text, Object object) {
     for (int i = 0; i < COMPONENTS<Object>; ++i)
         object[i] = -1 - i;
@@ -80,7 +80,7 @@ TEST(Serializable, FlatFormsAtAnyAlignment) {
                      bytes_of({1.0F, 0.1F, 3.0F, 4.0F, 5.0F, 6.0F, 7.0F, 8.0F, 9.0F}));
 }
 
-template <class Object>
+template <typename Object>
 class IndexedAccess : public testing::Test {};
 
 using IndexedObjects =
@@ -104,8 +104,36 @@ TYPED_TEST(IndexedAccess, BadIndicesReachAScratchZeroAndNoComponent) {
 }
 
 static_assert(sizeof(cVector2D<long>::x) == 4, "32 bits whatever the width of long");
-static_assert(VECTOR3D_UNIT_Z.z == 1.0 && VECTOR2L_ONE.y == 1,
-              "constants stand before any code runs");
+
+template <typename Vector>
+constexpr int digits(const Vector& v) {
+    return static_cast<int>(v.x * 10 + v.y);
+}
+
+static_assert(digits(VECTOR2D_ZERO) == 0 && digits(VECTOR2D_UNIT_X) == 10 &&
+              digits(VECTOR2D_UNIT_Y) == 1 && digits(VECTOR2D_ONE) == 11);
+static_assert(digits(VECTOR2L_ZERO) == 0 && digits(VECTOR2L_UNIT_X) == 10 &&
+              digits(VECTOR2L_UNIT_Y) == 1 && digits(VECTOR2L_ONE) == 11);
+static_assert(digits(VECTOR3D_ZERO) + VECTOR3D_ZERO.z * 2 == 0 &&
+              digits(VECTOR3D_UNIT_X) + VECTOR3D_UNIT_X.z * 2 == 10 &&
+              digits(VECTOR3D_UNIT_Y) + VECTOR3D_UNIT_Y.z * 2 == 1 &&
+              digits(VECTOR3D_UNIT_Z) + VECTOR3D_UNIT_Z.z * 2 == 2 &&
+              digits(VECTOR3D_ONE) + VECTOR3D_ONE.z * 2 == 13);
+
+// The place of a virtual operation among those of its class; a pointer to one holds the offset in
+// the table of operations, which some processors mark in the lowest bit.
+template <typename Operation>
+std::ptrdiff_t slot_of(Operation operation) {
+    std::ptrdiff_t offset;
+    std::memcpy(&offset, &operation, sizeof offset);
+    return offset / static_cast<std::ptrdiff_t>(sizeof(void*));
+}
+
+TEST(Serializable, OperationsComeInTheirOrder) {
+    EXPECT_EQ(0, slot_of(&cSerializable::serialize));
+    EXPECT_EQ(1, slot_of(&cSerializable::deserialize));
+    EXPECT_EQ(2, slot_of(&cSerializable::serialized_size));
+}
 
 TEST(TextForm, IsReadFieldByField) {
     const std::string endless = std::string(100000, '7') + "#2#3#" + std::string(100000, '#');
@@ -126,7 +154,7 @@ TEST(TextForm, IsReadFieldByField) {
         {"open last field", vector("1.5#2#3"), {1.5, 2, -3}},
         {"empty text", vector(""), {-1, -2, -3}},
         {"surplus field", vector("1#2#3#4#"), {1, 2, 3}},
-        {"no number, nothing, blanks", vector("a## 3e2#"), {0, 0, 300}},
+        {"does not parse, nothing, blanks", vector("a## 3e2#"), {0, 0, 300}},
         {"cut at 23", vector("12345678901234567890123999#2#3#"), {12345678901234567890123.0, 2, 3}},
         {"endless", vector(endless.c_str()), {77777777777777777777777.0, 2, 3}},
         {"cut at 15", quaternion("x#123456789012345678#7"), {0, 123456789012345, -3, -4}},
@@ -141,7 +169,7 @@ TEST(TextForm, IsReadFieldByField) {
         EXPECT_EQ(row.expected, row.actual) << row.name;
 }
 
-TEST(Vector3D, Arithmetic) {
+TEST(Vector3D, ComputesByComponents) {
     const cVector3D a(1.0, 2.0, 3.0);
     const cVector3D b(4.0, -5.0, 0.5);
     const cQuaternion q(1, 2, 3, 4);
@@ -172,7 +200,7 @@ TEST(Vector3D, Arithmetic) {
     EXPECT_EQ(std::sqrt(14.0), a.length());
 }
 
-TEST(Vector3D, AngleAndProjection) {
+TEST(Vector3D, AnglesAndProjectionsAllowForZeroVectors) {
     const cVector3D x(1, 0, 0);
     EXPECT_EQ(0.0, __cVector3d_get_angle_between({0, 0, 0}, x));
     EXPECT_EQ(0.0, __cVector3d_get_angle_between(x, {0, 0, 0}));
@@ -186,12 +214,9 @@ TEST(Vector3D, AngleAndProjection) {
 
 TEST(RuntimeRand, HasFifteenBits) {
     int highest = 0;
-    for (int i = 0; i < 2000; ++i) {
-        const int value = platform::runtime_rand();
-        ASSERT_TRUE(value >= 0 && value <= 32767) << value;
-        highest = std::max(highest, value);
-    }
-    EXPECT_GT(highest, 32567);
+    for (int i = 0; i < 2000; ++i)
+        highest = std::max(highest, platform::runtime_rand());
+    EXPECT_TRUE(highest > 32567 && highest <= 32767) << highest;
 }
 
 TEST_F(RandomValues, DrawTheirComponentsInOrder) {
@@ -218,7 +243,7 @@ TEST_F(RandomValues, DrawTheirComponentsInOrder) {
                                         draws[0] * PI * 2.0);
     EXPECT_TRUE(same_bits(expected_q, q, 4));
 
-    cMatrix3D m;
+    cMatrix3D m(1, 2, 3, 4, 5, 6, 7, 8, 9);
     cMatrix3D expected_m;
     seeded([&] { __nsMatrix3d_random(m); });
     expected_m.yaw(draws[0] * TWO_PI);

@@ -6,14 +6,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <limits>
 #include <memory>
 #include <new>
 #include <vector>
 
-using quillon::cColor;
-using quillon::cRenderCache;
-using quillon::cVector3D;
+using namespace quillon;
 using testing::Each;
 using testing::ElementsAre;
 
@@ -37,7 +36,7 @@ std::vector<float> floats(const float* array, std::size_t count) {
 // Values that 32 bits have to round, different for every element and component.
 struct Sources {
     std::vector<cVector3D> positions;
-    std::vector<quillon::cVector2D<double>> texcoords;
+    std::vector<cVector2D<double>> texcoords;
     std::vector<cVector3D> normals;
     std::vector<cColor> colors;
 
@@ -80,17 +79,29 @@ void expect_entry(const cRenderCache& cache, std::size_t i, const Sources& sourc
 
 } // namespace
 
-TEST(RenderCache, HoldsOnlyWhatIsAskedForUntilCleanup) {
-    const Cache textured(__mGraphics_create_render_cache(2, 4, true, false, false, false));
-    EXPECT_NE(nullptr, textured->positions);
-    EXPECT_NE(nullptr, textured->texcoords);
-    EXPECT_EQ(nullptr, textured->normals);
+constexpr std::size_t OFFSETS[] = {
+    offsetof(cRenderCache, positions),     offsetof(cRenderCache, normals),
+    offsetof(cRenderCache, tangents),      offsetof(cRenderCache, texcoords),
+    offsetof(cRenderCache, colors),        offsetof(cRenderCache, poly_count),
+    offsetof(cRenderCache, verts_per_poly)};
+static_assert(std::is_sorted(std::begin(OFFSETS), std::end(OFFSETS)));
 
-    __mGraphics_render_cache_cleanup(textured.get());
-    __mGraphics_render_cache_cleanup(textured.get());
-    EXPECT_EQ(nullptr, textured->positions);
-    EXPECT_EQ(nullptr, textured->texcoords);
-    EXPECT_EQ(2U, textured->poly_count);
+TEST(RenderCache, HoldsOnlyWhatIsAskedForUntilCleanup) {
+    for (const unsigned asked : {0b0000U, 0b0001U, 0b0010U, 0b0100U, 0b1000U}) {
+        const auto is_asked = [=](int flag) { return (asked >> flag & 1) != 0; };
+        const Cache cache(__mGraphics_create_render_cache(2, 4, is_asked(0), is_asked(1),
+                                                          is_asked(2), is_asked(3)));
+        const auto held = [&] {
+            return std::vector<bool>{cache->positions != nullptr, cache->texcoords != nullptr,
+                                     cache->normals != nullptr, cache->tangents != nullptr,
+                                     cache->colors != nullptr};
+        };
+        EXPECT_THAT(held(), ElementsAre(true, is_asked(0), is_asked(1), is_asked(2), is_asked(3)));
+        __mGraphics_render_cache_cleanup(cache.get());
+        __mGraphics_render_cache_cleanup(cache.get());
+        EXPECT_THAT(held(), Each(false));
+        EXPECT_EQ(2U, cache->poly_count);
+    }
 }
 
 TEST(RenderCache, CountsBeyondMemoryFailAsTheAllocatorDoes) {
@@ -101,13 +112,15 @@ TEST(RenderCache, CountsBeyondMemoryFailAsTheAllocatorDoes) {
                      std::bad_alloc);
 }
 
-// Sizes on both sides of a group of four, of a run, and of where the stores go past the cache;
-// shifted arrays are as odd as a float's address can be.
+// Sizes on both sides of a group, a run, and the limit of streaming, for all numbers of corners
+// that have indices; arrays at every alignment of a float.
 TEST(RenderCache, UnrollsVertsAndPolysLikeThePlainRule) {
-    for (const std::uint32_t polys : {1U, 2U, 21U, 22U, 43U, 50'000U}) {
+    constexpr std::uint32_t sizes[][2] = {{1, 3}, {1, 4}, {21, 3}, {5, 1}, {11, 2}, {50'000, 3}};
+    for (const auto& [polys, width] : sizes) {
         for (const std::size_t shift : {0U, 1U, 2U, 3U}) {
-            SCOPED_TRACE(testing::Message() << polys << " triangles, shifted by " << shift);
-            const std::size_t corners = std::size_t{polys} * 3;
+            SCOPED_TRACE(testing::Message()
+                         << polys << " of " << width << ", shifted by " << shift);
+            const std::size_t corners = std::size_t{polys} * width;
             const Sources sources(corners);
             std::vector<float> memory(corners * 12 + 32, UNTOUCHED);
             cRenderCache cache{};
@@ -116,7 +129,7 @@ TEST(RenderCache, UnrollsVertsAndPolysLikeThePlainRule) {
             cache.texcoords = cache.normals + corners * 3 + 1;
             cache.colors = cache.texcoords + corners * 2 + 1;
             cache.poly_count = polys;
-            cache.verts_per_poly = 3;
+            cache.verts_per_poly = width;
             sources.fill(cache);
             for (std::size_t i = 0; i < corners; ++i)
                 expect_entry(cache, i, sources, i, i, i, i);
@@ -152,8 +165,7 @@ TEST(RenderCache, SkipsWhatIsMissing) {
     __mGraphics_modify_render_cache_from_polys(cache.get(), positions, nullptr, positions, nullptr,
                                                nullptr, nullptr, nullptr, nullptr);
     EXPECT_THAT(floats(cache->positions, 3), Each(UNTOUCHED));
-    __mGraphics_modify_render_cache_from_verts(cache.get(), positions, nullptr, nullptr,
-                                               &quillon::WHITE);
+    __mGraphics_modify_render_cache_from_verts(cache.get(), positions, nullptr, nullptr, &WHITE);
     EXPECT_THAT(floats(cache->positions, 3), ElementsAre(0, -1, 16777216));
     EXPECT_THAT(floats(cache->normals, 3), Each(UNTOUCHED));
 }
@@ -165,9 +177,9 @@ TEST(RenderCache, CopiesWhatTheDestinationHolds) {
     std::fill_n(full->tangents, 18, 4.0F);
     const Cache larger(__mGraphics_create_render_cache(3, 4, true, true, true, false));
     __mGraphics_copy_render_cache(nullptr, larger.get(), full.get());
-    EXPECT_EQ(floats(full->positions, 18), floats(larger->positions, 18));
-    EXPECT_EQ(floats(full->normals, 18), floats(larger->normals, 18));
-    EXPECT_EQ(floats(full->tangents, 18), floats(larger->tangents, 18));
+    for (float* cRenderCache::*array :
+         {&cRenderCache::positions, &cRenderCache::normals, &cRenderCache::tangents})
+        EXPECT_EQ(floats((*full).*array, 18), floats((*larger).*array, 18));
     EXPECT_EQ(floats(full->texcoords, 12), floats(larger->texcoords, 12));
     EXPECT_EQ(3U, larger->poly_count);
     EXPECT_EQ(4U, larger->verts_per_poly);

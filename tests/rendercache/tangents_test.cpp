@@ -8,15 +8,14 @@
 #include <random>
 #include <vector>
 
-using quillon::cRenderCache;
-using quillon::cVector3D;
-using TexCoord = quillon::cVector2D<double>;
+using namespace quillon;
+using TexCoord = cVector2D<double>;
 
 namespace {
 
 constexpr float UNTOUCHED = -77.0F;
 
-// A cache over vectors, with a guard behind the tangents.
+// A cache over vectors, with a guard after the tangents.
 struct Mesh {
     std::vector<float> positions;
     std::vector<float> texcoords;
@@ -34,7 +33,7 @@ struct Mesh {
         cache.verts_per_poly = corners;
     }
 
-    // What the flat function gives for the first three corners of a polygon.
+    // The tangent of the first three corners of a polygon by the flat function.
     cVector3D expected(std::size_t poly) const {
         cVector3D p[3];
         TexCoord uv[3];
@@ -103,7 +102,7 @@ TEST(CacheTangents, EqualTheFlatFunction) {
     }
 }
 
-TEST(CacheTangents, LeaveUnfitCachesAlone) {
+TEST(CacheTangents, OfUnfitCachesAreUnchanged) {
     Mesh lines(4, 2);
     Mesh empty(0, 3);
     Mesh untextured(4, 3);
