@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <memory>
 
 namespace {
 
@@ -14,19 +13,15 @@ namespace fs = std::filesystem;
 
 std::vector<std::string> collect(const std::string& folder, const char* filter) {
     std::vector<std::string> names;
-    quillon::cFileListEntry* entry = __mFileOps_collect_files(folder.c_str(), filter);
-    while (entry != nullptr) {
-        const std::unique_ptr<quillon::cFileListEntry> current(entry);
-        const std::unique_ptr<char[]> name(entry->name);
-        names.emplace_back(entry->name);
-        entry = entry->next;
-    }
+    const quillon::FileListOwner files(__mFileOps_collect_files(folder.c_str(), filter));
+    for (const auto* file = files.get(); file != nullptr; file = file->next)
+        names.emplace_back(file->name);
     return names;
 }
 
 } // namespace
 
-TEST(FileList, HoldsTheNamesThatTheFilterLetsThrough) {
+TEST(FileList, HoldsTheNamesThatTheFilterSelects) {
     const std::vector<std::string> every_file = {"A.dll", "b.so", "ball", "c.txt", "ll"};
     const ScratchFolder scratch;
     fs::create_directories("f/sub.so");
@@ -42,8 +37,8 @@ TEST(FileList, HoldsTheNamesThatTheFilterLetsThrough) {
         std::vector<std::string> names;
     } cases[] = {
         {"every file", "f", ".*", every_file},
-        {"empty gives folders", "f", "", {".", "..", "linked", "sub.so"}},
-        {"separators give folders", "f", ";;", {".", "..", "linked", "sub.so"}},
+        {"empty selects folders", "f", "", {".", "..", "linked", "sub.so"}},
+        {"separators select folders", "f", ";;", {".", "..", "linked", "sub.so"}},
         {"several endings in any case", "f", ";.SO;.txt;", {"b.so", "c.txt"}},
         {"endings are not trimmed", "f", ".dll; .txt", {"A.dll"}},
         {"ending without dot", "f", "ll", {"A.dll", "ball", "ll"}},
@@ -56,8 +51,13 @@ TEST(FileList, HoldsTheNamesThatTheFilterLetsThrough) {
         {"file as folder", "f/b.so", ".*", {}},
     };
 
-    for (const auto& row : cases)
+    for (const auto& row : cases) {
         EXPECT_EQ(collect(row.folder, row.filter), row.names) << row.name;
+        quillon::DSParray<std::string> names;
+        quillon::modFileOperations().collect_files(row.folder, names, row.filter);
+        EXPECT_EQ(names.count(), row.names.size()) << row.name;
+        EXPECT_TRUE(names.count() == 0 || *names.get(0) == row.names[0]) << row.name;
+    }
 }
 
 TEST(FileList, ThePatternMustStayBelowTheLimit) {

@@ -8,37 +8,6 @@
 
 namespace fs = std::filesystem;
 
-ScratchFolder::ScratchFolder() : before(fs::current_path()) {
-    std::string name = (fs::temp_directory_path() / "quillon-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr)
-        throw std::runtime_error("no scratch folder " + name);
-    folder = name;
-    fs::current_path(folder);
-}
-
-ScratchFolder::~ScratchFolder() {
-    fs::current_path(before);
-    fs::remove_all(folder);
-}
-
-void ScratchFolder::add_plugins(const std::vector<std::string>& fixtures,
-                                const char* inside) const {
-    fs::create_directories(folder / inside);
-    int number = 0;
-    for (const std::string& name : fixtures)
-        fs::copy(fs::path(FIXTURE_FOLDER) / (name + ".so"),
-                 folder / inside / (std::to_string(number++) + "_" + name + ".so"));
-}
-
-std::vector<std::string> ScratchFolder::events(const std::string& unwanted) {
-    std::vector<std::string> lines;
-    std::ifstream file("events");
-    for (std::string line; std::getline(file, line);)
-        if (unwanted.empty() || line.find(": " + unwanted) == std::string::npos)
-            lines.push_back(line);
-    return lines;
-}
-
 namespace {
 
 std::function<void(const std::string&)> current_observer;
@@ -48,6 +17,32 @@ void pass_on(const std::string& event) {
 }
 
 } // namespace
+
+ScratchFolder::ScratchFolder() {
+    std::string name = (fs::temp_directory_path() / "quillon-XXXXXX").string();
+    fs::current_path(mkdtemp(name.data()));
+}
+
+ScratchFolder::~ScratchFolder() {
+    const fs::path folder = fs::current_path();
+    fs::current_path(before);
+    fs::remove_all(folder);
+}
+
+Host::Host(const std::vector<std::string>& fixtures, const std::string& inside) {
+    int number = 0;
+    for (const std::string& name : fixtures)
+        copy_fixture(inside + "/" + std::to_string(number++) + "_" + name + ".so", name);
+}
+
+std::vector<std::string> Host::events(const std::string& unwanted) {
+    std::vector<std::string> lines;
+    std::ifstream file("events");
+    for (std::string line; std::getline(file, line);)
+        if (unwanted.empty() || line.find(": " + unwanted) == std::string::npos)
+            lines.push_back(line);
+    return lines;
+}
 
 LoadedLibrary::LoadedLibrary() : handle(dlopen(LIBRARY_FILE, RTLD_NOW | RTLD_LOCAL)) {
     if (handle == nullptr)
@@ -62,15 +57,18 @@ void LoadedLibrary::unload() {
 
 void LoadedLibrary::observe(std::function<void(const std::string& event)> observer) const {
     current_observer = std::move(observer);
-    EXPORT_OF(*this, __mCore_add_plugin_init_parameter)
-    ("observer", reinterpret_cast<void*>(pass_on));
+    auto* const add = EXPORT_OF(*this, __mCore_add_plugin_init_parameter);
+    add("observer", reinterpret_cast<void*>(pass_on));
 }
 
 void* LoadedLibrary::address(const char* name) const {
     void* const found = dlsym(handle, name);
-    if (found == nullptr)
-        throw std::runtime_error(dlerror());
-    return found;
+    return found != nullptr ? found : throw std::runtime_error(dlerror());
+}
+
+void copy_fixture(const fs::path& file, const std::string& name) {
+    fs::create_directories(file.parent_path());
+    fs::copy(fs::path(FIXTURE_FOLDER) / (name + ".so"), file);
 }
 
 bool is_mapped(const std::string& text) {

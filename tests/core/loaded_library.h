@@ -10,32 +10,12 @@
 #include <string>
 #include <vector>
 
-// A fresh folder that is the current one as long as the object lives.
-class ScratchFolder {
-public:
-    ScratchFolder();
-    ScratchFolder(const ScratchFolder&) = delete;
-    ScratchFolder& operator=(const ScratchFolder&) = delete;
-    ~ScratchFolder();
-
-    // Copies fixtures into `inside`, as 0_NAME, 1_NAME, ... so that they load in the given order.
-    void add_plugins(const std::vector<std::string>& fixtures, const char* inside = "plugin") const;
-
-    // The lines of the file "events", without those that have `unwanted` after the plug-in's name.
-    static std::vector<std::string> events(const std::string& unwanted = "asked");
-
-    std::string path() const { return folder.string(); }
-
-private:
-    std::filesystem::path before;
-    std::filesystem::path folder;
-};
+// The export NAME of a loaded library.
+#define EXPORT_OF(library, NAME) (library).function<decltype(NAME)>(#NAME)
 
 class LoadedLibrary {
 public:
     LoadedLibrary();
-    LoadedLibrary(const LoadedLibrary&) = delete;
-    LoadedLibrary& operator=(const LoadedLibrary&) = delete;
 
     ~LoadedLibrary() { unload(); }
 
@@ -44,20 +24,42 @@ public:
     // Calls `observer` with the events of the fixtures that are initialised from now on.
     void observe(std::function<void(const std::string& event)> observer) const;
 
-    void* address(const char* name) const;
-
-    // The loaded library's export, as a function of the given type; see EXPORT_OF.
+    // The export of that name, as a function of the given type; see EXPORT_OF.
     template <typename Function>
     Function* function(const char* name) const {
         return reinterpret_cast<Function*>(address(name));
     }
 
 private:
+    void* address(const char* name) const;
+
     void* handle;
 };
 
-// The export NAME of a loaded library.
-#define EXPORT_OF(library, NAME) (library).function<decltype(NAME)>(#NAME)
+// Makes a fresh folder the current one as long as it lives.
+class ScratchFolder {
+public:
+    ScratchFolder();
+    ~ScratchFolder();
+
+private:
+    std::filesystem::path before = std::filesystem::current_path();
+};
+
+// A host in a folder of its own, with fixtures in "plugin" that load in the given order.
+struct Host : ScratchFolder, LoadedLibrary {
+    explicit Host(const std::vector<std::string>& fixtures, const std::string& inside = "plugin");
+
+    // The lines of the file "events", without those that have `unwanted` after the plug-in's name.
+    static std::vector<std::string> events(const std::string& unwanted = "asked");
+
+    bool open() const { return EXPORT_OF(*this, __mCore_open)(); }
+
+    std::uint32_t plugin_count() const { return EXPORT_OF(*this, __mCore_get_plugin_count)(); }
+};
+
+// Copies a fixture to `file`.
+void copy_fixture(const std::filesystem::path& file, const std::string& name);
 
 // Whether a mapping of this process names `text`.
 bool is_mapped(const std::string& text);

@@ -5,57 +5,44 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <new>
 
 using testing::ElementsAre;
 
 namespace {
 
-constexpr std::int16_t LOWEST = std::numeric_limits<std::int16_t>::min();
-constexpr std::int16_t HIGHEST = std::numeric_limits<std::int16_t>::max();
+constexpr const char* FUNCTION = "note_argument";
 
-// A library that has loaded and connected the given fixtures.
-class Registry : public testing::Test {
-protected:
-    void open(const std::vector<std::string>& fixtures) {
-        folder.add_plugins(fixtures);
-        EXPORT_OF(library, __mCore_open)();
-        std::filesystem::remove("events");
-    }
-
-    // What plug-in 0 has received under a name.
-    void* parameter(const char* name) const {
-        auto* const received = reinterpret_cast<void* (*)()>(
-            EXPORT_OF(library, __mCore_get_plugin_function)(0, "received_parameters"));
-        auto* const parameters = static_cast<quillon::DSPrefHashMap<void>*>(received());
-        return parameters->find(quillon::name_hash(name));
-    }
-
-    ScratchFolder folder;
-    LoadedLibrary library;
-};
+// The parameter that plug-in 0 received under a name.
+void* parameter(const Host& host, const char* name) {
+    auto* const received = reinterpret_cast<void* (*)()>(
+        EXPORT_OF(host, __mCore_get_plugin_function)(0, "received_parameters"));
+    return static_cast<quillon::DSPrefHashMap<void>*>(received())->find(quillon::name_hash(name));
+}
 
 } // namespace
 
-TEST_F(Registry, InvalidIndicesAnswerInvalid) {
-    open({"graphics"});
-    for (const std::int16_t index : {LOWEST, std::int16_t{-1}, std::int16_t{1}, HIGHEST}) {
-        EXPECT_STREQ(EXPORT_OF(library, __mCore_get_plugin_name)(index), "INVALID");
-        EXPECT_STREQ(EXPORT_OF(library, __mCore_get_plugin_purpose)(index), "INVALID");
-        EXPECT_FALSE(EXPORT_OF(library, __mCore_check_plugin_compatibility)(index, "GRAPHICS"));
-        EXPECT_EQ(EXPORT_OF(library, __mCore_get_plugin_function)(index, "shutdown"), nullptr);
-        EXPORT_OF(library, __mCore_call_plugin_function)(index, "note_argument", nullptr);
+TEST(Registry, InvalidIndicesAnswerInvalid) {
+    const Host host({"graphics"});
+    host.open();
+    for (const int index : {-32768, -1, 1, 32767}) {
+        const auto invalid = static_cast<std::int16_t>(index);
+        EXPECT_STREQ(EXPORT_OF(host, __mCore_get_plugin_name)(invalid), "INVALID");
+        EXPECT_STREQ(EXPORT_OF(host, __mCore_get_plugin_purpose)(invalid), "INVALID");
+        EXPECT_FALSE(EXPORT_OF(host, __mCore_check_plugin_compatibility)(invalid, "GRAPHICS"));
+        EXPECT_EQ(EXPORT_OF(host, __mCore_get_plugin_function)(invalid, FUNCTION), nullptr);
+        EXPORT_OF(host, __mCore_call_plugin_function)(invalid, FUNCTION, nullptr);
     }
-    EXPECT_STREQ(EXPORT_OF(library, __mCore_get_plugin_name)(0), "Graphics");
-    EXPECT_STREQ(EXPORT_OF(library, __mCore_get_plugin_purpose)(0), "Module");
+    EXPECT_STREQ(EXPORT_OF(host, __mCore_get_plugin_name)(0), "Graphics");
+    EXPECT_STREQ(EXPORT_OF(host, __mCore_get_plugin_purpose)(0), "Module");
 }
 
-TEST_F(Registry, FindsTheFirstPluginOfAPurposeThatSaysYes) {
-    open({"tool", "serves_nothing", "input_and_system", "all_five"});
-    auto* const find = EXPORT_OF(library, __mCore_get_first_valid_plugin);
+TEST(Registry, TheFirstPluginOfAPurposeThatIsCompatibleIsFound) {
+    const Host host({"tool", "serves_nothing", "input_and_system", "all_five"});
+    EXPORT_OF(host, __mCore_parse_folder_for_plugins)("plugin");
+    auto* const find = EXPORT_OF(host, __mCore_get_first_valid_plugin);
     EXPECT_EQ(find("Module", ""), 1);
-    EXPECT_TRUE(folder.events("").empty()) << "an empty word is asked of nobody";
+    EXPECT_TRUE(Host::events("").empty()) << "an empty word needs no question";
     EXPECT_EQ(find("Module", "SYSTEM"), 2);
     EXPECT_EQ(find("Module", "AUDIO"), 3);
     EXPECT_EQ(find("Module tool", "GRAPHICS"), 0);
@@ -63,105 +50,91 @@ TEST_F(Registry, FindsTheFirstPluginOfAPurposeThatSaysYes) {
     EXPECT_EQ(find("MODULE", ""), -1);
 }
 
-TEST_F(Registry, AFunctionIsResolvedBeforeThePluginIsInitialised) {
-    open({"tool"});
-    auto* const function = EXPORT_OF(library, __mCore_get_plugin_function);
+TEST(Registry, FunctionsAreResolvedBeforeThePluginIsInitialised) {
+    char argument[] = "forty-two";
+    const Host host({"tool", "refuses"});
+    host.open();
+    auto* const function = EXPORT_OF(host, __mCore_get_plugin_function);
+    auto* const call = EXPORT_OF(host, __mCore_call_plugin_function);
     EXPECT_EQ(function(0, "no_such_function"), nullptr);
-    // The loader finds this one in the plug-in's dependencies.
-    EXPECT_EQ(function(0, "printf"), nullptr);
-    EXPECT_TRUE(folder.events().empty());
-    EXPECT_NE(function(0, "note_argument"), nullptr);
-    EXPECT_NE(function(0, "note_argument"), nullptr);
-    EXPECT_THAT(folder.events(), ElementsAre("Tool: initialize"));
+    EXPECT_EQ(function(0, "printf"), nullptr) << "of a dependency";
+    call(0, "no_such_function", argument);
+    EXPECT_THAT(Host::events(), testing::Each("Graphics: initialize"));
+    EXPECT_NE(function(0, FUNCTION), nullptr);
+    call(0, FUNCTION, argument);
+    EXPECT_EQ(function(1, FUNCTION), nullptr);
+    call(1, FUNCTION, argument);
+    EXPECT_THAT(Host::events(),
+                ElementsAre("Graphics: initialize", "Tool: initialize", "Tool: argument forty-two",
+                            "Graphics: initialize", "Graphics: initialize"));
 }
 
-TEST_F(Registry, APluginThatRefusesIsAskedEveryTime) {
-    open({"refuses"});
-    for (int i = 0; i < 2; ++i)
-        EXPECT_EQ(EXPORT_OF(library, __mCore_get_plugin_function)(0, "note_argument"), nullptr);
-    EXPECT_THAT(folder.events(), ElementsAre("Graphics: initialize", "Graphics: initialize"));
-}
-
-TEST_F(Registry, AnInitializeThatReachesForItsOwnPluginDoesNotStartOver) {
-    void* own_function = this;
+TEST(Registry, AnInitializeThatReachesForItsOwnPluginDoesNotStartOver) {
+    void* own_function = &own_function;
     bool opened = false;
-    library.observe([&](const std::string& event) {
+    const Host host({"graphics"});
+    host.observe([&](const std::string& event) {
         if (event != "Graphics: initialize")
             return;
-        own_function = EXPORT_OF(library, __mCore_get_plugin_function)(0, "note_argument");
-        opened = EXPORT_OF(library, __mCore_open)();
+        own_function = EXPORT_OF(host, __mCore_get_plugin_function)(0, FUNCTION);
+        opened = host.open();
     });
-    open({"graphics"});
+    host.open();
     EXPECT_EQ(own_function, nullptr);
     EXPECT_TRUE(opened);
-    EXPECT_EQ(EXPORT_OF(library, __mCore_get_plugin_count)(), 1u);
-    library.observe([](const std::string&) {});
+    EXPECT_EQ(host.plugin_count(), 1u);
 }
 
-TEST_F(Registry, AThrowingInitializeIsAskedAgain) {
-    open({"tool"});
-    library.observe([](const std::string& event) { throw std::runtime_error(event); });
-    auto* const function = EXPORT_OF(library, __mCore_get_plugin_function);
-    EXPECT_THROW(function(0, "note_argument"), std::runtime_error);
-    library.observe([](const std::string&) {});
-    EXPECT_NE(function(0, "note_argument"), nullptr);
-}
-
-TEST_F(Registry, AThrowingNameEndsTheScanAndKeepsWhatWasLoaded) {
+TEST(Registry, ExceptionsReachTheHostAndChangeNothingElse) {
+    bool throws = true;
+    const Host host({"graphics", "throws", "tool"});
+    host.observe([&](const std::string& event) {
+        if (throws)
+            throw std::runtime_error(event);
+    });
     try {
-        open({"graphics", "throws", "tool"});
-        FAIL() << "no exception";
+        host.open();
+        FAIL() << "no exception of the name";
     } catch (const std::exception& failure) {
-        EXPECT_STREQ(failure.what(), "a failure of Fixture");
+        EXPECT_STREQ(failure.what(), "a failure of Fixture") << "whose code is still there";
     }
-    EXPECT_EQ(EXPORT_OF(library, __mCore_get_plugin_count)(), 1u);
-    EXPECT_NE(parameter("Modules"), nullptr) << "filed before the scan";
+    EXPECT_EQ(host.plugin_count(), 1u);
+    auto* const function = EXPORT_OF(host, __mCore_get_plugin_function);
+    EXPECT_THROW(function(0, FUNCTION), std::runtime_error);
+    throws = false;
+    EXPECT_NE(function(0, FUNCTION), nullptr);
+    EXPECT_NE(parameter(host, "Modules"), nullptr) << "filed before the scan";
 }
 
-TEST_F(Registry, CallsAFunctionWithOneArgument) {
-    open({"graphics", "refuses"});
-    char argument[] = "forty-two";
-    auto* const call = EXPORT_OF(library, __mCore_call_plugin_function);
-    call(0, "note_argument", argument);
-    call(0, "no_such_function", argument);
-    call(1, "note_argument", argument);
-    EXPECT_THAT(folder.events(),
-                ElementsAre("Graphics: argument forty-two", "Graphics: initialize"));
-}
-
-TEST_F(Registry, TheFirstUniquePointerUnderAKeyStays) {
-    auto* const store = EXPORT_OF(library, __mCore_store_unique_pointer);
-    auto* const get = EXPORT_OF(library, __mCore_get_unique_pointer);
-    void* const first = ::operator new(8); // the library frees it
+TEST(Registry, TheFirstUniquePointerUnderAKeyStays) {
     int second = 0;
-    EXPECT_EQ(get(7), nullptr);
+    const Host host({});
+    auto* const store = EXPORT_OF(host, __mCore_store_unique_pointer);
+    auto* const get = EXPORT_OF(host, __mCore_get_unique_pointer);
+    void* const first = ::operator new(8); // the library frees it
     EXPECT_EQ(store(nullptr, 7), nullptr);
+    EXPECT_EQ(get(7), nullptr);
     EXPECT_EQ(store(first, 7), first);
     EXPECT_EQ(store(&second, 7), &second);
     EXPECT_EQ(get(7), first);
 }
 
-TEST_F(Registry, PluginsFindTheParametersOfTheHostAndTheListOfPlugins) {
+TEST(Registry, PluginsFindTheListOfPluginsAndTheFirstParameterUnderAName) {
     int first = 1;
     int second = 2;
-    auto* const add = EXPORT_OF(library, __mCore_add_plugin_init_parameter);
-    EXPECT_EQ(add("name", nullptr), nullptr);
-    EXPECT_EQ(add("name", &first), &first);
-    EXPECT_EQ(add("name", &second), &second);
-    open({"graphics", "tool"});
-    EXPECT_EQ(parameter("name"), &first);
-
-    const auto* list = static_cast<quillon::DSParray<quillon::cPlugin>*>(parameter("Modules"));
-    ASSERT_NE(list, nullptr);
-    ASSERT_EQ(list->count(), 2u);
-    EXPECT_STREQ(list->get(0)->get_plugin_name(), "Graphics");
-    EXPECT_TRUE(list->get(0)->initialised);
-    EXPECT_STREQ(list->get(1)->get_plugin_name(), "Tool");
-}
-
-TEST_F(Registry, WhatTheHostFilesUnderModulesStays) {
-    int mine = 1;
-    EXPORT_OF(library, __mCore_add_plugin_init_parameter)("Modules", &mine);
-    open({"graphics"});
-    EXPECT_EQ(parameter("Modules"), &mine);
+    for (const char* name : {"name", "Modules"}) {
+        const Host host({"graphics", "tool"});
+        auto* const add = EXPORT_OF(host, __mCore_add_plugin_init_parameter);
+        EXPECT_EQ(add(name, nullptr), nullptr);
+        EXPECT_EQ(add(name, &first), &first);
+        EXPECT_EQ(add(name, &second), &second);
+        host.open();
+        EXPECT_EQ(parameter(host, name), &first);
+        if (void* const modules = parameter(host, "Modules"); modules != &first) {
+            const auto& list = *static_cast<quillon::DSParray<quillon::cPlugin>*>(modules);
+            ASSERT_EQ(list.count(), 2u);
+            EXPECT_TRUE(list.get(0)->initialised);
+            EXPECT_STREQ(list.get(1)->get_plugin_name(), "Tool");
+        }
+    }
 }
