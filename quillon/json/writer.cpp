@@ -181,15 +181,19 @@ std::uint64_t next_bytes(Bytes at, Bytes end) {
 constexpr std::ptrdiff_t CHARACTER_SPACE = 16;
 
 // No character takes more than three times its bytes; then come the quotes and eight bytes more.
-std::uint64_t quoted_space(std::uint32_t length) {
-    return 3 * std::uint64_t{length} + CHARACTER_SPACE;
+std::uint64_t quoted_space(std::uint64_t length) {
+    return 3 * length + CHARACTER_SPACE;
 }
 
-// The characters of a text without its quotes, until `to` passes the limit. `at` moves to the end,
-// to a zero byte, or to a character that can't be written.
-unsigned char* put_characters(unsigned char* to, Bytes limit, Bytes& text, Bytes end,
-                              bool escape_slashes) {
-    Bytes at = text; // in a register, as its address is not taken
+// Where the writing of a text has come to, in the output and in the text.
+struct Cursor {
+    unsigned char* to;
+    Bytes at;
+};
+
+// The characters of a text without its quotes, until `to` passes the limit. Stops at the end, at a
+// zero byte, or at a character that can't be written.
+Cursor put_characters(unsigned char* to, Bytes limit, Bytes at, Bytes end, bool escape_slashes) {
     while (at < end && to <= limit) {
         const std::uint64_t bytes = next_bytes(at, end);
         const std::uint64_t escaped = escaped_in(bytes, escape_slashes);
@@ -202,51 +206,59 @@ unsigned char* put_characters(unsigned char* to, Bytes limit, Bytes& text, Bytes
             continue;
         if (*at == 0)
             break;
-        Bytes after = at;
+        Bytes after = at; // whose address is taken, while `at` stays in a register
         unsigned char* written = put_character(to, after, end, escape_slashes);
         if (written == nullptr)
             break;
         to = written;
         at = after;
     }
-    text = at;
-    return to;
+    return {to, at};
+}
+
+// The whole string into `quoted_space` bytes; null where a character can't be written. The eight
+// bytes before the text's end must be readable.
+unsigned char* put_quoted(unsigned char* to, std::string_view text, bool escape_slashes) {
+    const Bytes end = bytes_of(text) + text.size();
+    Bytes limit = to + 3 * text.size() + 1;
+    *to = '"';
+    const Cursor stop = put_characters(to + 1, limit, bytes_of(text), end, escape_slashes);
+    if (stop.at != end && *stop.at != 0)
+        return nullptr;
+    *stop.to = '"';
+    return stop.to + 1;
 }
 
 // For an output without space for the whole string: block by block. A string that fails has no
 // closing quote.
 template <typename Output>
-int write_in_blocks(Output& output, Bytes at, Bytes end, bool escape_slashes) {
+int write_in_blocks(Output& output, std::string_view text, bool escape_slashes) {
     std::array<unsigned char, 512> block;
-    const Bytes limit = block.data() + block.size() - CHARACTER_SPACE;
+    Bytes limit = block.data() + block.size() - CHARACTER_SPACE;
+    Bytes at = bytes_of(text);
+    const Bytes end = at + text.size();
     int code = write_piece(output, "\"");
     while (code == cson_OK && at != end && *at != 0) {
-        const Bytes begin = at;
-        const Bytes block_end = put_characters(block.data(), limit, at, end, escape_slashes);
-        code = output.run(block.data(), block_end);
-        if (code == cson_OK && at == begin)
+        const Cursor stop = put_characters(block.data(), limit, at, end, escape_slashes);
+        code = output.run(block.data(), stop.to);
+        if (code == cson_OK && at == stop.at)
             return cson_RangeError;
+        at = stop.at;
     }
     return code == cson_OK ? write_piece(output, "\"") : code;
 }
 
-// The eight bytes before the text's end must be readable. Ends at a zero byte.
+// Ends at a zero byte.
 template <typename Output>
 int write_string(Output& output, std::string_view text, bool escape_slashes) {
     if (text.empty() || text.front() == 0)
         return write_piece(output, "\"\"");
-    Bytes at = bytes_of(text);
-    const Bytes end = at + text.size();
-    const std::uint64_t needed = quoted_space(static_cast<std::uint32_t>(text.size()));
-    unsigned char* to = output.space(needed);
-    if (to != nullptr) {
-        to = put_characters(put(to, "\""), to + needed, at, end, escape_slashes);
-        if (at == end || *at == 0) {
-            output.advance(put(to, "\""));
-            return cson_OK;
-        }
-    }
-    return write_in_blocks(output, bytes_of(text), end, escape_slashes);
+    unsigned char* to = output.space(quoted_space(text.size()));
+    to = to != nullptr ? put_quoted(to, text, escape_slashes) : nullptr;
+    if (to == nullptr)
+        return write_in_blocks(output, text, escape_slashes);
+    output.advance(to);
+    return cson_OK;
 }
 
 // --- Scalars -----------------------------------------------------------------------------------
@@ -430,19 +442,48 @@ private:
                 continue;
             }
             top.comma_due = top.next != top.count;
+            const cson_value* member =
+                pair->value != nullptr ? pair->value : &shared_constants.null;
+            if (!top.indent && put_member(key, member, comma))
+                continue;
             code = write_key(key, comma, top.indent);
             if (code == cson_OK)
-                code = write_value(pair->value != nullptr ? pair->value : &shared_constants.null);
+                code = write_value(member);
         }
         return code;
     }
 
+    // Comma, key, colon and member at once; false, with nothing written, without the space or for
+    // what has to go piece by piece.
+    bool put_member(const cson_string* key, const cson_value* member, bool comma) {
+        const std::uint64_t text_length =
+            has_kind(member, cson_kind_string)
+                ? static_cast<const cson_string*>(member->value)->length
+                : 0;
+        unsigned char* to =
+            output.space(quoted_space(key->length) + quoted_space(text_length) + cson_number_room);
+        if (to == nullptr || member->api == nullptr)
+            return false;
+        to = put_quoted(comma ? put(to, ", ") : to, view_of(key), options.escape_slashes);
+        if (to == nullptr)
+            return false;
+        to = put(to, options.space_after_colon ? ": " : ":");
+        to = member->api->kind == cson_kind_string
+                 ? put_quoted(to, view_of(static_cast<const cson_string*>(member->value)),
+                              options.escape_slashes)
+                 : put_scalar(to, member, point);
+        if (to != nullptr)
+            output.advance(to);
+        return to != nullptr;
+    }
+
     int write_key(const cson_string* key, bool comma, bool indent) {
-        const std::string_view colon = options.space_after_colon ? ": " : ":";
         int code = comma ? write_comma(indent) : cson_OK;
         if (code == cson_OK)
             code = write_string(output, view_of(key), options.escape_slashes);
-        return code == cson_OK ? write_piece(output, colon) : code;
+        if (code == cson_OK)
+            code = write_piece(output, options.space_after_colon ? ": " : ":");
+        return code;
     }
 
     int write_comma(bool indent) {
