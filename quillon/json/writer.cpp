@@ -461,7 +461,7 @@ private:
                 ? static_cast<const cson_string*>(member->value)->length
                 : 0;
         unsigned char* to =
-            output.space(quoted_space(key->length) + quoted_space(text_length) + cson_number_room);
+            output.space(quoted_space(key->length) + quoted_space(text_length) + NUMBER_ROOM);
         if (to == nullptr || member->api == nullptr)
             return false;
         to = put_quoted(comma ? put(to, ", ") : to, view_of(key), options.escape_slashes);

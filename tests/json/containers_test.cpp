@@ -1,10 +1,12 @@
 #include "json_testing.h"
 
-#include "quillon/json/tracking_allocator.h"
+#include "tracking_allocator.h"
 
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <random>
+#include <utility>
 
 using namespace quillon;
 using namespace json_testing;
@@ -50,7 +52,7 @@ TEST(Array, StoringPastTheEndLeavesHoles) {
 }
 
 TEST(Array, ReplacingReleasesTheOldEntryLast) {
-    const json::TrackingAllocator allocator;
+    const TrackingAllocator allocator;
     {
         const Value value(cson_value_make_array());
         cson_value* inner = cson_value_make_array();
@@ -99,7 +101,7 @@ TEST(Object, GrowthByHand) {
 }
 
 TEST(Object, KeysAndMembersOutliveTheirReading) {
-    const json::TrackingAllocator allocator;
+    const TrackingAllocator allocator;
     {
         Value first = tree("{\"key\":{\"a\":[1,\"text\"]},\"other\":2}");
         const Value second(cson_value_make_object());
@@ -118,16 +120,47 @@ TEST(Object, KeysAndMembersOutliveTheirReading) {
 }
 
 TEST(Object, DetachedMemberBelongsToTheCaller) {
-    const json::TrackingAllocator allocator;
-    Value value = tree("{\"a\":[1],\"b\":true,\"c\":null}");
-    const Value member(cson_object_detach(object(value), "a"));
+    const TrackingAllocator allocator;
+    Value value = tree("{\"a\":[1,{\"k\":\"text\"}],\"b\":true,\"c\":null}");
+    Value member(cson_object_detach(object(value), "a"));
     EXPECT_EQ(0u, member->refcount);
     EXPECT_EQ(cson_value_true(), cson_object_detach(object(value), "b"));
     cson_object_find(object(value), "c", nullptr)->value = nullptr;
     EXPECT_EQ(nullptr, cson_object_detach(object(value), "c"));
     EXPECT_EQ(0u, object(value)->list.count);
     value.reset();
-    EXPECT_EQ("[1]", text_of(member.get()));
+    EXPECT_EQ("[1, {\"k\":\"text\"}]", text_of(member.get()));
+
+    const std::size_t shared = allocator.bytes();
+    const Value copy(cson_value_copy(member.get()));
+    const std::size_t both = allocator.bytes();
+    member.reset();
+    EXPECT_EQ(both - shared, allocator.bytes()) << "the copy has no part of the reading's memory";
+    EXPECT_EQ("[1, {\"k\":\"text\"}]", text_of(copy.get()));
+}
+
+TEST(Object, NullPairsAndNullKeysAreSkipped) {
+    const TrackingAllocator allocator;
+    {
+        const Value value = tree("{\"a\":1,\"b\":[2],\"c\":3,\"d\":4}");
+        cson_kvp_list& list = object(value)->list;
+        cson_kvp* second = std::exchange(list.items[1], nullptr);
+        cson_value* key = std::exchange(list.items[3]->key, nullptr);
+        EXPECT_EQ("{\"a\":1, \"c\":3, }", text_of(value.get())) << "commas count places";
+        EXPECT_EQ(nullptr, cson_object_get_text(object(value), "d"));
+        const Value copy(cson_value_copy(value.get()));
+        EXPECT_EQ("{\"a\":1, \"c\":3}", text_of(copy.get()));
+        EXPECT_EQ(4u, object(copy)->list.capacity);
+        EXPECT_LT(cson_value_footprint(copy.get()), cson_value_footprint(value.get()));
+        const Value combined = tree("{\"c\":5}");
+        EXPECT_EQ(cson_OK, cson_object_combine(object(combined), object(value), 0));
+        EXPECT_EQ("{\"c\":5, \"a\":1}", text_of(combined.get()));
+        EXPECT_EQ(cson_OK, cson_object_combine(object(value), object(combined), 0));
+        EXPECT_EQ(4u, list.count);
+        list.items[1] = second;
+        list.items[3]->key = key;
+    }
+    EXPECT_EQ("", allocator.report());
 }
 
 TEST(Object, WalkGivesPairsInOrder) {
@@ -173,22 +206,56 @@ TEST(Object, Paths) {
     EXPECT_EQ(cson_ArgError, cson_object_path_marked(object(value), nullptr, nullptr));
 }
 
-TEST(Object, Combining) {
+// What combining without descending comes to, pair by pair.
+std::string combined_by_lookups(const Value& destination, const Value& source, int flags) {
+    cson_object_walker walker;
+    cson_object_walk_start(object(source), &walker);
+    while (cson_kvp* pair = cson_object_walk_next(&walker))
+        if ((flags & cson_combine_replace) != 0 ||
+            cson_object_get_string(object(destination), cson_kvp_key_string(pair)) == nullptr)
+            cson_object_put_string(object(destination), cson_kvp_key_string(pair), pair->value);
+    return text_of(destination.get());
+}
+
+TEST(Object, CombinesFlatAsLookupsWould) {
+    std::mt19937 engine(11);
+    const TrackingAllocator allocator;
+    for (int round = 0; round < 300; ++round) {
+        std::string texts[2];
+        for (std::string& text : texts) {
+            text = "{";
+            for (auto left = engine() % 150; left != 0; --left)
+                text.append(text.size() == 1 ? "\"" : ",\"")
+                    .append(engine() % 9, 'k')
+                    .append(std::to_string(engine() % 80))
+                    .append("\":")
+                    .append(std::to_string(engine() % 1000));
+        }
+        const int flags = cson_combine_flat | (round % 2 != 0 ? cson_combine_replace : 0);
+        const Value destination = tree(texts[0] + "}");
+        Value source = tree(texts[1] + "}");
+        EXPECT_EQ(cson_OK, cson_object_combine(object(destination), object(source), flags));
+        source.reset();
+        ASSERT_EQ(combined_by_lookups(tree(texts[0] + "}"), tree(texts[1] + "}"), flags),
+                  text_of(destination.get()));
+    }
+    EXPECT_EQ("", allocator.report());
+}
+
+TEST(Object, CombinesNestedObjects) {
     const struct {
-        const char* name;
         const char* destination;
         const char* source;
         int flags;
         const char* result;
     } rows[] = {
-        {"absent keys", "{\"a\":1}", "{\"b\":2}", 0, "{\"a\":1, \"b\":2}"},
-        {"nested", "{\"a\":{\"x\":1}}", "{\"a\":{\"y\":2}}", 0, "{\"a\":{\"x\":1, \"y\":2}}"},
-        {"present is left", "{\"a\":1}", "{\"a\":2}", 0, "{\"a\":1}"},
-        {"present is left with replace", "{\"a\":1}", "{\"a\":2}", cson_combine_replace,
-         "{\"a\":1}"},
-        {"flat", "{\"a\":{\"x\":1}}", "{\"a\":{\"y\":2}}", cson_combine_flat, "{\"a\":{\"x\":1}}"},
-        {"flat replace", "{\"a\":{\"x\":1}}", "{\"a\":{\"y\":2}}",
-         cson_combine_flat | cson_combine_replace, "{\"a\":{\"y\":2}}"},
+        {"{\"a\":1}", "{\"b\":2,\"a\":3}", cson_combine_replace, "{\"a\":1, \"b\":2}"},
+        {"{\"a\":{\"x\":1}}", "{\"a\":{\"y\":2},\"b\":3}", 0,
+         "{\"a\":{\"x\":1, \"y\":2}, \"b\":3}"},
+        {"{\"a\":{\"x\":1}}", "{\"a\":[]}", 0, "{\"a\":{\"x\":1}}"},
+        {"{\"a\":{\"x\":1}}", "{\"a\":{\"y\":2}}", cson_combine_flat, "{\"a\":{\"x\":1}}"},
+        {"{\"a\":{\"x\":1}}", "{\"a\":{\"y\":2}}", cson_combine_flat | cson_combine_replace,
+         "{\"a\":{\"y\":2}}"},
     };
 
     for (const auto& row : rows) {
@@ -196,12 +263,34 @@ TEST(Object, Combining) {
         Value source = tree(row.source);
         EXPECT_EQ(cson_OK, cson_object_combine(object(destination), object(source), row.flags));
         source.reset();
-        EXPECT_EQ(row.result, text_of(destination.get())) << row.name;
+        EXPECT_EQ(row.result, text_of(destination.get()));
     }
 }
 
+TEST(Object, FullReferenceCountsAreRefused) {
+    const Value destination = tree("{\"a\":1}");
+    const Value source = tree("{\"a\":2,\"b\":3}");
+    const auto most = std::numeric_limits<std::uint32_t>::max();
+    const int flat = cson_combine_flat | cson_combine_replace;
+    cson_value* const values[] = {source.get(), cson_object_get_text(object(source), "a"),
+                                  cson_object_get_text(object(source), "b"),
+                                  object(source)->list.items[1]->key};
+    for (cson_value* value : values) {
+        const std::uint32_t count = std::exchange(value->refcount, most);
+        EXPECT_EQ(cson_RangeError, cson_object_combine(object(destination), object(source), flat));
+        EXPECT_EQ(most, std::exchange(value->refcount, count));
+    }
+    cson_string* key = cson_string_make("key", 3);
+    cson_value* both = cson_value_of_string(key);
+    both->refcount = most - 1;
+    EXPECT_EQ(cson_RangeError, cson_object_put_string(object(destination), key, both));
+    both->refcount = 0;
+    cson_value_release(both);
+    EXPECT_EQ(nullptr, cson_object_get_text(object(destination), "key"));
+}
+
 TEST(Object, CombiningWithItsOwnMember) {
-    const json::TrackingAllocator allocator;
+    const TrackingAllocator allocator;
     {
         const Value value = tree("{\"a\":{\"a\":5,\"b\":6}}");
         cson_object* inner = cson_value_object(cson_object_get_text(object(value), "a"));
@@ -229,39 +318,38 @@ TEST(Copy, ObjectsHaveTheCapacityOfPuttingTheirPairs) {
     }
 }
 
-// A lookup for every one of them would take minutes.
+// Lookups for each of them would take minutes.
 TEST(Copy, ManyRepeatedKeysHaveTheFirstOnesPlaceAndTheLastMember) {
-    std::string text = "{";
-    std::string expected = "{";
-    for (int i = 0; i < 200000; ++i) {
-        const std::string key = "\"key" + std::to_string(i * 7 % 100000) + "\":[";
-        text.append(i != 0 ? "," : "").append(key).append(std::to_string(i)).append("]");
-        if (i < 100000)
-            expected.append(i != 0 ? ", " : "").append(key).append(std::to_string(i + 100000)) +=
-                ']';
+    const TrackingAllocator allocator;
+    {
+        std::string text = "{";
+        std::string expected = "{";
+        for (int i = 0; i < 200000; ++i) {
+            const std::string key = "\"key" + std::to_string(i * 7 % 100000) + "\":";
+            text.append(i != 0 ? "," : "")
+                .append(key)
+                .append("{\"key7\":" + std::to_string(i) + "}");
+            if (i < 100000)
+                expected.append(i != 0 ? ", " : "")
+                    .append(key)
+                    .append("{\"key7\":" + std::to_string(i + 100000) + "}");
+        }
+        const Value copy(cson_value_copy(tree(text + "}").get()));
+        EXPECT_EQ(200000u, object(copy)->list.capacity);
+        EXPECT_TRUE(expected + "}" == text_of(copy.get()));
+        const Value merged(cson_value_make_object());
+        EXPECT_EQ(cson_OK, cson_object_combine(object(merged), object(copy), 0));
+        EXPECT_TRUE(expected + "}" == text_of(merged.get()));
     }
-    const Value copy(cson_value_copy(tree(text + "}").get()));
-    EXPECT_EQ(200000u, object(copy)->list.capacity);
-    EXPECT_TRUE(expected + "}" == text_of(copy.get()));
+    EXPECT_EQ("", allocator.report());
 }
 
-TEST(Copy, SharesNothingButConstants) {
-    std::string wide = "{\"a\":[1,null,{\"b\":\"text\"}],\"a\":0,\"c\":2.5";
-    for (int i = 0; i < 100; ++i)
-        wide.append(",\"k").append(std::to_string(i % 90)).append("\":1");
-    for (const std::string& text :
-         {std::string("{\"a\":[1,null,{\"b\":\"text\"}],\"c\":2.5}"), wide + ",\"last\":1}"}) {
-        Value original = tree(text);
-        const Value copy(cson_value_copy(original.get()));
-        const std::string expected = text_of(copy.get());
-        original.reset();
-        EXPECT_EQ(expected, text_of(copy.get()));
-        EXPECT_EQ(expected, text_of(Value(cson_value_copy(copy.get())).get()));
-    }
-    const Value twice(cson_value_copy(tree("{\"a\":1,\"b\":2,\"a\":3}").get()));
-    EXPECT_EQ("{\"a\":3, \"b\":2}", text_of(twice.get()));
+TEST(Copy, OfConstantsAndNull) {
     EXPECT_EQ(cson_value_true(), cson_value_copy(cson_value_true()));
     EXPECT_EQ(nullptr, cson_value_copy(nullptr));
+    const Value cleared(cson_value_from_int(5));
+    cson_value_clear(cleared.get());
+    EXPECT_EQ(nullptr, cson_value_copy(cleared.get()));
 }
 
 TEST(Footprint, CountsRecordsPayloadsAndCapacities) {
@@ -276,30 +364,37 @@ TEST(Footprint, CountsRecordsPayloadsAndCapacities) {
     EXPECT_EQ(0u, cson_value_footprint(nullptr));
 }
 
-TEST(Deep, NothingRecurses) {
-    constexpr std::uint32_t levels = 65536; // what the writer's largest depth allows
-    const json::TrackingAllocator allocator;
-    {
-        Value root(cson_value_make_array());
-        for (std::uint32_t i = 1; i < levels; ++i) {
-            Value outer(i % 2 != 0 ? cson_value_make_object() : cson_value_make_array());
-            if (i % 2 != 0)
-                cson_object_put_text(object(outer), "k", root.release());
-            else
-                cson_array_push(array(outer), root.release());
-            root = std::move(outer);
-        }
-        const Value copy(cson_value_copy(root.get()));
-        EXPECT_LT(levels * sizeof(cson_value), cson_value_footprint(copy.get()));
-        cson_write_options options;
-        options.max_depth = 65535;
-        const std::string text = text_of(copy.get(), options);
-        EXPECT_EQ(levels / 2 * std::size("[{\"k\":}]") - levels / 2, text.size());
-        const Outcome again = read_whole(text, {65535, 0});
-        EXPECT_EQ(cson_Parse_NESTING_DEPTH_REACHED, again.code) << "one level too many";
-        EXPECT_EQ(cson_OK, cson_object_combine(object(root), object(copy), 0));
+// A chain of objects, each the member "k" of the next.
+Value chain(std::uint32_t levels) {
+    cson_string* key = cson_string_make("k", 1);
+    Value root(cson_value_make_object());
+    for (std::uint32_t i = 1; i < levels; ++i) {
+        Value outer(cson_value_make_object());
+        cson_kvp_list_reserve(&object(outer)->list, 2);
+        cson_object_put_string(object(outer), key, root.release());
+        root = std::move(outer);
     }
-    EXPECT_EQ("", allocator.report());
+    return root;
+}
+
+TEST(Deep, NothingRecurses) {
+    constexpr std::uint32_t levels = 5000000;
+    const Value root = chain(levels);
+    const Value copy(cson_value_copy(root.get()));
+    ASSERT_NE(nullptr, copy);
+    EXPECT_LT(levels * 40, cson_value_footprint(copy.get()));
+    EXPECT_EQ(cson_OK, cson_object_combine(object(root), object(copy), 0));
+    cson_value_clear(copy.get());
+    EXPECT_TRUE(cson_value_is_undefined(copy.get()));
+}
+
+TEST(Deep, WritesAsDeepAsTheOptionsAllow) {
+    constexpr std::uint32_t levels = 65536;
+    cson_write_options options;
+    options.max_depth = levels - 1;
+    EXPECT_EQ((levels - 1) * std::size("{\"k\":}") - (levels - 1) + 2,
+              text_of(chain(levels).get(), options).size());
+    EXPECT_EQ("code 2", text_of(chain(levels + 1).get(), options));
 }
 
 TEST(Arguments, BecomeMembers) {

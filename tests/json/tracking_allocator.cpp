@@ -1,17 +1,17 @@
-#include "quillon/json/tracking_allocator.h"
+#include "tracking_allocator.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <utility>
 
-namespace quillon::json {
+namespace json_testing {
 
 TrackingAllocator::TrackingAllocator()
-    : allocator{resize, release, this}, before(set_allocator(&allocator)) {}
+    : allocator{resize, release, this}, before(quillon::json::set_allocator(&allocator)) {}
 
 TrackingAllocator::~TrackingAllocator() {
-    set_allocator(before);
+    quillon::json::set_allocator(before);
 }
 
 std::size_t TrackingAllocator::blocks(std::string_view tag) const {
@@ -60,10 +60,10 @@ void* TrackingAllocator::resize(void* state, void* block, std::size_t bytes, con
 void TrackingAllocator::release(void* state, void* block, const char*) {
     auto* self = static_cast<TrackingAllocator*>(state);
     if (self->live.erase(block) == 0) {
-        std::fputs("cson_tracking_allocator: a block was freed that is not alive\n", stderr);
+        std::fputs("tracking allocator: a block was freed that is not alive\n", stderr);
         std::abort();
     }
     std::free(block);
 }
 
-} // namespace quillon::json
+} // namespace json_testing

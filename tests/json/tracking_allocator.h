@@ -1,4 +1,4 @@
-// An allocator that counts what the JSON component takes, for tests and debugging builds.
+// An allocator that counts what the JSON component takes,.
 #pragma once
 
 #include "quillon/json/allocator.h"
@@ -10,7 +10,7 @@
 #include <string_view>
 #include <unordered_map>
 
-namespace quillon::json {
+namespace json_testing {
 
 // In use from its construction to its destruction; create and destroy nested ones in order.
 //
@@ -48,11 +48,11 @@ private:
     static void* resize(void* state, void* block, std::size_t bytes, const char* tag);
     static void release(void* state, void* block, const char* tag);
 
-    Allocator allocator;
-    const Allocator* before;
+    quillon::json::Allocator allocator;
+    const quillon::json::Allocator* before;
     std::unordered_map<void*, block_info> live;
     std::size_t requested = 0;
     std::size_t refuse_after = never;
 };
 
-} // namespace quillon::json
+} // namespace json_testing
