@@ -154,7 +154,7 @@ inline cson_kvp* build_kvp(Pool* pool, cson_value* key, cson_value* value) {
 // Bytes of a list's storage; a size that no allocation can have where `capacity` is too large.
 inline std::size_t storage_bytes(std::uint32_t capacity) {
     constexpr std::size_t most = std::numeric_limits<std::size_t>::max();
-    const bool fits = capacity <= (most - sizeof(StorageHeader)) / sizeof(void*);
+    const bool fits = std::size_t{capacity} <= (most - sizeof(StorageHeader)) / sizeof(void*);
     return fits ? sizeof(StorageHeader) + capacity * sizeof(void*) : most;
 }
 
