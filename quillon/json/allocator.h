@@ -5,10 +5,11 @@
 
 namespace quillon::json {
 
-// Where the two functions lead; `state` is handed to both.
+// The two functions; `state` is passed to both.
 //
-// `resize` gives memory for `bytes` bytes, aligned for every scalar type: new for a null `block`,
-// else with the content of `block`, which then is gone. Null leaves `block` as it was.
+// `resize` returns memory for `bytes` bytes, aligned for every scalar type.
+// For a null `block` it is new; otherwise it replaces `block` and has its content.
+// Null means no memory, with `block` unchanged.
 struct Allocator {
     void* (*resize)(void* state, void* block, std::size_t bytes, const char* tag);
     void (*release)(void* state, void* block, const char* tag);
@@ -17,16 +18,17 @@ struct Allocator {
 
 // Makes `allocator` the one in use, or the platform's for null; returns the one before it.
 //
-// It is referred to, not copied. Blocks go back to the allocator that gave them, so swap only while
-// nothing of the component is alive.
+// It is referred to, not copied.
+// A block must be freed by the allocator it came from: change it only while no block is alive.
 const Allocator* set_allocator(const Allocator* allocator);
 
-// Gives a block of `bytes` bytes, not zeroed, or null. `tag` tells a tracking allocator what it is.
+// Allocates `bytes` bytes, not zeroed, or resizes `block` if that isn't null.
 //
-// A `block` other than null is resized; it stays as it was if there is no memory.
+// Null means no memory, with `block` unchanged.
+// `tag` names the purpose for an allocator that tracks blocks.
 void* reallocate(void* block, std::size_t bytes, const char* tag);
 
-// Frees a block; null and the shared constants are left alone.
+// Frees a block; null and the shared constants are ignored.
 void free(void* block, const char* tag);
 
 } // namespace quillon::json

@@ -1,8 +1,8 @@
 // Values of the JSON component: one record for every kind, strings, and the byte buffer.
 //
-// Plain records, free functions, counts by hand, codes for errors; nothing is locked. A value comes
-// from its maker with a count of 0 and belongs to the caller: the first container that takes it
-// raises the count, and a release at 0 frees it at once.
+// Plain records, free functions, reference counts by hand, codes for errors; nothing is locked.
+// A new value has a count of 0 and belongs to the caller.
+// The first container that takes it raises the count, and a release at 0 frees it at once.
 #pragma once
 
 #include <array>
@@ -59,7 +59,7 @@ struct cson_value_api {
 
 struct cson_value {
     const cson_value_api* api;
-    void* value; // the payload, right behind this record; null where the kind has none
+    void* value; // the payload, directly after this record; null where the kind has none
     std::uint32_t refcount;
     std::uint32_t chunk_offset; // from its pool chunk; 0 for a block of its own
 };
@@ -78,7 +78,7 @@ struct cson_buffer {
 
 namespace json {
 
-// What is never counted, emptied or freed: one record of static memory, known by its address.
+// The values that are never counted, emptied or freed: static memory, known by its address.
 struct SharedConstants {
     cson_value undefined, null, true_value, false_value, zero, double_zero, empty_string;
     std::int32_t one;
@@ -97,7 +97,8 @@ inline bool cson_value_is_shared(const void* address) {
     return offset < sizeof(json::shared_constants);
 }
 
-// A value of `kind` 3 to 7 with a zeroed payload and `extra` zeroed bytes behind it.
+// A value of `kind` 3 to 7 with a zeroed payload and `extra` zeroed bytes after it.
+//
 // Null for any other kind, and without memory.
 cson_value* cson_value_new(std::uint32_t kind, std::uint32_t extra);
 
@@ -109,10 +110,11 @@ cson_value* cson_value_from_int(std::int32_t number);
 cson_value* cson_value_from_double(double number);
 cson_value* cson_value_from_text(const char* text, std::uint32_t length);
 
-// Adds an owner. RangeError when the count is full.
+// Adds a reference. RangeError when the count is full.
 int cson_value_retain(cson_value* value);
 
-// Takes one owner away and returns how many are left; at 0 the value is freed with all it held.
+// Removes a reference and returns how many are left; at 0 the value is freed with all it held.
+//
 // Trees of any depth are freed without recursion.
 std::uint32_t cson_value_release(cson_value* value);
 
@@ -129,8 +131,11 @@ bool cson_value_is_string(const cson_value* value);
 bool cson_value_is_array(const cson_value* value);
 bool cson_value_is_object(const cson_value* value);
 
-// Conversions; ArgError for null. Strings, arrays and objects are 0 as an integer, TypeError as a
-// double. A double beyond the integers gives the nearest one, one that is not a number gives 0.
+// Converts a value; `out` may be null.
+//
+// ArgError for null.
+// Strings, arrays and objects are 0 as an integer; as a double they are 0 and a TypeError.
+// A double beyond 32 bits becomes the nearest integer, NaN becomes 0.
 int cson_value_to_bool(const cson_value* value, bool* out);
 int cson_value_to_int(const cson_value* value, std::int32_t* out);
 int cson_value_to_double(const cson_value* value, double* out);
@@ -138,7 +143,7 @@ bool cson_value_bool(const cson_value* value);
 std::int32_t cson_value_int(const cson_value* value);
 double cson_value_double(const cson_value* value);
 
-// The payload. ArgError for null (for strings also without `out`), TypeError for another kind.
+// The payload. ArgError for null, for strings also without `out`; TypeError for another kind.
 int cson_value_as_string(const cson_value* value, cson_string** out);
 int cson_value_as_array(const cson_value* value, cson_array** out);
 int cson_value_as_object(const cson_value* value, cson_object** out);
@@ -155,8 +160,9 @@ void cson_release_string(cson_string* string);
 void cson_release_array(cson_array* array);
 void cson_release_object(cson_object* object);
 
-// Copies the text. A text that is null, empty or begins with a zero byte is the shared empty
-// string.
+// A string with a copy of the text, or null without memory.
+//
+// A text that is null, empty or begins with a zero byte becomes the shared empty string.
 cson_string* cson_string_make(const char* text, std::uint32_t length);
 const char* cson_string_text(const cson_string* string);
 std::uint32_t cson_string_size(const cson_string* string);
@@ -164,28 +170,35 @@ std::uint32_t cson_string_size(const cson_string* string);
 // The number of UTF-8 characters up to the end or the first zero byte.
 std::uint32_t cson_string_chars(const cson_string* string);
 
-// Negative, 0 or positive; each text ends at its length or at its first zero byte, and of two that
-// are equal so far the shorter one comes first. A null `text` comes before a null string.
+// Negative, 0 or positive, as for terminated texts, of which at most the larger length is compared.
+//
+// `text` must be terminated, or as long as the string is.
+// Of texts that are equal so far, the one with the smaller length comes first.
+// Null comes after everything else.
 int cson_string_compare_bytes(const cson_string* string, const char* text, std::uint32_t length);
 int cson_string_compare_text(const cson_string* string, const char* text);
 int cson_string_compare(const cson_string* a, const cson_string* b);
 
-// Decodes one character and steps behind it; lenient, with 0xFFFD for what is no character.
+// Decodes one character and stores the position after it; 0xFFFD for what is not a character.
+//
 // The cursor must be before the end; only bytes between the two are read.
 std::uint32_t cson_utf8_next(const unsigned char* cursor, const unsigned char* end,
                              const unsigned char** after);
 
-// A reader fills `destination` with up to `*count` bytes, stores how many, and gives a code.
+// Fills `destination` with up to `*count` bytes, stores how many, and returns a code.
 using cson_reader = int (*)(void* state, void* destination, std::uint32_t* count);
 
-// Grows to exactly `capacity` bytes, zeroed from `used` on; 0 frees the memory and zeroes the
-// record. On AllocError the buffer stays as it was.
+// Grows to exactly `capacity` bytes, zeroed from `used` on.
+//
+// A capacity of 0 frees the memory and zeroes the record.
+// On AllocError the buffer is unchanged.
 int cson_buffer_reserve_bytes(cson_buffer* buffer, std::uint32_t capacity);
 std::uint32_t cson_buffer_fill_bytes(cson_buffer* buffer, unsigned char byte);
 
-// Replaces the content by all that the reader delivers, with a zero byte behind that isn't counted.
-// A block shorter than was asked for is the last. RangeError for a count above the room, and for
-// more than 32 bits of bytes.
+// Replaces the content by all that the reader delivers, and a zero byte that `used` doesn't count.
+//
+// A block shorter than was asked for is the last.
+// RangeError for a count above the space, and for 2^32 bytes and more.
 int cson_buffer_read_from(cson_buffer* buffer, cson_reader reader, void* state);
 
 } // namespace quillon

@@ -1,8 +1,9 @@
 // Writes trees of values as JSON text, in pieces that go to a sink.
 //
-// A double has six decimals and no exponent form. All that isn't ASCII goes out as "\u" escapes of
-// four digits; a character beyond them is a RangeError. Control characters without a short escape
-// go out as they are. Trees of any depth are written without recursion.
+// Doubles have up to six decimals and no exponent.
+// Characters beyond ASCII become "\u" escapes of four digits; RangeError for one above U+FFFF.
+// Control characters without a short escape are written unchanged.
+// Trees of any depth are written without recursion.
 #pragma once
 
 #include "quillon/json/value.h"
@@ -24,21 +25,30 @@ struct cson_write_options {
 // Takes a piece of the text. The first code other than 0 ends the writing and is its result.
 using cson_sink = int (*)(void* state, const void* bytes, std::uint32_t count);
 
-// ArgError for a null value or sink, RangeError where `max_depth` is passed. What was written
-// before a failure stays written. Null options mean the defaults.
+// Writes a tree to a sink.
+//
+// Null options mean the defaults.
+// ArgError for a null value or sink, RangeError for a container deeper than `max_depth`.
+// What was written before a failure stays written.
 int cson_write(const cson_value* value, cson_sink sink, void* state,
                const cson_write_options* options);
 
-// With a line feed at the end for null options; the stream is flushed.
+// Writes a tree to a stream, which is then flushed, or to a file.
+//
+// Null options mean the defaults and a line feed at the end.
+// IOError where the file can't be opened or a write fails; a failed write leaves a partial file.
 int cson_write_stream(const cson_value* value, std::FILE* stream,
                       const cson_write_options* options);
 int cson_write_path(const cson_value* value, const char* path, const cson_write_options* options);
 
-// Adds the text to what the buffer holds, with a zero byte behind it that isn't counted.
+// Appends the text to what the buffer holds, and a zero byte that `used` doesn't count.
 int cson_write_buffer(const cson_value* value, cson_buffer* buffer,
                       const cson_write_options* options);
 
-// The parts of the above: a quoted string, a container that stands at `level`, and a line break.
+// Parts of a tree: a quoted string, an array or object at a level, a line break at a level.
+//
+// ArgError for a null sink, and for null options of a container.
+// TypeError for a value of another kind.
 int cson_write_text(const char* text, std::uint32_t length, bool escape_slashes, cson_sink sink,
                     void* state);
 int cson_write_array(const cson_value* value, cson_sink sink, void* state,

@@ -125,16 +125,23 @@ TEST(FailingMemory, Arguments) {
     });
 }
 
-TEST(TrackingAllocator, CountsBlocksByTag) {
-    TrackingAllocator allocator;
-    cson_value* number = cson_value_from_int(5);
+TEST(Allocator, EveryBlockHasItsTag) {
+    const TrackingAllocator allocator;
+    cson_object* object = cson_value_object(cson_value_make_object());
+    cson_object_put_text(object, "key", cson_value_from_int(5));
+    cson_object_put_text(object, "other", cson_value_from_double(5));
+    cson_object_put_text(object, "list", cson_value_make_array());
+    cson_array_push(cson_value_array(cson_object_get_text(object, "list")),
+                    cson_value_from_text("ab", 2));
     cson_buffer buffer;
     cson_buffer_reserve_bytes(&buffer, 10);
-    EXPECT_EQ(1u, allocator.blocks("cson_value:int"));
-    EXPECT_EQ(2u, allocator.blocks());
-    EXPECT_EQ("cson_buffer::mem: 1 blocks, 10 bytes\ncson_value:int: 1 blocks, 28 bytes\n",
+    EXPECT_EQ("cson_buffer::mem: 1 blocks, 10 bytes\ncson_kvp: 3 blocks, 72 bytes\n"
+              "cson_kvp_list_reserve: 1 blocks, 56 bytes\ncson_value:array: 1 blocks, 40 bytes\n"
+              "cson_value:double: 1 blocks, 32 bytes\ncson_value:int: 1 blocks, 28 bytes\n"
+              "cson_value:object: 1 blocks, 40 bytes\ncson_value:string: 4 blocks, 130 bytes\n"
+              "cson_value_list_reserve: 1 blocks, 64 bytes\n",
               allocator.report());
-    cson_value_release(number);
+    cson_release_object(object);
     cson_buffer_reserve_bytes(&buffer, 0);
     EXPECT_EQ("", allocator.report());
 }

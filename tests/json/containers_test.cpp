@@ -22,11 +22,13 @@ cson_array* array(const Value& value) {
 }
 
 TEST(Array, GrowsOneEntryBeforeItIsFull) {
+    const TrackingAllocator allocator;
     const Value value(cson_value_make_array());
     const std::uint32_t capacities[] = {7, 7, 7, 7, 7, 7, 12, 12, 12, 12, 12, 22};
     for (const std::uint32_t capacity : capacities) {
         EXPECT_EQ(cson_OK, cson_array_push(array(value), cson_value_true()));
         EXPECT_EQ(capacity, array(value)->list.capacity);
+        EXPECT_EQ(nullptr, array(value)->list.items[capacity - 1]) << "zeroed";
     }
     EXPECT_EQ(cson_OK, cson_array_reserve_items(array(value), 22));
     EXPECT_EQ(22u, array(value)->list.capacity);
@@ -421,6 +423,7 @@ TEST(Lists, VisitsAndPushes) {
     EXPECT_EQ(cson_ArgError, cson_value_list_push(&list, nullptr));
     EXPECT_EQ(cson_OK, cson_value_list_push(&list, cson_value_true()));
     EXPECT_EQ(cson_OK, cson_value_list_push(&list, cson_value_false()));
+    EXPECT_EQ(cson_OK, cson_value_list_push(&list, cson_value_true()));
     const auto until_false = [](cson_value* value, void* state) {
         ++*static_cast<int*>(state);
         return cson_value_bool(value) ? 0 : 42;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <utility>
 
 namespace json_testing {
@@ -49,9 +50,13 @@ void* TrackingAllocator::resize(void* state, void* block, std::size_t bytes, con
     if (++self->requested > self->refuse_after)
         return nullptr;
     auto entry = self->live.extract(block);
+    const std::size_t old_bytes = entry.empty() ? 0 : entry.mapped().bytes;
     void* resized = std::realloc(block, bytes);
-    if (resized != nullptr)
+    if (resized != nullptr) {
         self->live[resized] = {bytes, tag};
+        if (bytes > old_bytes) // new memory is never zeros by luck
+            std::memset(static_cast<char*>(resized) + old_bytes, 0xA5, bytes - old_bytes);
+    }
     else if (!entry.empty())
         self->live.insert(std::move(entry));
     return resized;
