@@ -56,8 +56,7 @@ void* TrackingAllocator::resize(void* state, void* block, std::size_t bytes, con
         self->live[resized] = {bytes, tag};
         if (bytes > old_bytes) // new memory is never zeros by luck
             std::memset(static_cast<char*>(resized) + old_bytes, 0xA5, bytes - old_bytes);
-    }
-    else if (!entry.empty())
+    } else if (!entry.empty())
         self->live.insert(std::move(entry));
     return resized;
 }
