@@ -135,6 +135,34 @@ TEST(Plugins, EachRefusedFileHasItsReason) {
         EXPECT_THAT(table, HasSubstr(text));
 }
 
+TEST(Plugins, EachModuleSaysWhoServesItAndWhy) {
+    const ScratchFolder folder;
+    folder.add_plugins({"refuses", "graphics", "all_five", "input_and_system", "no_connect"});
+    fs::copy(PLUGIN_FOLDER "/clock.so", "plugin/0_clock.so");
+
+    const auto modules_of = [](const std::string& command) {
+        std::vector<std::string> lines;
+        const auto document = nlohmann::json::parse(run_tool(command).out);
+        for (const auto& row : document["modules"])
+            lines.push_back(row["module"].get<std::string>() + " " +
+                            row["plugin"].get<std::string>() + ": " +
+                            row["reason"].get<std::string>());
+        return lines;
+    };
+    EXPECT_THAT(modules_of("plugins --json"),
+                ElementsAre("GRAPHICS Graphics: 'Graphics' comes first, but initialize said no, "
+                            "before 'All', before 'Mute'",
+                            "INPUT All: before 'Both'", "SYSTEM clock: before 'All', before 'Both'",
+                            "NET All: no other serves it", "AUDIO All: no other serves it"));
+    EXPECT_EQ("SYSTEM All: 'clock' comes first, but initialize said no, before 'Both'",
+              modules_of("plugins --json --choose SYSTEM=All")[2]);
+    EXPECT_THAT(run_tool("plugins").out,
+                HasSubstr("\n\nmodule    plug-in   why\nGRAPHICS  Graphics"));
+    fs::remove_all("plugin");
+    fs::create_directory("plugin");
+    EXPECT_EQ("AUDIO : no plug-in here serves it", modules_of("plugins --json")[4]);
+}
+
 TEST(Plugins, GivenFolderIsTheOnlyOneOpened) {
     const ScratchFolder folder;
     folder.add_plugins({"graphics"});

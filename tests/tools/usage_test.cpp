@@ -31,6 +31,7 @@ TEST(Usage, MisuseIsAnErrorWithAHint) {
                {"--versoin", "unknown word '--versoin'; did you mean '--version'?"},
                {"plugins --jsno", "quillon plugins: unknown word '--jsno'; did you mean '--json'?"},
                {"plugins one two", "quillon plugins: unknown word 'two'"},
+               {"plugins --choose SOUND=x", "'SOUND=x' is not MODULE=NAME with GRAPHICS"},
                {"inputs --bind 'Left Contrl + S'", "'Left Contrl'; did you mean 'Left Control'?"},
                {"inputs --bind 'Space Or Mause X'", "'Mause X'; did you mean 'Mouse X'?"},
                {"inputs --frames 0", "Value 0 not in range"},

@@ -138,7 +138,39 @@ public:
         return description;
     }
 
+    std::vector<ServedModule> describe_modules() const {
+        std::vector<ServedModule> descriptions;
+        for (std::size_t i = 0; i < std::size(MODULES); ++i) {
+            const char* const name = servers[i] == nullptr ? "" : servers[i]->get_plugin_name();
+            descriptions.push_back({MODULES[i].keyword, name, why_served(i)});
+        }
+        return descriptions;
+    }
+
 private:
+    // The plug-ins that say yes to a module, before and after the one that serves it.
+    std::string why_served(std::size_t module) const {
+        std::vector<std::string> parts;
+        bool is_before = true;
+        for (const quillon::cPlugin* plugin : plugins) {
+            if (plugin == servers[module])
+                is_before = false;
+            else if (plugin->get_plugin_compatibility(MODULES[module].keyword))
+                parts.push_back(is_before
+                                    ? quoted(plugin->get_plugin_name()) + " comes first, but " +
+                                          why_passed_over(*plugin, MODULES[module])
+                                    : "before " + quoted(plugin->get_plugin_name()));
+        }
+        if (MODULES[module].table() != nullptr)
+            return parts.empty() ? "no other serves it" : joined(parts);
+        return parts.empty() ? "no plug-in here serves it" : joined(parts);
+    }
+
+    std::string why_passed_over(const quillon::cPlugin& plugin, const Module& module) const {
+        const std::string reason = describe(plugin).reason;
+        return reason.empty() ? why_module_stayed_free(plugin, module) : reason;
+    }
+
     static std::vector<std::string> prerequisites_of(const quillon::cPlugin& plugin) {
         quillon::DSParray<std::string> names(false);
         plugin.get_plugin_prereqs(names);
@@ -182,7 +214,7 @@ private:
             const Module& module = MODULES[i];
             if (!plugin.get_plugin_compatibility(module.keyword))
                 continue;
-            if (module.table() == nullptr)
+            if (module.table() == nullptr || was_asked_before(plugin, servers[i]))
                 return why_module_stayed_free(plugin, module);
             // A plug-in that changes its answers is not recognised as the server of its module.
             const std::string server =
@@ -191,6 +223,15 @@ private:
         }
         return taken.empty() ? "serves none of the five modules"
                              : "every module that it serves is taken: " + joined(taken);
+    }
+
+    // One with prerequisites may have come too late although its file comes first.
+    bool was_asked_before(const quillon::cPlugin& plugin, const quillon::cPlugin* server) const {
+        const auto position = [this](const quillon::cPlugin* sought) {
+            return std::ranges::find(plugins, sought);
+        };
+        return server != nullptr && prerequisites_of(plugin).empty() &&
+               position(&plugin) < position(server);
     }
 
     static std::string why_module_stayed_free(const quillon::cPlugin& plugin,
@@ -220,6 +261,7 @@ PluginReport report_on(const fs::path& folder) {
     const Outcome outcome(plugins);
     for (const quillon::cPlugin* plugin : plugins)
         report.loaded.push_back(outcome.describe(*plugin));
+    report.modules = outcome.describe_modules();
     return report;
 }
 

@@ -23,9 +23,16 @@ struct RefusedFile {
     std::string reason;
 };
 
+struct ServedModule {
+    std::string module; // its keyword
+    std::string plugin; // the name of the one that serves it; empty if none does
+    std::string reason; // why that one, or why none
+};
+
 struct PluginReport {
     std::vector<LoadedPlugin> loaded; // by index
     std::vector<RefusedFile> refused;
+    std::vector<ServedModule> modules; // all five
 };
 
 // Opens the plug-ins of `folder`, once a process, and reports the outcome.
