@@ -1,12 +1,14 @@
 // A network as bad as a test needs it, between one peer and its host on 127.0.0.1.
 #pragma once
 
+#include <arpa/inet.h>
 #include <enet/enet.h>
 
 #include <chrono>
 #include <cstdint>
 #include <map>
 #include <random>
+#include <utility>
 #include <vector>
 
 // How datagrams fare, by shares of 1.
@@ -20,35 +22,64 @@ struct Weather {
 // The peer joins `port()` in place of the host's.
 class LossyProxy {
 public:
-    LossyProxy(std::uint16_t host_port, const Weather& weather);
+    explicit LossyProxy(std::uint16_t host_port) : host{htonl(INADDR_LOOPBACK), host_port} {
+        const ENetAddress any_port{htonl(INADDR_LOOPBACK), 0};
+        enet_socket_bind(socket, &any_port);
+        enet_socket_set_option(socket, ENET_SOCKOPT_NONBLOCK, 1);
+    }
+
     LossyProxy(const LossyProxy&) = delete;
     LossyProxy& operator=(const LossyProxy&) = delete;
-    ~LossyProxy();
 
-    std::uint16_t port() const { return address.port; }
+    ~LossyProxy() { enet_socket_destroy(socket); }
 
-    void set_weather(const Weather& changed) { weather = changed; }
+    std::uint16_t port() const {
+        ENetAddress address{};
+        enet_socket_get_address(socket, &address);
+        return address.port;
+    }
 
-    // Takes what has arrived, and passes on what is due.
-    void update();
+    // Takes the datagrams that have arrived, and passes on those that are due.
+    void update() {
+        ENetAddress from{};
+        std::vector<std::uint8_t> bytes(ENET_PROTOCOL_MAXIMUM_MTU);
+        ENetBuffer buffer{bytes.data(), bytes.size()};
+        for (int size = 0; (size = enet_socket_receive(socket, &from, &buffer, 1)) > 0;)
+            take(from, {bytes.begin(), bytes.begin() + size});
+        for (; !waiting.empty() && waiting.begin()->first <= Clock::now();
+             waiting.erase(waiting.begin())) {
+            auto& [to, data] = waiting.begin()->second;
+            ENetBuffer out{data.data(), data.size()};
+            enet_socket_send(socket, &to, &out, 1);
+        }
+    }
+
+    Weather weather;
 
 private:
     using Clock = std::chrono::steady_clock;
 
-    struct Datagram {
-        ENetAddress to;
-        std::vector<std::uint8_t> bytes;
-    };
-
-    void take(const ENetAddress& from, std::vector<std::uint8_t> bytes);
-
     bool happens(double share) { return std::bernoulli_distribution(share)(random); }
 
-    ENetSocket socket;
-    ENetAddress address{};
+    void take(const ENetAddress& from, std::vector<std::uint8_t> bytes) {
+        const bool is_from_host = from.port == host.port;
+        if (!is_from_host)
+            peer = from;
+        if (happens(weather.lost))
+            return;
+        if (happens(weather.damaged))
+            bytes[random() % bytes.size()] ^= static_cast<std::uint8_t>(1 + random() % 255);
+        for (int copies = happens(weather.doubled) ? 2 : 1; copies > 0; --copies) {
+            std::uniform_real_distribution<> share(0, 1);
+            waiting.emplace(Clock::now() + std::chrono::duration_cast<Clock::duration>(
+                                               share(random) * weather.max_delay),
+                            std::pair(is_from_host ? peer : host, bytes));
+        }
+    }
+
+    ENetSocket socket = enet_socket_create(ENET_SOCKET_TYPE_DATAGRAM);
     ENetAddress host;
     ENetAddress peer{};
-    Weather weather;
     std::mt19937 random{20};
-    std::multimap<Clock::time_point, Datagram> waiting;
+    std::multimap<Clock::time_point, std::pair<ENetAddress, std::vector<std::uint8_t>>> waiting;
 };
