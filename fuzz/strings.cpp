@@ -1,7 +1,7 @@
 // The text helpers, on any text, width and capacity.
 #include "check.h"
 
-#include "quillon/containers/names.h"
+#include "quillon/containers/name_hash.h"
 #include "quillon/files/strings.h"
 
 #include <fuzzer/FuzzedDataProvider.h>

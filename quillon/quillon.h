@@ -12,7 +12,7 @@
 #include "quillon/appearance/material_names.h"
 #include "quillon/containers/list.h"
 #include "quillon/containers/map.h"
-#include "quillon/containers/names.h"
+#include "quillon/containers/name_hash.h"
 #include "quillon/core/file_list.h"
 #include "quillon/core/interfaces.h"
 #include "quillon/core/modules.h"

@@ -1,4 +1,4 @@
-#include "quillon/containers/names.h"
+#include "quillon/containers/name_hash.h"
 
 #include <benchmark/benchmark.h>
 

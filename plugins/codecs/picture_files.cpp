@@ -2,7 +2,7 @@
 
 #include "codecs.h"
 
-#include "quillon/containers/names.h"
+#include "quillon/containers/name_hash.h"
 
 #include <algorithm>
 #include <array>

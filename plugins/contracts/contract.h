@@ -10,7 +10,7 @@
 #pragma once
 
 #include "quillon/containers/map.h"
-#include "quillon/containers/names.h"
+#include "quillon/containers/name_hash.h"
 #include "quillon/core/interfaces.h"
 #include "quillon/core/modules.h"
 #include "quillon/core/plugin_registry.h"

@@ -1,7 +1,7 @@
 // Rows of the named tables, and the look-up that they share.
 #pragma once
 
-#include "quillon/containers/names.h"
+#include "quillon/containers/name_hash.h"
 
 #include <array>
 #include <cstddef>

@@ -1,6 +1,6 @@
 #include "quillon/core/file_list.h"
 
-#include "quillon/containers/names.h"
+#include "quillon/containers/name_hash.h"
 #include "quillon/core/matching_names.h"
 #include "quillon/platform/folders.h"
 #include "quillon/platform/paths.h"

@@ -30,7 +30,7 @@
 
 #include "quillon/containers/list.h"
 #include "quillon/containers/map.h"
-#include "quillon/containers/names.h"
+#include "quillon/containers/name_hash.h"
 #include "quillon/core/interfaces.h"
 #include "quillon/core/plugin_registry.h"
 

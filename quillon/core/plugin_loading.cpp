@@ -1,4 +1,4 @@
-#include "quillon/containers/names.h"
+#include "quillon/containers/name_hash.h"
 #include "quillon/core/core_lists.h"
 #include "quillon/core/end_of_life.h"
 #include "quillon/core/loaded_plugin.h"

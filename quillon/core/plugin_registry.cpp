@@ -1,5 +1,6 @@
 #include "quillon/core/plugin_registry.h"
-#include "quillon/containers/names.h"
+
+#include "quillon/containers/name_hash.h"
 #include "quillon/core/core_lists.h"
 
 #include <limits>

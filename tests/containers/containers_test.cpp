@@ -1,7 +1,7 @@
 #include "quillon/containers/key_index.h"
 #include "quillon/containers/list.h"
 #include "quillon/containers/map.h"
-#include "quillon/containers/names.h"
+#include "quillon/containers/name_hash.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

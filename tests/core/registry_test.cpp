@@ -1,6 +1,6 @@
 #include "loaded_library.h"
 
-#include "quillon/containers/names.h"
+#include "quillon/containers/name_hash.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

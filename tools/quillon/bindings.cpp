@@ -2,7 +2,7 @@
 
 #include "command.h"
 #include "nearest_word.h"
-#include "quillon/containers/names.h"
+#include "quillon/containers/name_hash.h"
 #include "quillon/input/names.h"
 
 #include <algorithm>

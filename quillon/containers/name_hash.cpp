@@ -1,4 +1,4 @@
-#include "quillon/containers/names.h"
+#include "quillon/containers/name_hash.h"
 
 std::uint32_t __mystring_hash(const char* text) {
     return quillon::name_hash(text);
