@@ -36,7 +36,7 @@ public:
 
 } // namespace
 
-// The input is the filter, a line feed, and what is put behind the prepared folder's name.
+// The input is the filter, a line feed, and what is appended to the prepared folder's name.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string text = std::string(reinterpret_cast<const char*>(data), size).c_str();
     const std::size_t line = std::min(text.find('\n'), text.size());
@@ -53,7 +53,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const bool is_folder = fs::is_directory(fs::path(folder) / name.get());
         // A tail may lead out of the folder, and with a "\" in it to where we would not look.
         if (tail.empty())
-            check(is_folder == folders, "a filter gives files, none gives folders");
+            check(is_folder == folders, "a filter lists files, none lists folders");
         entry = entry->next;
     }
     return 0;

@@ -24,7 +24,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string file = part_of(path, __mFileOps_get_pathname_filename);
     const std::string folder = part_of(path, __mFileOps_get_pathname_path);
     check(file.find_first_of("/\\") == std::string::npos, "a file name has no folder");
-    check(folder.empty() || path.starts_with(folder), "a folder stands ahead");
+    check(folder.empty() || path.starts_with(folder), "a folder begins the path");
     if (!file.empty())
         check(path.ends_with(file + '.' + extension), "name, dot and extension end the path");
     check(__mFileOps_check_for_extension(path.c_str(), extension.c_str()) ==

@@ -38,11 +38,11 @@ void measure(const std::string& text) {
 }
 
 void copy(const std::string& text, std::uint16_t capacity) {
-    const std::size_t room = capacity == 0 ? text.size() + 1 : capacity;
-    const auto destination = std::make_unique<char[]>(room); // its end is watched
+    const std::size_t size = capacity == 0 ? text.size() + 1 : capacity;
+    const auto destination = std::make_unique<char[]>(size); // its end is watched
     __mystring_char_pointer_copy(destination.get(), text.c_str(), capacity);
     const std::size_t length = std::strlen(destination.get());
-    check(length == std::min(text.size(), room - 1), "the copy fills its room");
+    check(length == std::min(text.size(), size - 1), "the copy fills its buffer");
     check(text.starts_with(destination.get()), "the copy is the beginning");
 }
 

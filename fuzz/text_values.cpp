@@ -17,7 +17,7 @@ namespace {
 using namespace quillon;
 
 // Reads the whole text and the closed fields of it alone: what no "#" closes must not count.
-template <class Value>
+template <typename Value>
 void read(void (*from_string)(Value&, const char*), const std::string& text, Value whole) {
     Value closed = whole;
     from_string(whole, text.c_str());

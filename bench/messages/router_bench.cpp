@@ -15,7 +15,7 @@ namespace {
 
 using namespace quillon;
 
-constexpr std::uint32_t type_count = 1000;
+constexpr std::uint32_t TYPE_COUNT = 1000;
 
 class Counter final : public cMessageObserver {
 public:
@@ -24,10 +24,10 @@ public:
     std::uint64_t received = 0;
 };
 
-// Type numbers as name hashes would give them, and the order in which a run posts them.
+// Type numbers as name hashes have them, and the order in which a run posts them.
 std::vector<std::uint32_t> scattered_types() {
     std::mt19937 draw(1);
-    std::vector<std::uint32_t> types(type_count);
+    std::vector<std::uint32_t> types(TYPE_COUNT);
     for (std::uint32_t& type : types)
         type = static_cast<std::uint32_t>(draw());
     return types;
@@ -37,7 +37,7 @@ std::vector<std::uint32_t> posting_order() {
     std::mt19937 draw(2);
     std::vector<std::uint32_t> order(4096);
     for (std::uint32_t& place : order)
-        place = static_cast<std::uint32_t>(draw()) % type_count;
+        place = static_cast<std::uint32_t>(draw()) % TYPE_COUNT;
     return order;
 }
 
@@ -47,11 +47,11 @@ class Posting {
 public:
     explicit Posting(const benchmark::State& state)
         : per_type(static_cast<std::size_t>(state.range(0))),
-          counters(state.range(1) != 0 ? per_type * type_count : per_type) {}
+          counters(state.range(1) != 0 ? per_type * TYPE_COUNT : per_type) {}
 
-    template <class Connect>
+    template <typename Connect>
     void for_each_registration(Connect connect) {
-        for (std::size_t i = 0; i < per_type * type_count; ++i)
+        for (std::size_t i = 0; i < per_type * TYPE_COUNT; ++i)
             connect(i / per_type, counters[i % counters.size()]);
     }
 
@@ -78,7 +78,7 @@ void post_router(benchmark::State& state) {
 void post_signals2(benchmark::State& state) {
     const auto order = posting_order();
     Posting posting(state);
-    std::vector<boost::signals2::signal<void(cMessage*)>> signals(type_count);
+    std::vector<boost::signals2::signal<void(cMessage*)>> signals(TYPE_COUNT);
     posting.for_each_registration([&](std::size_t type, Counter& counter) {
         signals[type].connect([&counter](cMessage*) { ++counter.received; });
     });
@@ -93,7 +93,7 @@ void post_signals2(benchmark::State& state) {
 BENCHMARK(post_router)->ArgNames({"observers", "own"})->ArgsProduct({{1, 10, 100}, {0, 1}});
 BENCHMARK(post_signals2)->ArgNames({"observers", "own"})->ArgsProduct({{1, 10, 100}, {0, 1}});
 
-// The delayed road, done plainly: entries on the heap, a walk by position, an erase per delivery.
+// Delayed posts, done plainly: entries on the heap, a walk by position, an erase per delivery.
 class PlainRouter {
 public:
     void register_for_message(cMessageObserver* observer, std::uint32_t type) {
@@ -146,11 +146,11 @@ void post_one(PlainRouter& router, std::uint32_t type, float delay) {
     router.post_delayed(std::make_shared<cMessage>(cMessage{type}), delay);
 }
 
-constexpr std::uint32_t delayed_count = 100'000;
+constexpr std::uint32_t DELAYED_COUNT = 100'000;
 
-// Posts `delayed_count` messages of range(0) types, due at random over range(1) updates, and times
+// Posts `DELAYED_COUNT` messages of range(0) types, due at random over range(1) updates, and times
 // those updates.
-template <class Router>
+template <typename Router>
 void updates(benchmark::State& state) {
     const auto types = static_cast<std::uint32_t>(state.range(0));
     const auto steps = static_cast<std::uint32_t>(state.range(1));
@@ -162,9 +162,9 @@ void updates(benchmark::State& state) {
         std::mt19937 draw(3);
         for (std::uint32_t type = 0; type < types; ++type)
             router->register_for_message(&counter, type);
-        for (std::uint32_t i = 0; i < delayed_count; ++i)
+        for (std::uint32_t i = 0; i < DELAYED_COUNT; ++i)
             post_one(*router, i % types, static_cast<float>(draw() % steps) + 0.5F);
-        posted += delayed_count;
+        posted += DELAYED_COUNT;
         state.ResumeTiming();
         for (std::uint32_t i = 0; i < steps; ++i)
             router->update(1.0F);

@@ -5,10 +5,9 @@
 
 #include <algorithm>
 
+namespace quillon {
 namespace {
 
-using quillon::BLOCK_PIXELS;
-using quillon::PIXEL_BYTES;
 using std::int32_t;
 using std::int64_t;
 using std::size_t;
@@ -19,18 +18,20 @@ using std::uint8_t;
 constexpr int64_t FARTHEST = int64_t{1} << 33;
 
 struct Brush {
+    const cColor* color;
+    int32_t column; // of the centre
     float radius_square;
     float limit;
     float deviation;
 };
 
-// The pixels of one row that the brush reaches, and those among them of full strength: from the
-// index `full_begin`, counted from the first, to before `full_end`.
+// The pixels of one row that the brush touches: `count` from column `begin` on. Those of full
+// strength have the indices `full_begin` to before `full_end` among them.
 struct Stroke {
     Brush brush;
-    const quillon::cColor* color;
-    double first_dx;
     float dy_square;
+    int64_t begin;
+    size_t count;
     size_t full_begin;
     size_t full_end;
 };
@@ -49,13 +50,13 @@ QUILLON_KERNEL inline float excess(const Brush& brush, float dx_square, float dy
 // The strength of a pixel that the brush reaches.
 QUILLON_KERNEL inline float strength_at(const Brush& brush, float dx_square, float dy_square) {
     const float d = excess(brush, dx_square, dy_square);
-    const auto falloff = static_cast<float>(quillon::gauss_taylor7(d, brush.deviation));
+    const auto falloff = static_cast<float>(gauss_taylor7(d, brush.deviation));
     return d <= 0.0F ? 1.0F : falloff;
 }
 
 QUILLON_KERNEL inline uint32_t add_to_channel(uint32_t word, int channel, double component,
                                               float strength) {
-    const int shift = quillon::channel_shift(channel);
+    const int shift = channel_shift(channel);
     const auto byte = static_cast<int32_t>(word >> shift & 255);
     const auto sum = static_cast<float>(component * static_cast<double>(strength) * 255.0 + byte);
     const float positive = sum > 0.0F ? sum : 0.0F; // 0 for NaN too
@@ -64,12 +65,13 @@ QUILLON_KERNEL inline uint32_t add_to_channel(uint32_t word, int channel, double
 }
 
 QUILLON_KERNEL inline void find_strengths(const Stroke& stroke, size_t first,
-                                          quillon::PerPixel<float>& strengths) {
+                                          PerPixel<float>& strengths) {
     if (first >= stroke.full_begin && first + BLOCK_PIXELS <= stroke.full_end) {
         strengths.fill(1.0F);
         return;
     }
-    const double first_dx = stroke.first_dx + static_cast<double>(first);
+    const double first_dx =
+        static_cast<double>(stroke.begin - stroke.brush.column) + static_cast<double>(first);
     for (size_t i = 0; i < BLOCK_PIXELS; ++i) {
         const double dx = first_dx + static_cast<int32_t>(i);
         strengths[i] = strength_at(stroke.brush, square(dx), stroke.dy_square);
@@ -77,26 +79,25 @@ QUILLON_KERNEL inline void find_strengths(const Stroke& stroke, size_t first,
 }
 
 QUILLON_KERNEL inline void paint(uint8_t* pixels, size_t count, const Stroke* stroke) {
-    const double r = stroke->color->r;
-    const double g = stroke->color->g;
-    const double b = stroke->color->b;
-    const double a = stroke->color->a;
-    quillon::for_each_block(pixels, count, [=](uint8_t* block, size_t first) QUILLON_KERNEL {
-        quillon::PerPixel<float> strengths;
+    const double r = stroke->brush.color->r;
+    const double g = stroke->brush.color->g;
+    const double b = stroke->brush.color->b;
+    const double a = stroke->brush.color->a;
+    for_each_block(pixels, count, [=](uint8_t* block, size_t first) QUILLON_KERNEL {
+        PerPixel<float> strengths;
         find_strengths(*stroke, first, strengths);
         for (size_t i = 0; i < BLOCK_PIXELS; ++i) {
-            const uint32_t word = quillon::load_pixel(block + i * PIXEL_BYTES);
-            quillon::store_pixel(block + i * PIXEL_BYTES,
-                                 add_to_channel(word, 0, r, strengths[i]) |
-                                     add_to_channel(word, 1, g, strengths[i]) |
-                                     add_to_channel(word, 2, b, strengths[i]) |
-                                     add_to_channel(word, 3, a, strengths[i]));
+            const uint32_t word = load_pixel(block + i * PIXEL_BYTES);
+            store_pixel(block + i * PIXEL_BYTES, add_to_channel(word, 0, r, strengths[i]) |
+                                                     add_to_channel(word, 1, g, strengths[i]) |
+                                                     add_to_channel(word, 2, b, strengths[i]) |
+                                                     add_to_channel(word, 3, a, strengths[i]));
         }
     });
 }
 
-// How many whole distances from 0 up to before `end` fulfil the condition, which holds up to some
-// distance and no further.
+// How many of the distances 0, 1, 2 and so on, up to before `end`, fulfil the condition, which
+// holds up to some distance and no further: a binary search.
 template <typename Condition>
 int64_t reach(int64_t end, Condition holds) {
     int64_t begin = 0;
@@ -110,7 +111,7 @@ int64_t reach(int64_t end, Condition holds) {
     return begin;
 }
 
-// The half-open range of coordinates less than `reach` from `centre`, held to 0 to `size`.
+// The half-open range of coordinates less than `reach` from `centre`, clamped to 0 to `size`.
 struct Span {
     Span(int32_t centre, int64_t reach, int32_t size)
         : begin(std::max<int64_t>(centre - reach + 1, 0)),
@@ -120,41 +121,58 @@ struct Span {
     int64_t end;
 };
 
-} // namespace
+bool is_touched(const Brush& brush, float d) {
+    return d <= 0.0F || d < brush.limit;
+}
+
+// How many distances in rows the brush reaches.
+int64_t reach_in_rows(const Brush& brush) {
+    return reach(FARTHEST, [&](int64_t dy) {
+        return is_touched(brush, excess(brush, 0.0F, square(static_cast<double>(dy))));
+    });
+}
 
 // Every distance enters through its square, and all roundings keep the order of what they round: so
 // the touched pixels of a row are one run around the centre, and those of full strength as well.
-void __cBitmap_gauss_brush(const quillon::cColor& color, uint8_t* pixels, int32_t column,
-                           int32_t row, int32_t width, int32_t height, const float& radius,
+Stroke stroke_of_row(const Brush& brush, int64_t dy, int64_t farthest, int32_t width) {
+    const float dy_square = square(static_cast<double>(dy));
+    const auto excess_at = [&](int64_t dx) {
+        return excess(brush, square(static_cast<double>(dx)), dy_square);
+    };
+    const int64_t touched =
+        reach(farthest, [&](int64_t dx) { return is_touched(brush, excess_at(dx)); });
+    const int64_t full_reach = reach(touched, [&](int64_t dx) { return excess_at(dx) <= 0.0F; });
+    const Span run(brush.column, touched, width);
+    const Span full(brush.column, full_reach, width);
+    const auto size_of = [](int64_t length) {
+        return static_cast<size_t>(std::max(length, int64_t{0}));
+    };
+    return {brush,
+            dy_square,
+            run.begin,
+            size_of(run.end - run.begin),
+            size_of(full.begin - run.begin),
+            size_of(full.end - run.begin)};
+}
+
+} // namespace
+} // namespace quillon
+
+using namespace quillon;
+
+void __cBitmap_gauss_brush(const cColor& color, uint8_t* pixels, int32_t column, int32_t row,
+                           int32_t width, int32_t height, const float& radius,
                            const float& deviation) {
-    const Brush brush{radius * radius,
+    const Brush brush{&color, column, radius * radius,
                       static_cast<float>(static_cast<double>(deviation) * deviation * 4.0),
                       deviation};
-    const auto is_touched = [&](float d) { return d <= 0.0F || d < brush.limit; };
-    const int64_t farthest = reach(FARTHEST, [&](int64_t dy) {
-        return is_touched(excess(brush, 0.0F, square(static_cast<double>(dy))));
-    });
+    const int64_t farthest = reach_in_rows(brush);
     const Span rows(row, farthest, height);
     for (int64_t y = rows.begin; y < rows.end; ++y) {
-        const float dy_square = square(static_cast<double>(y - row));
-        const auto excess_at = [&](int64_t dx) {
-            return excess(brush, square(static_cast<double>(dx)), dy_square);
-        };
-        const int64_t touched =
-            reach(farthest, [&](int64_t dx) { return is_touched(excess_at(dx)); });
-        const Span run(column, touched, width);
-        if (run.begin >= run.end)
+        const Stroke stroke = stroke_of_row(brush, y - row, farthest, width);
+        if (stroke.count == 0)
             continue;
-        const Span full(column, reach(touched, [&](int64_t dx) { return excess_at(dx) <= 0.0F; }),
-                        width);
-        const Stroke stroke{brush,
-                            &color,
-                            static_cast<double>(run.begin - column),
-                            dy_square,
-                            static_cast<size_t>(full.begin - run.begin),
-                            static_cast<size_t>(std::max(full.end - run.begin, int64_t{0}))};
-        quillon::simd::run_vectorised<paint>(pixels +
-                                                 (y * width + run.begin) * int64_t{PIXEL_BYTES},
-                                             static_cast<size_t>(run.end - run.begin), &stroke);
+        uint8_t* const first = pixels + (y * width + stroke.begin) * int64_t{PIXEL_BYTES};
+        simd::run_vectorised<paint>(first, stroke.count, &stroke);
     }
 }

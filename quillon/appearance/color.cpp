@@ -3,11 +3,10 @@
 #include "quillon/appearance/color_names.h"
 #include "quillon/math/text_fields.h"
 
+namespace quillon {
 namespace {
 
-using quillon::cColor;
-
-constexpr auto KEYS = quillon::keys_of(quillon::NAMED_COLORS, &quillon::Named<cColor>::name);
+constexpr auto KEYS = detail::keys_of(NAMED_COLORS, &Named<cColor>::name);
 
 // A sixth of the circle; its multiples bound the sixths, so they are taken from the rounded value.
 constexpr double SIXTH = static_cast<float>(1.0 / 6.0);
@@ -20,15 +19,18 @@ int sixth_of(float hue) {
 }
 
 } // namespace
+} // namespace quillon
+
+using namespace quillon;
 
 const cColor* __nsColor_color_table(const std::string& name) {
-    const std::uint32_t key = quillon::upper_case_key(name.c_str());
-    const auto* row = quillon::find_by_key(KEYS, quillon::NAMED_COLORS, key);
+    const std::uint32_t key = detail::upper_case_key(name.c_str());
+    const auto* row = detail::find_by_key(KEYS, NAMED_COLORS, key);
     return row == nullptr ? nullptr : &row->value;
 }
 
 void __nsColor_color_from_string(cColor& out, const char* text) {
-    quillon::read_component_fields<24>(out, 4, text);
+    read_component_fields<24>(out, 4, text);
 }
 
 void __nsColor_hue_function(cColor& out, const float& hue, const float& saturation,

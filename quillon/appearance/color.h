@@ -1,4 +1,4 @@
-// Colours: the value, its bytes, and the exports that make one from a name, a text or a hue.
+// Colours: the value, its bytes, and conversions from a name, a text or a hue.
 #pragma once
 
 #include "quillon/export.h"
@@ -9,14 +9,14 @@
 
 namespace quillon {
 
-// The component that a byte stands for: byte / 255, rounded to 32 bits.
+// The component of a byte: byte / 255, rounded to 32 bits.
 constexpr float component_from_byte(std::uint8_t byte) {
     return static_cast<float>(byte / 255.0);
 }
 
-// The byte of a component that is held inside 0 to 1: component * 255, truncated, so 0.5 gives 127.
+// The byte of a component that is clamped to 0 to 1: component * 255, truncated, so 127 for 0.5.
 //
-// NaN gives 0.
+// 0 for NaN.
 constexpr std::uint8_t clamped_byte_from_component(float component) {
     if (!(component > 0.0F))
         return 0;
@@ -25,7 +25,7 @@ constexpr std::uint8_t clamped_byte_from_component(float component) {
 
 // The byte of a component that wraps: component * 255, truncated to a 32-bit integer, low 8 bits.
 //
-// A product that no 32-bit integer holds, or NaN, gives 0.
+// 0 for NaN, and for a product that no 32-bit integer can represent.
 constexpr std::uint8_t wrapped_byte_from_component(float component) {
     const double scaled = component * 255.0;
     if (!(scaled > -2147483649.0 && scaled < 2147483648.0))
@@ -33,7 +33,7 @@ constexpr std::uint8_t wrapped_byte_from_component(float component) {
     return static_cast<std::uint8_t>(static_cast<std::int32_t>(scaled));
 }
 
-// A colour: red, green, blue and alpha (1 is opaque), nominally 0 to 1 and not held there.
+// A colour: red, green, blue and alpha (1 is opaque), nominally 0 to 1 and not clamped.
 //
 // Flat form: r, g, b, a as one byte each, clamped to 0 to 1, 4 bytes.
 // An index outside 0 to 3 refers to a scratch zero, which is shared and belongs to no colour.
@@ -93,22 +93,22 @@ private:
 
 extern "C" {
 
-// The named colour, or null for a name that none of the 53 bears; letter case does not matter.
+// Returns the named colour, or null if no colour has that name; letter case is ignored.
 //
-// Nothing is trimmed. The name is compared by its name_hash.
-// The colour is the library's and lives as long as it.
+// Names are compared by their name_hash; nothing is trimmed.
+// The colour belongs to the library and lives as long as it.
 QUILLON_API const quillon::cColor* __nsColor_color_table(const std::string& name);
 
 // Reads a colour from text: red, green, blue and alpha as decimals, each closed by "#".
 //
 // A component without a closed field keeps its value; fields beyond the fourth are skipped.
-// A field that is not a number, or empty, gives 0. Of a field the first 23 characters count.
+// A field that is empty or does not parse is 0. Only the first 23 characters of a field count.
 QUILLON_API void __nsColor_color_from_string(quillon::cColor& out, const char* text);
 
 // Sets an opaque colour from hue, saturation and value.
 //
 // `hue` is a fraction of the colour circle: 0 red, 1/6 yellow, 2/6 green, up to 5/6 magenta;
-// outside 0 to 1 the nearest sixth is continued. Nothing is wrapped or clamped.
+// outside 0 to 1 the formula of the nearest sixth is continued. Nothing is wrapped or clamped.
 QUILLON_API void __nsColor_hue_function(quillon::cColor& out, const float& hue,
                                         const float& saturation, const float& value);
 }

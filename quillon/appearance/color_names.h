@@ -1,4 +1,4 @@
-// The 53 named colours, as constants and as a table in the order of their making.
+// The 53 named colours: constants, and a table of them.
 #pragma once
 
 #include "quillon/appearance/color.h"
@@ -8,7 +8,7 @@
 
 namespace quillon {
 
-// One list makes the constants and the table, so that neither can miss a colour of the other.
+// One list expands to both, so that neither can miss a colour of the other.
 #define QUILLON_NAMED_COLORS(COLOR)                                                                \
     COLOR(WHITE, 1, 1, 1, 1)                                                                       \
     COLOR(GREY, 0.5, 0.5, 0.5, 1)                                                                  \

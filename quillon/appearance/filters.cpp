@@ -8,39 +8,38 @@
 #include <cstring>
 #include <optional>
 
+namespace quillon {
 namespace {
 
-using quillon::ALPHA_BITS;
-using quillon::simd::run_vectorised;
 using std::size_t;
 using std::uint16_t;
 using std::uint32_t;
 using std::uint8_t;
 
 QUILLON_KERNEL inline void mask_by_key(uint8_t* pixels, size_t count, uint32_t key) {
-    quillon::for_each_pixel(pixels, count, [=](uint32_t word) {
+    for_each_pixel(pixels, count, [=](uint32_t word) {
         return (word | ALPHA_BITS) == key ? ALPHA_BITS : ~uint32_t{0};
     });
 }
 
 QUILLON_KERNEL inline void mask_by_channel(uint8_t* pixels, size_t count, int shift) {
-    constexpr uint32_t COLOR_ONES = quillon::pixel_word(1, 1, 1, 0);
-    quillon::for_each_pixel(pixels, count, [=](uint32_t word) {
-        return ((word >> shift) & 255) * COLOR_ONES | ALPHA_BITS;
+    constexpr uint32_t color_ones = pixel_word(1, 1, 1, 0);
+    for_each_pixel(pixels, count, [=](uint32_t word) {
+        return ((word >> shift) & 255) * color_ones | ALPHA_BITS;
     });
 }
 
 QUILLON_KERNEL inline void subtract_saturated(uint8_t* pixels, size_t count, uint8_t amount) {
-    const auto amounts = quillon::per_byte<uint8_t>(amount, 0);
-    quillon::for_each_byte(pixels, count, [&](uint8_t byte, size_t i) {
+    const auto amounts = per_byte<uint8_t>(amount, 0);
+    for_each_byte(pixels, count, [&](uint8_t byte, size_t i) {
         return static_cast<uint8_t>(std::max(byte, amounts[i]) - amounts[i]);
     });
 }
 
 QUILLON_KERNEL inline void add_saturated(uint8_t* pixels, size_t count, uint8_t amount) {
-    const auto amounts = quillon::per_byte<uint8_t>(amount, 0);
-    const auto highest = quillon::per_byte<uint8_t>(static_cast<uint8_t>(255 - amount), 255);
-    quillon::for_each_byte(pixels, count, [&](uint8_t byte, size_t i) {
+    const auto amounts = per_byte<uint8_t>(amount, 0);
+    const auto highest = per_byte<uint8_t>(static_cast<uint8_t>(255 - amount), 255);
+    for_each_byte(pixels, count, [&](uint8_t byte, size_t i) {
         return static_cast<uint8_t>(std::min(byte, highest[i]) + amounts[i]);
     });
 }
@@ -72,9 +71,9 @@ std::optional<uint32_t> fixed_point_factor(float factor) {
     return fixed;
 }
 
-// Bytes are scaled two by two, each where it stands in 16 bits, so that nothing is unpacked: red
+// Bytes are scaled in pairs, each in its place within 16 bits, so that nothing is unpacked: red
 // beside green, blue beside alpha.
-constexpr size_t PAIRS = quillon::BLOCK_BYTES / 2;
+constexpr size_t PAIRS = BLOCK_BYTES / 2;
 constexpr int FIRST_SHIFT = std::endian::native == std::endian::little ? 0 : 8;
 constexpr int SECOND_SHIFT = 8 - FIRST_SHIFT;
 
@@ -104,7 +103,7 @@ struct FixedFactors {
 QUILLON_KERNEL inline void scale_by_fixed(uint8_t* pixels, size_t count, uint32_t fixed) {
     const FixedFactors of_first(fixed, fixed);
     const FixedFactors of_second(fixed, uint32_t{1} << 16);
-    quillon::for_each_block(pixels, count, [&](uint8_t* block, size_t) QUILLON_KERNEL {
+    for_each_block(pixels, count, [&](uint8_t* block, size_t) QUILLON_KERNEL {
         for (size_t i = 0; i < PAIRS; ++i) {
             uint16_t pair;
             std::memcpy(&pair, block + 2 * i, sizeof pair);
@@ -118,7 +117,7 @@ QUILLON_KERNEL inline void scale_by_fixed(uint8_t* pixels, size_t count, uint32_
 
 // The channel's byte of a pixel, scaled, in its place in the word.
 QUILLON_KERNEL inline uint32_t scaled_channel(uint32_t word, int channel, float factor) {
-    const int shift = quillon::channel_shift(channel);
+    const int shift = channel_shift(channel);
     const auto byte = static_cast<std::int32_t>(word >> shift & 255);
     const auto product = static_cast<std::int32_t>(static_cast<float>(byte) * factor);
     return static_cast<uint32_t>(std::min(product, 255)) << shift;
@@ -126,20 +125,22 @@ QUILLON_KERNEL inline uint32_t scaled_channel(uint32_t word, int channel, float 
 
 // For a factor above 0 and below 256.
 QUILLON_KERNEL inline void scale_by_float(uint8_t* pixels, size_t count, float factor) {
-    quillon::for_each_pixel(pixels, count, [=](uint32_t word) QUILLON_KERNEL {
+    for_each_pixel(pixels, count, [=](uint32_t word) QUILLON_KERNEL {
         return scaled_channel(word, 0, factor) | scaled_channel(word, 1, factor) |
                scaled_channel(word, 2, factor) | (word & ALPHA_BITS);
     });
 }
 
 } // namespace
+} // namespace quillon
 
-void __cBitmap_color_key_mask(const quillon::cColor& key, uint8_t* pixels, std::int32_t count) {
-    using quillon::wrapped_byte_from_component;
+using namespace quillon;
+
+void __cBitmap_color_key_mask(const cColor& key, uint8_t* pixels, std::int32_t count) {
     const uint32_t word =
-        quillon::pixel_word(wrapped_byte_from_component(key.r), wrapped_byte_from_component(key.g),
-                            wrapped_byte_from_component(key.b), 255);
-    run_vectorised<mask_by_key>(pixels, quillon::size_of_count(count), word);
+        pixel_word(wrapped_byte_from_component(key.r), wrapped_byte_from_component(key.g),
+                   wrapped_byte_from_component(key.b), 255);
+    simd::run_vectorised<mask_by_key>(pixels, size_of_count(count), word);
 }
 
 void __cBitmap_alpha_mask(uint8_t* pixels, std::int32_t count) {
@@ -148,24 +149,23 @@ void __cBitmap_alpha_mask(uint8_t* pixels, std::int32_t count) {
 
 void __cBitmap_monochrome_saturate_by_channel(uint8_t channel, uint8_t* pixels,
                                               std::int32_t count) {
-    if (channel < quillon::PIXEL_BYTES)
-        run_vectorised<mask_by_channel>(pixels, quillon::size_of_count(count),
-                                        quillon::channel_shift(channel));
+    if (channel < PIXEL_BYTES)
+        simd::run_vectorised<mask_by_channel>(pixels, size_of_count(count), channel_shift(channel));
 }
 
 void __cBitmap_multiply(float factor, uint8_t* pixels, std::int32_t count) {
     if (count <= 0)
         return;
     if (const auto fixed = fixed_point_factor(factor))
-        run_vectorised<scale_by_fixed>(pixels, quillon::size_of_count(count), *fixed);
+        simd::run_vectorised<scale_by_fixed>(pixels, size_of_count(count), *fixed);
     else
-        run_vectorised<scale_by_float>(pixels, quillon::size_of_count(count), factor);
+        simd::run_vectorised<scale_by_float>(pixels, size_of_count(count), factor);
 }
 
 void __cBitmap_darken(uint8_t amount, uint8_t* pixels, std::int32_t count) {
-    run_vectorised<subtract_saturated>(pixels, quillon::size_of_count(count), amount);
+    simd::run_vectorised<subtract_saturated>(pixels, size_of_count(count), amount);
 }
 
 void __cBitmap_brighten(uint8_t amount, uint8_t* pixels, std::int32_t count) {
-    run_vectorised<add_saturated>(pixels, quillon::size_of_count(count), amount);
+    simd::run_vectorised<add_saturated>(pixels, size_of_count(count), amount);
 }

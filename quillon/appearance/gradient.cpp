@@ -5,10 +5,8 @@
 #include <cstddef>
 #include <new>
 
+namespace quillon {
 namespace {
-
-using quillon::cColor;
-using quillon::cGradient;
 
 // The weights of "Skin" and "Flame" are 32-bit constants; their sums have 64 bits until the end.
 float sum_of(double weighted, float offset) {
@@ -51,14 +49,14 @@ cColor hue(const float& t) {
 
 // In the order of GRADIENT_NAMES.
 constexpr std::array FUNCTIONS{fade, monochrome, health, mana, skin, flame, hue};
-constexpr auto KEYS = quillon::keys_of(quillon::GRADIENT_NAMES);
+constexpr auto KEYS = detail::keys_of(GRADIENT_NAMES);
 
 using Gradients = std::array<cGradient, FUNCTIONS.size()>;
 
 Gradients make_gradients() {
     Gradients gradients;
     for (std::size_t i = 0; i < gradients.size(); ++i)
-        gradients[i] = {std::string(quillon::GRADIENT_NAMES[i]), FUNCTIONS[i]};
+        gradients[i] = {std::string(GRADIENT_NAMES[i]), FUNCTIONS[i]};
     return gradients;
 }
 
@@ -73,14 +71,17 @@ const Gradients& all_gradients() {
 // The name_hash of the name with its first letter made a capital and the rest small. The first byte
 // falls by 32 whatever it is, so a name that begins with anything but a letter finds nothing.
 std::uint32_t capitalised_key(std::string_view name) {
-    return quillon::name_hash(name.size(), [&](std::size_t i) {
-        const char letter = quillon::to_lower(name[i]);
+    return name_hash(name.size(), [&](std::size_t i) {
+        const char letter = detail::to_lower(name[i]);
         return i == 0 ? static_cast<char>(letter - 32) : letter;
     });
 }
 
 } // namespace
+} // namespace quillon
+
+using namespace quillon;
 
 const cGradient* __nsGradient_gradient_table(const std::string& name) {
-    return quillon::find_by_key(KEYS, all_gradients(), capitalised_key(name.c_str()));
+    return detail::find_by_key(KEYS, all_gradients(), capitalised_key(name.c_str()));
 }

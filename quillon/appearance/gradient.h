@@ -10,23 +10,23 @@
 
 namespace quillon {
 
-// A fixed formula that maps a position to a colour.
+// A named formula that maps a position to a colour.
 //
-// A position outside 0 to 1 is not clamped, and gives components outside 0 to 1.
+// A position is not clamped: outside 0 to 1 it yields components outside 0 to 1.
 struct cGradient {
     std::string name;
     cColor (*function)(const float& t);
 };
 
-// What __nsGradient_gradient_table knows, in table order.
+// The names that __nsGradient_gradient_table knows, in table order.
 constexpr std::array<std::string_view, 7> GRADIENT_NAMES{"Fade", "Monochrome", "Health", "Mana",
                                                          "Skin", "Flame",      "Hue"};
 
 } // namespace quillon
 
-// The named gradient, or null for a name that none of the seven bears; letter case does not matter.
+// Returns the named gradient, or null if no gradient has that name; letter case is ignored.
 //
-// A name is compared by its name_hash, with its first letter made a capital and the rest small.
-// The gradient is the library's and lives as long as it.
+// Names are compared by their name_hash, with a capital first letter and the rest in lower case.
+// The gradient belongs to the library and lives as long as it.
 extern "C" QUILLON_API const quillon::cGradient*
 __nsGradient_gradient_table(const std::string& name);

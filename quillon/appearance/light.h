@@ -1,4 +1,4 @@
-// The parameters of a light, stored for whoever shades with them.
+// The parameters of a light, for the renderer.
 #pragma once
 
 #include "quillon/appearance/color_names.h"
@@ -13,9 +13,9 @@ namespace quillon {
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
 
-// A light: three colours, a place, a direction, a spot and an attenuation.
+// A light: three colours, a position, a direction, a spot and an attenuation.
 //
-// The library gives the values no meaning of its own.
+// The library stores the values and does not interpret them.
 // Flat form: 61 bytes, the fields in their order.
 class cLight : cSerializable {
 public:
@@ -32,7 +32,7 @@ public:
     float intensity = 1.0F;
     std::uint8_t light_flag = 1;
 
-    // Takes the colours in another order than that of the fields.
+    // The colours come in another order than the fields.
     void set_colors(const cColor& new_ambient, const cColor& new_diffuse,
                     const cColor& new_specular, const float& new_intensity) {
         ambient = new_ambient;
@@ -70,7 +70,7 @@ public:
         return serialized_size();
     }
 
-    // Takes the direction as it stands in the buffer.
+    // The direction is read unchanged, not normalised.
     std::uint32_t deserialize(const std::uint8_t* buffer) override {
         std::uint32_t offset = 0;
         for (cColor* color : {&diffuse, &specular, &ambient})

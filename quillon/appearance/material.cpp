@@ -2,18 +2,19 @@
 
 #include "quillon/appearance/material_names.h"
 
+namespace quillon {
 namespace {
 
-using quillon::cColor;
-using quillon::cMaterial;
-
-constexpr auto KEYS = quillon::keys_of(quillon::NAMED_MATERIALS, &quillon::Named<cMaterial>::name);
+constexpr auto KEYS = detail::keys_of(NAMED_MATERIALS, &Named<cMaterial>::name);
 
 } // namespace
+} // namespace quillon
+
+using namespace quillon;
 
 const cMaterial* __nsMaterial_material_table(const std::string& name) {
-    const std::uint32_t key = quillon::upper_case_key(name.c_str());
-    const auto* row = quillon::find_by_key(KEYS, quillon::NAMED_MATERIALS, key);
+    const std::uint32_t key = detail::upper_case_key(name.c_str());
+    const auto* row = detail::find_by_key(KEYS, NAMED_MATERIALS, key);
     return row == nullptr ? nullptr : &row->value;
 }
 

@@ -1,4 +1,4 @@
-// The parameters of a surface, stored for whoever shades with them.
+// The parameters of a surface, for the renderer.
 #pragma once
 
 #include "quillon/appearance/color_names.h"
@@ -16,7 +16,7 @@ namespace quillon {
 // A material: how a surface reflects ambient, diffuse and specular light, what it emits, and the
 // specular exponent.
 //
-// The library gives the values no meaning of its own.
+// The library stores the values and does not interpret them.
 // Flat form: 20 bytes, the fields in their order.
 class cMaterial : cSerializable {
 public:
@@ -81,15 +81,15 @@ constexpr cMaterial MATERIAL_DEFAULT(WHITE, WHITE, BLACK, BLACK, 0.0F);
 
 extern "C" {
 
-// The named material, or null for a name that none of the 27 bears; letter case does not matter.
+// Returns the named material, or null if no material has that name; letter case is ignored.
 //
-// Nothing is trimmed. The name is compared by its name_hash.
-// The material is the library's, lives as long as it, and is shared by all who look it up.
+// Names are compared by their name_hash; nothing is trimmed.
+// The material belongs to the library, lives as long as it, and is shared by all who look it up.
 QUILLON_API const quillon::cMaterial* __nsMaterial_material_table(const std::string& name);
 
 // Folds the alpha of each of the four colours into its red, green and blue, and makes it opaque.
 //
-// colour = (red * alpha, green * alpha, blue * alpha, 1); the shininess stays.
-// For a copy of a named material, never for the shared one.
+// colour = (red * alpha, green * alpha, blue * alpha, 1); the shininess is unchanged.
+// Meant for a copy of a named material: the named one is shared.
 QUILLON_API void __mMaterial_opaquify(quillon::cMaterial& material);
 }

@@ -1,4 +1,4 @@
-// The 27 named materials, as a table in the order of their making.
+// The table of the 27 named materials.
 #pragma once
 
 #include "quillon/appearance/material.h"

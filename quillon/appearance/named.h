@@ -1,4 +1,4 @@
-// Rows of the named tables, and the look-up that they share.
+// Rows of the named tables, and their common look-up by key.
 #pragma once
 
 #include "quillon/containers/name_hash.h"
@@ -11,27 +11,22 @@
 
 namespace quillon {
 
-template <class T>
+// A row of a table that hosts may list.
+template <typename T>
 struct Named {
     std::string_view name;
     T value;
 };
 
-constexpr char to_upper(char letter) {
-    return letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 32) : letter;
-}
-
-constexpr char to_lower(char letter) {
-    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter + 32) : letter;
-}
+namespace detail {
 
 // The name_hash of the name in upper case; only "a" to "z" change.
 constexpr std::uint32_t upper_case_key(std::string_view name) {
     return name_hash(name.size(), [&](std::size_t i) { return to_upper(name[i]); });
 }
 
-// The name_hash of every row's name, worked out by the compiler.
-template <class Row, std::size_t N, class NameOf = std::identity>
+// The name_hash of every row's name, computed by the compiler.
+template <typename Row, std::size_t N, typename NameOf = std::identity>
 consteval std::array<std::uint32_t, N> keys_of(const std::array<Row, N>& rows,
                                                NameOf name_of = {}) {
     std::array<std::uint32_t, N> keys{};
@@ -41,7 +36,7 @@ consteval std::array<std::uint32_t, N> keys_of(const std::array<Row, N>& rows,
 }
 
 // The row whose key is `key`, or null; names are not compared.
-template <class Row, std::size_t N>
+template <typename Row, std::size_t N>
 constexpr const Row* find_by_key(const std::array<std::uint32_t, N>& keys,
                                  const std::array<Row, N>& rows, std::uint32_t key) {
     for (std::size_t i = 0; i < N; ++i)
@@ -50,4 +45,5 @@ constexpr const Row* find_by_key(const std::array<std::uint32_t, N>& keys,
     return nullptr;
 }
 
+} // namespace detail
 } // namespace quillon

@@ -5,26 +5,24 @@
 #include <cmath>
 #include <vector>
 
+namespace quillon {
 namespace {
 
-using quillon::BLOCK_PIXELS;
-using quillon::PIXEL_BYTES;
-using quillon::simd::run_vectorised;
 using std::int32_t;
 using std::size_t;
 using std::uint32_t;
 using std::uint8_t;
 
 // A row of heights. Element x + 1 belongs to column x: copies of the last and the first column
-// stand at the ends, so that neighbours across the edge are read like others.
+// are at the ends, so that neighbours across the edge are read like any other.
 using Row = std::vector<double>;
 
 // sum / 3.0 for the sum of three bytes, without the division: the first product is exact, so only
 // the addition rounds, and the second is good to far more digits than decide that rounding.
 constexpr double third_of(int32_t sum) {
-    constexpr double HIGH = 0x0.5555555554p0;
-    constexpr double LOW = (1.0 - 3.0 * HIGH) / 3.0;
-    return sum * HIGH + sum * LOW;
+    constexpr double high = 0x0.5555555554p0;
+    constexpr double low = (1.0 - 3.0 * high) / 3.0;
+    return sum * high + sum * low;
 }
 
 constexpr bool thirds_are_exact() {
@@ -37,12 +35,12 @@ constexpr bool thirds_are_exact() {
 static_assert(thirds_are_exact());
 
 QUILLON_KERNEL inline int32_t channel_of(uint32_t word, int channel) {
-    return static_cast<int32_t>(word >> quillon::channel_shift(channel) & 255);
+    return static_cast<int32_t>(word >> channel_shift(channel) & 255);
 }
 
 QUILLON_KERNEL inline void read_heights(const uint8_t* pixels, size_t count, double* heights) {
     for (size_t i = 0; i < count; ++i) {
-        const uint32_t word = quillon::load_pixel(pixels + i * PIXEL_BYTES);
+        const uint32_t word = load_pixel(pixels + i * PIXEL_BYTES);
         const int32_t sum = channel_of(word, 0) + channel_of(word, 1) + channel_of(word, 2);
         heights[i] = (channel_of(word, 3) / 65536.0) * third_of(sum);
     }
@@ -57,15 +55,16 @@ struct Neighbours {
 
 // A block of vectors (x, y, 1) in both precisions.
 struct Vectors {
-    quillon::PerPixel<double> x;
-    quillon::PerPixel<double> y;
-    quillon::PerPixel<float> x32;
-    quillon::PerPixel<float> y32;
+    PerPixel<double> x;
+    PerPixel<double> y;
+    PerPixel<float> x32;
+    PerPixel<float> y32;
 };
 
-using Words = quillon::PerPixel<uint32_t>;
+using Words = PerPixel<uint32_t>;
 
-// All terms carry 8 times their weight, which `eighth_scale` takes back; powers of 2 round nothing.
+// All terms have 8 times their weight, which `eighth_scale` compensates: scaling by a power of 2 is
+// exact.
 QUILLON_KERNEL inline void find_vectors(const Neighbours& rows, double eighth_scale,
                                         Vectors& vectors) {
     const double* up = rows.up;
@@ -90,23 +89,23 @@ QUILLON_KERNEL inline void find_vectors(const Neighbours& rows, double eighth_sc
     }
 }
 
-// (component + 1) * 128, which lies in 0 to 256; 0 for what is not a number.
+// (component + 1) * 128, which lies in 0 to 256; 0 for NaN.
 template <typename Float>
 QUILLON_KERNEL inline Float level_of(Float component) {
     const Float level = (component + 1) * 128;
     return level > 0 ? level : 0;
 }
 
-// A level truncated, held to 255, which only 256 exceeds, and moved to its channel.
+// A level truncated, clamped to 255, which only 256 exceeds, and shifted to its channel.
 template <typename Float>
 QUILLON_KERNEL inline uint32_t in_channel(Float level, int channel) {
     const auto whole = static_cast<int32_t>(level);
-    return static_cast<uint32_t>(whole - (whole >> 8)) << quillon::channel_shift(channel);
+    return static_cast<uint32_t>(whole - (whole >> 8)) << channel_shift(channel);
 }
 
 template <typename Float>
 QUILLON_KERNEL inline uint32_t word_of_levels(Float r, Float g, Float b) {
-    return in_channel(r, 0) | in_channel(g, 1) | in_channel(b, 2) | quillon::ALPHA_BITS;
+    return in_channel(r, 0) | in_channel(g, 1) | in_channel(b, 2) | ALPHA_BITS;
 }
 
 QUILLON_KERNEL inline void normalize(const Vectors& vectors, Words& words) {
@@ -119,14 +118,14 @@ QUILLON_KERNEL inline void normalize(const Vectors& vectors, Words& words) {
     }
 }
 
-// 1 if 64 bits could give another byte than `level`, which 32 bits have put off by up to 0x1p-14.
+// 1 if 64 bits could yield another byte than `level`, whose error in 32 bits is at most 0x1p-14.
 QUILLON_KERNEL inline int32_t is_doubtful(float level) {
-    constexpr float TO_WHOLE = 0x1.8p23F; // adding it rounds to whole numbers
-    const float distance = std::abs(level - ((level + TO_WHOLE) - TO_WHOLE));
+    constexpr float to_whole = 0x1.8p23F; // adding it rounds to whole numbers
+    const float distance = std::abs(level - ((level + to_whole) - to_whole));
     return distance > 0x1p-12F ? 0 : 1;
 }
 
-// Does what normalize does in 32 bits, at a third of the cost. False if any byte is in doubt.
+// The same in 32 bits, at a third of the cost; false if any byte is in doubt.
 QUILLON_KERNEL inline bool normalize_fast(const Vectors& vectors, Words& words) {
     int32_t doubts = 0;
     for (size_t i = 0; i < BLOCK_PIXELS; ++i) {
@@ -146,7 +145,7 @@ QUILLON_KERNEL inline bool normalize_fast(const Vectors& vectors, Words& words) 
 QUILLON_KERNEL inline void write_normals(uint8_t* pixels, size_t count, const double* up,
                                          const double* here, const double* down,
                                          double eighth_scale) {
-    quillon::for_each_block(pixels, count, [=](uint8_t* block, size_t first) QUILLON_KERNEL {
+    for_each_block(pixels, count, [=](uint8_t* block, size_t first) QUILLON_KERNEL {
         Vectors vectors;
         Words words;
         find_vectors({up + first, here + first, down + first}, eighth_scale, vectors);
@@ -157,24 +156,28 @@ QUILLON_KERNEL inline void write_normals(uint8_t* pixels, size_t count, const do
 }
 
 void read_row(const uint8_t* pixels, size_t width, Row& heights) {
-    run_vectorised<read_heights>(pixels, width, heights.data() + 1);
+    simd::run_vectorised<read_heights>(pixels, width, heights.data() + 1);
     heights[0] = heights[width];
     heights[width + 1] = heights[1];
 }
 
 void write_row(uint8_t* pixels, size_t width, const Row& up, const Row& here, const Row& down,
                float scale) {
-    run_vectorised<write_normals>(pixels, width, up.data(), here.data(), down.data(), scale / 8.0);
+    simd::run_vectorised<write_normals>(pixels, width, up.data(), here.data(), down.data(),
+                                        scale / 8.0);
 }
 
 } // namespace
+} // namespace quillon
+
+using namespace quillon;
 
 void __cBitmap_bump_map_to_normal_map(uint8_t* pixels, int32_t width, int32_t height, float scale) {
     if (width <= 0 || height <= 0)
         return;
-    const size_t columns = quillon::size_of_count(width);
+    const size_t columns = size_of_count(width);
     const size_t row_bytes = columns * PIXEL_BYTES;
-    uint8_t* last_row = pixels + (quillon::size_of_count(height) - 1) * row_bytes;
+    uint8_t* last_row = pixels + (size_of_count(height) - 1) * row_bytes;
 
     // A block's last columns may lie beyond the row; they are computed and dropped.
     Row up(columns + 1 + BLOCK_PIXELS);

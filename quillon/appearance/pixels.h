@@ -1,4 +1,4 @@
-// Pixels as words, and the walk over them that the compiler turns into whole vectors.
+// Pixels as 32-bit words, and loops over them in blocks that the compiler vectorises.
 #pragma once
 
 #include "quillon/simd/dispatch.h"
@@ -45,7 +45,7 @@ QUILLON_KERNEL inline void store_pixel(std::uint8_t* pixel, std::uint32_t word) 
     std::memcpy(pixel, &word, sizeof word);
 }
 
-// A count of the flat interface as a size: 0 for what is negative.
+// A count of the flat interface as a size: 0 if it is negative.
 constexpr std::size_t size_of_count(std::int32_t count) {
     return static_cast<std::size_t>(std::max(count, 0));
 }

@@ -1,4 +1,4 @@
-// A quick way to pointers that are filed in a DSPhashMap.
+// A hash index by 32-bit key.
 #pragma once
 
 #include <cstddef>
@@ -8,11 +8,12 @@
 
 namespace quillon {
 
-// Finds pointers by 32-bit key in constant time, without an order; it refers to them and owns none.
+// Finds pointers by 32-bit key in constant time, in no order.
 //
+// Refers to the pointers and owns none.
 // Open addressing with linear probing and multiplicative hashing; at most a quarter of the slots is
 // taken. No entry leaves, and null is never stored.
-template <class T>
+template <typename T>
 class KeyIndex {
 public:
     // The value under `key`, or null.
@@ -24,7 +25,7 @@ public:
     void make_room_for_one() {
         if (used * 4 < slots.size())
             return;
-        KeyIndex larger(slots.empty() ? first_bits : bits + 1);
+        KeyIndex larger(slots.empty() ? FIRST_BITS : bits + 1);
         for (const Slot& slot : slots)
             if (slot.value != nullptr)
                 larger.add(slot.value, slot.key);
@@ -45,12 +46,14 @@ private:
         std::uint32_t key = 0;
     };
 
-    static constexpr std::uint32_t first_bits = 4;
+    static constexpr std::uint32_t FIRST_BITS = 4;
 
     explicit KeyIndex(std::uint32_t size_bits)
         : slots(std::size_t{1} << size_bits), bits(size_bits) {}
 
-    // Where `key` stands, or the free slot where it would.
+    // The slot of `key`, or the free one where it would be.
+    // Fibonacci hashing (Knuth, The Art of Computer Programming, volume 3, section 6.4): the upper
+    // bits of a product with 2^32 over the golden ratio spread runs of keys evenly.
     std::size_t position_of(std::uint32_t key) const {
         constexpr std::uint32_t golden_ratio = 0x9E3779B9;
         std::size_t position = (key * golden_ratio) >> (32 - bits);
@@ -61,7 +64,7 @@ private:
 
     std::vector<Slot> slots;
     std::size_t used = 0;
-    std::uint32_t bits = first_bits;
+    std::uint32_t bits = FIRST_BITS;
 };
 
 } // namespace quillon

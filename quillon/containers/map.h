@@ -8,12 +8,12 @@
 
 namespace quillon {
 
-// Files pointers under 32-bit keys that the caller brings (see name_hash), in ascending key order.
+// Pointers by 32-bit keys that the caller computes (see name_hash), in ascending key order.
 //
-// The first value under a key stays until the map dies; nothing takes an entry out.
+// The first value under a key stays until the map is destroyed; no entry is removed.
 // An owning map destroys its values; a DSPhashMap<void> frees them with the plain deallocator.
 // Not safe for use from two threads at once.
-template <class T>
+template <typename T>
 class DSPhashMap {
     using Entries = std::map<std::uint32_t, T*>;
 
@@ -32,7 +32,7 @@ public:
             destroy(cursor->second);
     }
 
-    // Files `value` if the key is free, and returns it either way; null is never stored.
+    // Stores `value` if the key is free, and returns it either way; null is never stored.
     // A value that was refused stays the caller's.
     T* add(T* value, std::uint32_t key) {
         if (value != nullptr)
@@ -65,7 +65,7 @@ private:
 };
 
 // A DSPhashMap that refers to its values and never destroys one.
-template <class T>
+template <typename T>
 class DSPrefHashMap : public DSPhashMap<T> {
 public:
     DSPrefHashMap() : DSPhashMap<T>(true) {}

@@ -1,9 +1,11 @@
 #include "quillon/containers/name_hash.h"
 
+using namespace quillon;
+
 std::uint32_t __mystring_hash(const char* text) {
-    return quillon::name_hash(text);
+    return name_hash(text);
 }
 
 bool __mystring_case_insensitive_string_equal(const char* a, const char* b) {
-    return quillon::equal_ignoring_case(a, b);
+    return equal_ignoring_case(a, b);
 }

@@ -20,7 +20,7 @@ struct CloseStream {
 
 using Stream = std::unique_ptr<std::FILE, CloseStream>;
 
-// Some platforms open a folder and fail at its first byte; here it cannot be opened anywhere.
+// Some platforms open a folder and fail at its first byte; here no platform opens one.
 Stream open_to_read(const char* path) {
     return Stream(platform::is_folder(path) ? nullptr : std::fopen(path, "rb"));
 }
@@ -49,7 +49,7 @@ std::string_view path_of(const char* text) {
     return path.size() <= most ? path : std::string_view();
 }
 
-constexpr std::string_view separators = "/\\";
+constexpr std::string_view SEPARATORS = "/\\";
 
 void write(char* output, std::string_view text) {
     if (!text.empty())
@@ -130,7 +130,7 @@ void __mFileOps_get_pathname_extention(char* output, const char* path) {
 
 void __mFileOps_get_pathname_filename(char* output, const char* path) {
     const std::string_view whole = path_of(path);
-    const std::size_t start = whole.find_last_of(separators) + 1; // npos makes it 0
+    const std::size_t start = whole.find_last_of(SEPARATORS) + 1; // npos makes it 0
     const std::size_t dot = whole.rfind('.');
     const bool named = dot != std::string_view::npos && dot > start;
     write(output, named ? whole.substr(start, dot - start) : std::string_view());
@@ -138,6 +138,6 @@ void __mFileOps_get_pathname_filename(char* output, const char* path) {
 
 void __mFileOps_get_pathname_path(char* output, const char* path) {
     const std::string_view whole = path_of(path);
-    const std::size_t end = whole.find_last_of(separators);
+    const std::size_t end = whole.find_last_of(SEPARATORS);
     write(output, end == std::string_view::npos ? std::string_view() : whole.substr(0, end));
 }

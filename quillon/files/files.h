@@ -1,4 +1,4 @@
-// A thin layer over the platform's files: reading, opening, copying, testing, and path names.
+// File operations: reading, opening, copying, testing, and the parts of path names.
 #pragma once
 
 #include "quillon/export.h"
@@ -9,10 +9,10 @@ extern "C" {
 
 // Reads a whole text file; the caller frees the terminated buffer with `delete[]`.
 //
-// Holds no more than the file's length at the time of opening: a file without one, as some of the
-// system's are, gives the empty string.
-// Null, with one line on standard error, if the file cannot be opened or memory runs out. What has
-// no length to ask for (a folder, a pipe) counts as a file that cannot be opened.
+// Reads no more than the file's length at the time of opening: a file whose length is 0, as some of
+// the system's are, yields the empty string.
+// Null, with one line on standard error, if the file cannot be opened or memory runs out.
+// A folder and a pipe, which have no length, cannot be opened.
 QUILLON_API char* __mFileOps_create_string_from_file(const char* path);
 
 // Opens a binary stream for reading, to be closed with __mFileOps_close.
@@ -35,23 +35,23 @@ QUILLON_API bool __mFileOps_file_exists(const char* path);
 // A file is not copied onto itself.
 QUILLON_API void __mFileOps_file_copy(const char* destination, const char* source);
 
-// True if `name` ends with `extension`, letter case included, and has two characters or more ahead
-// of it.
+// True if `name` ends with `extension`, case-sensitively, with two characters or more before it.
 QUILLON_API bool __mFileOps_check_for_extension(const char* name, const char* extension);
 
 // Makes one folder, after "\" and "//" in the path became "/".
 // False if it exists, its parent does not, or the path has 260 characters or more.
 QUILLON_API bool __mFileOps_create_directory(const char* path);
 
-// Parts of a path, in which "/" and "\" both separate. A path of more than 32767 characters counts
-// as empty. `output` has room for the result, and may be the path itself.
+// Parts of a path, in which "/" and "\" both separate.
+// A path of more than 32767 characters counts as empty.
+// `output` has capacity for the result, and may be the path itself.
 
 // What follows the last dot, even if that is in the name of a folder; empty without a dot.
 QUILLON_API void __mFileOps_get_pathname_extention(char* output, const char* path);
 
-// The name from behind the last separator up to the last dot; empty without a dot behind it.
+// The name after the last separator, up to the last dot; empty if no dot follows the separator.
 QUILLON_API void __mFileOps_get_pathname_filename(char* output, const char* path);
 
-// What stands ahead of the last separator; empty without one.
+// The part before the last separator; empty without one.
 QUILLON_API void __mFileOps_get_pathname_path(char* output, const char* path);
 }

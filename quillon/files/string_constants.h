@@ -1,4 +1,4 @@
-// Two texts for values that have none. Each unit that includes them has its own, made at load.
+// Texts for values that have none. Each unit that includes them constructs its own at load.
 #pragma once
 
 #include <string>

@@ -13,19 +13,18 @@ struct RomanStep {
     std::string_view letters;
 };
 
-constexpr RomanStep roman_steps[] = {
+constexpr RomanStep ROMAN_STEPS[] = {
     {1000, "M"}, {900, "CM"}, {500, "D"}, {400, "CD"}, {100, "C"}, {90, "XC"}, {50, "L"},
     {40, "XL"},  {10, "X"},   {9, "IX"},  {5, "V"},    {4, "IV"},  {1, "I"},
 };
 
-constexpr std::size_t roman_capacity = 256;
+constexpr std::size_t ROMAN_CAPACITY = 256;
 
 bool is_letter(char byte) {
     return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z');
 }
 
-// The wrapping of one text: `lines` is what it has become up to `position`, and at most the one
-// byte there.
+// Wraps one text: `lines` is the result up to `position`, and at most the one byte there.
 class Wrapping {
 public:
     explicit Wrapping(std::uint32_t width) : line_width(width) {}
@@ -56,7 +55,7 @@ private:
     }
 
     // The byte at `position` moves on by one and is then counted on the new line. A break right
-    // behind it makes the count wrap, and the line feed there brings it to 0.
+    // after it makes the count wrap, and the line feed there brings it to 0.
     void break_before(std::size_t place) {
         lines.insert(lines.begin() + static_cast<std::ptrdiff_t>(place), '\n');
         line_start = place + 1;
@@ -73,6 +72,8 @@ private:
 
 } // namespace
 } // namespace quillon
+
+using namespace quillon;
 
 void __mystring_char_pointer_copy(char* destination, const char* source, std::uint16_t capacity) {
     if (capacity == 0) {
@@ -113,8 +114,8 @@ void __mystring_extract_width_and_height_from_string(const char* text, std::int3
 
 void __mystring_convert_to_roman_numeral(char* destination, std::uint16_t value) {
     std::size_t length = 0;
-    for (const auto& [step, letters] : quillon::roman_steps)
-        while (value >= step && length + letters.size() < quillon::roman_capacity) {
+    for (const auto& [step, letters] : ROMAN_STEPS)
+        while (value >= step && length + letters.size() < ROMAN_CAPACITY) {
             std::memcpy(destination + length, letters.data(), letters.size());
             length += letters.size();
             value = static_cast<std::uint16_t>(value - step);
@@ -124,5 +125,5 @@ void __mystring_convert_to_roman_numeral(char* destination, std::uint16_t value)
 
 void __mystring_auto_newline(std::string& text, std::uint32_t line_width) {
     if (line_width > 0)
-        text = quillon::Wrapping(line_width).wrap(text);
+        text = Wrapping(line_width).wrap(text);
 }

@@ -6,18 +6,15 @@
 #include <algorithm>
 #include <cmath>
 
+namespace quillon {
 namespace {
 
-using quillon::cInputAnalog;
-using quillon::modInput;
-
-static_assert(modInput::analog_pad_code(0, 0) == quillon::FIRST_PAD_AXIS &&
-              modInput::analog_pad_code(quillon::PAD_AXES - 1, quillon::PAD_COUNT - 1) ==
-                  quillon::ANALOG_CODES - 1);
+static_assert(modInput::analog_pad_code(0, 0) == FIRST_PAD_AXIS &&
+              modInput::analog_pad_code(PAD_AXES - 1, PAD_COUNT - 1) == ANALOG_CODES - 1);
 
 constexpr float MOUSE_SCALE = 0.1F;
 
-// The bound axis as the plug-in sees it now; an unbound one rests at 0.
+// The bound axis, as the plug-in reports it.
 class Axis {
 public:
     explicit Axis(const cInputAnalog& binding) : module(*__mInput_instance()) {
@@ -32,7 +29,7 @@ public:
 
     // A raw position in the scale of the binding's zones.
     float scaled(float raw) const {
-        const bool mouse = code == quillon::MOUSE_X || code == quillon::MOUSE_Y;
+        const bool mouse = code == MOUSE_X || code == MOUSE_Y;
         return mouse ? raw * MOUSE_SCALE : raw;
     }
 
@@ -41,7 +38,7 @@ private:
     std::uint16_t code;
 };
 
-// Where the last update took the axis, and where from.
+// The positions of an axis after and before the last update.
 struct Move {
     float current;
     float previous;
@@ -49,7 +46,7 @@ struct Move {
 
 // Both positions NaN, which no comparison holds for, if the binding has no axis.
 Move last_move(const cInputAnalog& binding) {
-    if (binding.code == quillon::NO_INPUT)
+    if (binding.code == NO_INPUT)
         return {NAN, NAN};
     const Axis axis(binding);
     const float current = axis.value();
@@ -57,8 +54,8 @@ Move last_move(const cInputAnalog& binding) {
     return {axis.scaled(current), axis.scaled(previous)};
 }
 
-// The live travel mapped on 0 to 1, then stretched so that its far end saturates. Each of the two
-// steps is worked out in 64 bits and rounded once.
+// The live travel mapped to 0 to 1, then stretched so that its far end saturates. Each of the two
+// steps is computed in 64 bits and rounded once.
 float strength(float travel, const cInputAnalog& binding) {
     const double dead = binding.dead_zone;
     const auto live = static_cast<float>((travel - dead) * (1.0 / (1.0 - dead)));
@@ -68,9 +65,12 @@ float strength(float travel, const cInputAnalog& binding) {
 }
 
 } // namespace
+} // namespace quillon
+
+using namespace quillon;
 
 float __cInputAnalog_query(const cInputAnalog* binding) {
-    if (binding->code == quillon::NO_INPUT)
+    if (binding->code == NO_INPUT)
         return 0;
     const Axis axis(*binding);
     const float value = axis.scaled(axis.value());
@@ -100,10 +100,9 @@ bool __cInputAnalog_query_center(const cInputAnalog* binding) {
 }
 
 const char* __cInputAnalog_display_name(const cInputAnalog* binding) {
-    if (binding->code == quillon::NO_INPUT)
-        return quillon::NO_INPUT_NAME;
+    if (binding->code == NO_INPUT)
+        return NO_INPUT_NAME;
     const int row = binding->pad == -1 ? binding->code
-                                       : binding->code + binding->pad * quillon::PAD_AXES +
-                                             quillon::FIRST_PAD_AXIS;
-    return quillon::name_at(quillon::analog_input_names, row);
+                                       : binding->code + binding->pad * PAD_AXES + FIRST_PAD_AXIS;
+    return name_at(analog_input_names, row);
 }

@@ -1,8 +1,8 @@
 // The numbers of every input that a game can bind.
 //
-// A digital code stands for a key, a button, a direction of a hat or a zone of an axis; an analog
-// code for an axis. Codes are signed 16-bit and -1 means nothing bound. The input plug-in gets them
-// unchanged, as unsigned 16-bit, so one outside these ranges reaches it as well: a plug-in answers
+// A digital code is a key, a button, a direction of a hat or a zone of an axis; an analog code is
+// an axis. Codes are signed 16-bit, and -1 means that nothing is bound. The input plug-in receives
+// them unchanged, as unsigned 16-bit. One outside these ranges reaches it too: a plug-in answers
 // false or 0 to a code that it does not know.
 #pragma once
 
@@ -21,7 +21,7 @@ inline constexpr std::int16_t PAD_HATS = 2;
 enum class AxisZone : std::int16_t { Center, Minus, FullMinus, Plus, FullPlus };
 inline constexpr std::int16_t AXIS_ZONES = 5;
 
-// The directions of a hat, in the order of their codes; the arrow keys run otherwise.
+// The directions of a hat, in the order of their codes; that of the arrow keys differs.
 enum class HatDirection : std::int16_t { Left, Right, Up, Down };
 inline constexpr std::int16_t HAT_DIRECTIONS = 4;
 
@@ -33,7 +33,7 @@ inline constexpr std::int16_t PAD_FIRST_ZONE = PAD_FIRST_BUTTON + PAD_BUTTONS;
 inline constexpr std::int16_t PAD_FIRST_DIRECTION = PAD_FIRST_ZONE + PAD_AXES * AXIS_ZONES;
 inline constexpr std::int16_t PAD_CODES = PAD_FIRST_DIRECTION + PAD_HATS * HAT_DIRECTIONS;
 
-// Absolute digital codes: keyboard, mouse, then the pads one behind the other.
+// Absolute digital codes: keyboard, mouse, then the pads one after the other.
 inline constexpr std::int16_t ANY_KEY = 0;
 inline constexpr std::int16_t ANY_MOUSE = 102;
 inline constexpr std::int16_t LEFT_MOUSE = 103;

@@ -3,15 +3,11 @@
 #include "quillon/core/modules.h"
 #include "quillon/input/names.h"
 
+namespace quillon {
 namespace {
 
-using quillon::cInputDigital;
-using quillon::InputLogic;
-using quillon::modInput;
-
-static_assert(modInput::digital_pad_code(0, 0) == quillon::FIRST_PAD_CODE &&
-              modInput::digital_pad_code(quillon::PAD_CODES - 1, quillon::PAD_COUNT - 1) ==
-                  quillon::DIGITAL_CODES - 1);
+static_assert(modInput::digital_pad_code(0, 0) == FIRST_PAD_CODE &&
+              modInput::digital_pad_code(PAD_CODES - 1, PAD_COUNT - 1) == DIGITAL_CODES - 1);
 
 // One of the five questions that the input plug-in answers about a code.
 using Question = bool (modInput::*)(std::uint16_t) const;
@@ -23,7 +19,7 @@ struct Input {
     std::int16_t pad;
 
     bool answers(Question question) const {
-        if (code == quillon::NO_INPUT)
+        if (code == NO_INPUT)
             return false;
         const std::int16_t absolute = pad == -1 ? code : modInput::digital_pad_code(code, pad);
         return (module.*question)(static_cast<std::uint16_t>(absolute));
@@ -63,13 +59,16 @@ bool query(const cInputDigital& binding, Question question, Chord chord) {
 }
 
 const char* display_name(std::int16_t code, std::int16_t pad) {
-    if (code == quillon::NO_INPUT)
-        return quillon::NO_INPUT_NAME;
-    const int row = pad < 0 ? code : pad * quillon::PAD_CODES + code + quillon::FIRST_PAD_CODE;
-    return quillon::name_at(quillon::digital_input_names, row);
+    if (code == NO_INPUT)
+        return NO_INPUT_NAME;
+    const int row = pad < 0 ? code : pad * PAD_CODES + code + FIRST_PAD_CODE;
+    return name_at(digital_input_names, row);
 }
 
 } // namespace
+} // namespace quillon
+
+using namespace quillon;
 
 bool __cInputDigital_query_down(const cInputDigital* binding) {
     return query(*binding, &modInput::key_down, both);

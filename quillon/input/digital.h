@@ -1,4 +1,4 @@
-// One action of a game: two digital inputs and the logic that joins them.
+// A binding to two digital inputs, joined by a logic.
 #pragma once
 
 #include "quillon/export.h"
@@ -9,9 +9,9 @@ namespace quillon {
 struct cInputDigital;
 }
 
-// Queries ask the connected input plug-in and combine its answers; an input that is unset is false
-// and asks nothing. They are false while no input plug-in is connected and for a `logic` without a
-// name.
+// Queries ask the connected input plug-in and combine its answers.
+// An input that is unset is false and asks nothing.
+// False while no input plug-in is connected, and for a `logic` that is none of the three.
 extern "C" {
 
 // Or: either input is down. And: both are. Not: the first is and the second is not.
@@ -31,9 +31,9 @@ QUILLON_API bool __cInputDigital_query_hold_press(const quillon::cInputDigital* 
 // As for a press, with inputs that were double-clicked.
 QUILLON_API bool __cInputDigital_query_double_click(const quillon::cInputDigital* binding);
 
-// The name of the first input, whatever the logic; the text is the library's.
+// The name of the first input, whatever the logic; the text belongs to the library.
 //
-// "[NONE]" if the input is unset, "INVALID" if its code or pad leads outside digital_input_names.
+// "[NONE]" if the input is unset, "INVALID" if no row of digital_input_names has that code and pad.
 QUILLON_API const char* __cInputDigital_display_name1(const quillon::cInputDigital* binding);
 
 // The same for the second input.
@@ -47,7 +47,8 @@ enum class InputLogic : std::int32_t { Or, And, Not };
 // Plain data that the host fills in; queries keep nothing in it.
 //
 // A code is absolute if its pad is -1, else relative to pad 0 to 3; a code of -1 leaves that input
-// unset. Codes and pads are not tested: the plug-in is asked about whatever they come to.
+// unset.
+// Codes and pads are not checked: the plug-in is asked about whatever code results.
 struct cInputDigital {
     std::int16_t code1 = -1;
     std::int16_t pad1 = -1;

@@ -1,8 +1,8 @@
-// The display names of every input, made by rule at compile time.
+// The display names of every input, generated at compile time.
 //
-// The rows are constant data of whatever includes them: a row's text stays valid while the library
-// or program that holds it is loaded. Indexing a table is not checked; name_at is, and so are the
-// display operations of the bindings.
+// The rows are constant data of the library or program that includes them, and valid while it is
+// loaded.
+// Indexing a table is not checked; name_at is, and so are the display operations of the bindings.
 #pragma once
 
 #include "quillon/input/codes.h"
@@ -14,7 +14,7 @@
 
 namespace quillon {
 
-// Shown for a binding without an input, and for one whose code stands in no table.
+// Shown for a binding without an input, and for one whose code is in no table.
 inline constexpr char NO_INPUT_NAME[] = "[NONE]";
 inline constexpr char INVALID_INPUT_NAME[] = "INVALID";
 

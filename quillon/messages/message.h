@@ -1,4 +1,4 @@
-// What passes through a router: messages, those who receive them, and those who hold them back.
+// Messages, their observers, and the holders that keep delayed messages.
 #pragma once
 
 #include <cstdint>
@@ -8,8 +8,9 @@
 
 namespace quillon {
 
-// The head of every message: its type, a number that the host chooses. What follows is the
-// sender's and the receiver's affair.
+// The head of every message: its type, a number that the host chooses.
+//
+// A message is any struct that begins with such a member; the rest is up to sender and receiver.
 struct cMessage {
     std::uint32_t messageType = 0;
 };
@@ -23,16 +24,16 @@ public:
     virtual void receive_message(cMessage* message) = 0;
 
 protected:
-    // Nobody destroys an observer by this class, so the destructor is neither virtual nor public.
+    // An observer is destroyed as what it is, so this is neither virtual nor public.
     ~cMessageObserver() = default;
 
     // For the observer's own use.
     std::map<std::uint32_t, std::uint32_t> values;
 };
 
-// Keeps one message alive until its delay is over; comes from `new`.
+// Keeps one message alive until its delay is over.
 //
-// A router that took it over destroys it after its last delivery.
+// Created by `new`; the router it was posted to destroys it after its last delivery.
 class cMessageStable {
     friend class MessageClaims;
 
@@ -44,7 +45,7 @@ public:
 
     virtual ~cMessageStable() = default;
 
-    // The address that observers are given; lives as long as this object.
+    // What observers receive; lives as long as this object.
     cMessage* message() const { return address; }
 
 protected:

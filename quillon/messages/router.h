@@ -1,4 +1,4 @@
-// Brings messages to those who asked for their type, at once or after a delay.
+// Delivers messages by type, now or after a delay.
 #pragma once
 
 #include "quillon/containers/key_index.h"
@@ -13,12 +13,13 @@ namespace quillon {
 
 // Sorts observers into one mailbox per message type, and one more for those who want everything.
 //
-// For one thread at a time. Observers and messages are referred to and never owned; a holder that
-// was posted is owned until its last delivery. Holders still waiting when the router dies are left
-// alone, undelivered and undestroyed.
-// What an observer may do from inside receive_message: register, unregister and post, delayed or
-// not. A null observer, message or holder is ignored, with the result false or 0. The fields are
-// for looking at; change them through the operations alone.
+// For one thread at a time.
+// Observers and messages are referred to and never owned.
+// A posted holder is owned until its last delivery; one that still waits when the router is
+// destroyed is neither delivered nor destroyed. From inside receive_message an observer may
+// register, unregister and post, delayed or not. A null observer, message or holder is ignored; the
+// result is then false or 0. The fields may be read at any time, also from inside receive_message;
+// only the operations change them.
 class cMessageRouter {
 public:
     // A delayed message, and the delay that it has left.
@@ -27,8 +28,8 @@ public:
     struct Mailbox {
         DSParray<Entry> queue;                   // in order of posting
         DSPrefArray<cMessageObserver> observers; // in order of registration, none twice
-        // The observer that the due message in work reaches next. Between two updates it is above 0
-        // only after an exception cut the delivery of the queue's first entry short.
+        // The position of the observer that receives the due message next. Between two updates it
+        // is above 0 only after an exception interrupted the delivery of the queue's first entry.
         std::uint32_t next = 0;
     };
 
@@ -40,11 +41,11 @@ public:
     std::int16_t post_message_delayed(cMessageStable* holder, const float& delay);
     void update(const float& passed);
 
-    DSPhashMap<Mailbox> mailboxes; // by message type; made on demand, never removed
+    DSPhashMap<Mailbox> mailboxes; // by message type; created on demand, never removed
     Mailbox anything;
 
-    KeyIndex<Mailbox> index;   // the same mailboxes, at hand faster than through the map
-    Mailbox* inWork = nullptr; // the mailbox that an update is working through
+    KeyIndex<Mailbox> index;     // the same mailboxes, found in constant time
+    Mailbox* updating = nullptr; // the mailbox that an update is processing
 };
 
 } // namespace quillon
@@ -68,33 +69,35 @@ QUILLON_API bool __messageRouter_unregister_for_message(quillon::cMessageRouter*
                                                         quillon::cMessageObserver* observer,
                                                         std::uint32_t message_type);
 
-// Ends every registration for a single type, and gives their number.
+// Ends every registration for a single type, and returns their number.
 // A registration for anything stays.
 QUILLON_API std::int16_t __messageRouter_unregister_all(quillon::cMessageRouter* router,
                                                         quillon::cMessageObserver* observer);
 
-// Hands `message` to the observers of its type, then to those of anything, before it returns.
-// Gives the number of observers of the type after the delivery, cut to 16 bits.
-// `message` stays the caller's. Makes no copy, no mailbox and no allocation.
-// An exception of an observer ends the delivery and leaves to the caller.
+// Delivers `message` to the observers of its type, then to those of anything, before it returns.
+// Returns the number of observers of the type after the delivery, cut to 16 bits.
+// `message` stays the caller's. No copy, no mailbox and no allocation is made.
+// An exception of an observer ends the delivery and propagates.
 QUILLON_API std::int16_t __messageRouter_post_message(quillon::cMessageRouter* router,
                                                       quillon::cMessage* message);
 
-// Queues the message of `holder` until updates have counted `delay` down, and takes the holder
-// over. Gives the number of observers of its type at present, cut to 16 bits; nobody is called. If
-// memory runs out, nothing is queued and the holder stays the caller's.
+// Queues the message of `holder` until updates have counted `delay` down.
+// Returns the number of observers of its type at present, cut to 16 bits; nobody is called.
+// The router owns the holder from here on.
+// If memory runs out, nothing is queued and the holder stays the caller's.
 QUILLON_API std::int16_t __messageRouter_post_message_delayed(quillon::cMessageRouter* router,
                                                               quillon::cMessageStable* holder,
                                                               const float& delay);
 
 // Counts every delay down by `passed` and delivers what falls due, each queue in order of posting:
 // first to the observers of anything, then type by type in ascending order.
-// A message is due if its delay is not above `passed`; one that is queued during the update, in a
-// queue that is still in work or to come, is counted down by this update too.
+// A message is due if its delay is not above `passed`.
+// A message that is queued during the update is counted down by it too, unless its queue has been
+// processed already.
 // Called from inside an update it does nothing.
-// An exception of an observer ends the deliveries of the update, whose time still counts for every
-// delay, and leaves to the caller. The next update hands the message in question to the observers
-// behind, before any other of its queue, and delivers what else was due.
+// An exception of an observer ends the update and propagates; `passed` counts for every delay.
+// The next update resumes with the observer after the one that threw, before any other message of
+// that queue, and delivers what else was due.
 QUILLON_API void __messageRouter_update(quillon::cMessageRouter* router, const float& passed);
 }
 

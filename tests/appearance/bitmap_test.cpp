@@ -22,12 +22,12 @@ using Bytes = std::vector<uint8_t>;
 using Place = GuardedBitmap::Place;
 
 TEST(Bitmap, InitGivesOpaqueBlackOrAnEmptyBlock) {
-    constexpr int16_t LEAST = std::numeric_limits<int16_t>::min();
+    constexpr int16_t least = std::numeric_limits<int16_t>::min();
     for (const auto& [width, height, count] : {std::tuple{int16_t{3}, int16_t{1}, 3},
                                                {1, 2, 2},
                                                {0, 4, 0},
                                                {5, 0, 0},
-                                               {LEAST, LEAST, 0}}) {
+                                               {least, least, 0}}) {
         uint8_t* pixels = nullptr;
         __cBitmap_init(width, height, pixels);
         ASSERT_NE(nullptr, pixels) << width << " x " << height;
@@ -49,7 +49,7 @@ TEST(Bitmap, PixelsAreWrittenAndReadByNumber) {
 
 TEST(Bitmap, SetToColorFillsTheCountedPixels) {
     for (const int32_t count : {1, 15, 16, 17, 100}) {
-        GuardedBitmap bitmap(static_cast<std::size_t>(count) * 4, Place::AT_THE_BACK);
+        GuardedBitmap bitmap(static_cast<std::size_t>(count) * 4, Place::AtTheBack);
         __cBitmap_set_to_color(cColor(0.5F, 1, 0, 2), bitmap.pixels(), count);
         const Bytes bytes = bitmap.bytes();
         for (std::size_t i = 0; i < bytes.size(); i += 4)
@@ -65,7 +65,7 @@ TEST(Bitmap, AverageEqualsThePlainReading) {
     std::mt19937 generator(5);
     for (const auto& [width, height] :
          {std::pair{1, 1}, {1, 90}, {255, 3}, {256, 2}, {257, 5}, {1031, 7}}) {
-        GuardedBitmap bitmap(static_cast<std::size_t>(width * height * 4), Place::AT_THE_BACK);
+        GuardedBitmap bitmap(static_cast<std::size_t>(width * height * 4), Place::AtTheBack);
         Bytes bytes = bitmap.bytes();
         for (const bool is_white : {true, false}) {
             for (uint8_t& byte : bytes)
@@ -87,19 +87,19 @@ TEST(Bitmap, AverageEqualsThePlainReading) {
 
 // 4 GiB of address space, of which the tests touch the last pages.
 TEST(Bitmap, TheLargestSizesDoNotOverflow) {
-    constexpr int32_t SIZE = 32767;
-    constexpr std::size_t LAST = std::size_t{SIZE} * SIZE - 1;
-    const GuardedBitmap bitmap((LAST + 1) * 4, Place::AT_THE_BACK);
-    uint8_t* last = bitmap.pixels() + LAST * 4;
+    constexpr int32_t size = 32767;
+    constexpr std::size_t last_index = std::size_t{size} * size - 1;
+    const GuardedBitmap bitmap((last_index + 1) * 4, Place::AtTheBack);
+    uint8_t* last = bitmap.pixels() + last_index * 4;
 
-    __cBitmap_set_pixel(quillon::WHITE, bitmap.pixels(), static_cast<int32_t>(LAST));
+    __cBitmap_set_pixel(quillon::WHITE, bitmap.pixels(), static_cast<int32_t>(last_index));
     EXPECT_THAT(Bytes(last, last + 4), ElementsAre(255, 255, 255, 255));
     cColor color = quillon::BLACK;
-    __cBitmap_get_pixel(color, bitmap.pixels(), static_cast<int32_t>(LAST));
+    __cBitmap_get_pixel(color, bitmap.pixels(), static_cast<int32_t>(last_index));
     expect_color(color, 1, 1, 1, 1);
 
     std::fill_n(last, 4, uint8_t{0});
-    __cBitmap_gauss_brush(quillon::WHITE, bitmap.pixels(), SIZE - 1, SIZE - 1, SIZE, SIZE, 0, 0);
+    __cBitmap_gauss_brush(quillon::WHITE, bitmap.pixels(), size - 1, size - 1, size, size, 0, 0);
     EXPECT_THAT(Bytes(last - 4, last + 4), ElementsAre(0, 0, 0, 0, 255, 255, 255, 255));
 }
 

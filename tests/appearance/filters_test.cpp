@@ -124,8 +124,7 @@ TEST(Filters, EqualThePlainReadingInPlaceAndTouchNothingElse) {
                                                  {15, 1}, {16, 2}, {17, 3},  {31, 7},
                                                  {1, 67}, {67, 1}, {257, 3}, {130, 20}};
     for (const auto& [width, height] : sizes)
-        for (const auto place :
-             {Place::AT_THE_FRONT, Place::AT_THE_BACK, Place::AT_AN_ODD_ADDRESS}) {
+        for (const auto place : {Place::AtTheFront, Place::AtTheBack, Place::AtAnOddAddress}) {
             const Bytes source = random_bytes(static_cast<std::size_t>(width) * height * 4);
             GuardedBitmap bitmap(source.size(), place);
             for (const Case& filter : all_filters()) {
@@ -193,7 +192,7 @@ TEST(SaturateByChannel, LeavesTheBitmapAloneWithoutSuchAChannel) {
     EXPECT_THAT(pixels, ElementsAre(1, 2, 3, 4));
 }
 
-// Where byte * factor crosses a whole number the fixed-point factor has the least room.
+// Where byte * factor crosses a whole number the fixed-point factor has the least slack.
 TEST(Multiply, IsExactAroundEveryQuotientOfBytes) {
     const Bytes bytes = every_byte();
     const auto expect_exact = [&](float factor) {
@@ -219,11 +218,11 @@ TEST(Multiply, IsExactAroundEveryQuotientOfBytes) {
 // Levels that fall on whole numbers, as ramps and repeated heights make them, are what a shorter
 // way of computing them would get wrong first.
 TEST(NormalMap, IsExactOnSmoothMaps) {
-    constexpr int32_t SIZE = 70;
+    constexpr int32_t size = 70;
     for (int variant = 0; variant < 4; ++variant) {
         Bytes map;
-        for (int y = 0; y < SIZE; ++y)
-            for (int x = 0; x < SIZE; ++x) {
+        for (int y = 0; y < size; ++y)
+            for (int x = 0; x < size; ++x) {
                 const std::array heights{x * 3, y * 2 + x, (x - 35) * (y - 35) / 8,
                                          (x / 9 + y / 7) * 40};
                 for (const int byte :
@@ -232,8 +231,8 @@ TEST(NormalMap, IsExactOnSmoothMaps) {
             }
         for (const float scale : {0.0F, 1e-4F, 0.5F, 1.0F, 8.0F, 64.0F, 1e6F}) {
             const Case filter = normals("smooth", scale);
-            EXPECT_TRUE(after(filter.library, map, SIZE, SIZE) ==
-                        after(filter.plain, map, SIZE, SIZE))
+            EXPECT_TRUE(after(filter.library, map, size, size) ==
+                        after(filter.plain, map, size, size))
                 << variant << " at scale " << scale;
         }
     }

@@ -12,46 +12,46 @@
 
 class GuardedBitmap {
 public:
-    enum class Place { AT_THE_FRONT, AT_THE_BACK, AT_AN_ODD_ADDRESS };
+    enum class Place { AtTheFront, AtTheBack, AtAnOddAddress };
 
-    GuardedBitmap(std::size_t bytes, Place place)
-        : page_(static_cast<std::size_t>(sysconf(_SC_PAGESIZE))),
-          bytes_(bytes),
-          inside_((bytes + page_) / page_ * page_) {
-        void* block = mmap(nullptr, inside_ + 2 * page_, PROT_NONE,
-                           MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-        if (block == MAP_FAILED)
+    GuardedBitmap(std::size_t count, Place place)
+        : page(static_cast<std::size_t>(sysconf(_SC_PAGESIZE))),
+          byte_count(count),
+          inside((count + page) / page * page) {
+        void* const mapped = mmap(nullptr, inside + 2 * page, PROT_NONE,
+                                  MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+        if (mapped == MAP_FAILED)
             throw std::bad_alloc();
-        block_ = static_cast<std::uint8_t*>(block);
-        mprotect(block_ + page_, inside_, PROT_READ | PROT_WRITE);
-        const std::size_t offset = place == Place::AT_THE_BACK ? inside_ - bytes : 0;
-        pixels_ = block_ + page_ + offset + (place == Place::AT_AN_ODD_ADDRESS ? 1 : 0);
+        block = static_cast<std::uint8_t*>(mapped);
+        mprotect(block + page, inside, PROT_READ | PROT_WRITE);
+        const std::size_t offset = place == Place::AtTheBack ? inside - byte_count : 0;
+        first = block + page + offset + (place == Place::AtAnOddAddress ? 1 : 0);
     }
 
     GuardedBitmap(const GuardedBitmap&) = delete;
     GuardedBitmap& operator=(const GuardedBitmap&) = delete;
 
-    ~GuardedBitmap() { munmap(block_, inside_ + 2 * page_); }
+    ~GuardedBitmap() { munmap(block, inside + 2 * page); }
 
     void set(const std::vector<std::uint8_t>& bytes) {
-        std::copy(bytes.begin(), bytes.end(), pixels_);
+        std::copy(bytes.begin(), bytes.end(), first);
     }
 
-    std::vector<std::uint8_t> bytes() const { return {pixels_, pixels_ + bytes_}; }
+    std::vector<std::uint8_t> bytes() const { return {first, first + byte_count}; }
 
     // True while the bytes between the bitmap and its guards are as they came.
     bool is_margin_clean() const {
         const auto is_zero = [](std::uint8_t byte) { return byte == 0; };
-        return std::all_of(block_ + page_, pixels_, is_zero) &&
-               std::all_of(pixels_ + bytes_, block_ + page_ + inside_, is_zero);
+        return std::all_of(block + page, first, is_zero) &&
+               std::all_of(first + byte_count, block + page + inside, is_zero);
     }
 
-    std::uint8_t* pixels() const { return pixels_; }
+    std::uint8_t* pixels() const { return first; }
 
 private:
-    std::size_t page_;
-    std::size_t bytes_;
-    std::size_t inside_;
-    std::uint8_t* block_;
-    std::uint8_t* pixels_;
+    std::size_t page;
+    std::size_t byte_count;
+    std::size_t inside;
+    std::uint8_t* block;
+    std::uint8_t* first;
 };

@@ -19,7 +19,7 @@ const quillon::cGradient* const EARLY = __nsGradient_gradient_table("Skin");
 
 std::string lower_case(std::string_view name) {
     std::string lower(name);
-    std::transform(lower.begin(), lower.end(), lower.begin(), quillon::to_lower);
+    std::transform(lower.begin(), lower.end(), lower.begin(), quillon::detail::to_lower);
     return lower;
 }
 

@@ -46,7 +46,7 @@ protected:
         return {std::istreambuf_iterator<char>(file), {}};
     }
 
-    // What create_string gives; nothing for null.
+    // The text that create_string returns; nothing for null.
     static std::optional<std::string> text_of(const std::string& path) {
         const std::unique_ptr<char[]> text(__mFileOps_create_string_from_file(path.c_str()));
         return text != nullptr ? std::optional<std::string>(text.get()) : std::nullopt;

@@ -42,7 +42,7 @@ TEST(Measure, CountsLinesAndLeavesSequencesOut) {
         {"abc\n\n", 3, 3},
         {"a#12345bc", 3, 1},   // a sequence
         {"#123\nxy", 1, 1},    // skips a line feed
-        {"#12345\nxy", 2, 2},  // the byte behind is handled like any other
+        {"#12345\nxy", 2, 2},  // the byte after is handled like any other
         {"##12345ab", 2, 1},   // the second of a pair starts a sequence
         {"###12345ab", 3, 1},  // unless a third follows: then the pair is one character
         {"####12345ab", 3, 1}, // and the third starts a pair of its own
