@@ -130,7 +130,7 @@ public:
 
     constexpr const double& operator[](int index) const {
         if (index < 0 || index > 8)
-            return detail::constant_zero<double>;
+            return detail::CONSTANT_ZERO<double>;
         return m[index / 3][index % 3];
     }
 

@@ -36,7 +36,7 @@ template <typename Owner, typename Value>
 QUILLON_LOCAL inline Value readable_scratch{};
 
 template <typename Value>
-QUILLON_LOCAL inline constexpr Value constant_zero{};
+QUILLON_LOCAL inline constexpr Value CONSTANT_ZERO{};
 
 // True if `index` is one of a class's table of components.
 template <typename Component, std::size_t count>

@@ -101,7 +101,7 @@ public:
 
     constexpr const double& operator[](int index) const {
         return detail::has_index(COMPONENTS, index) ? this->*COMPONENTS[index]
-                                                    : detail::constant_zero<double>;
+                                                    : detail::CONSTANT_ZERO<double>;
     }
 
     double length() const { return std::sqrt(squared_length()); }
@@ -170,13 +170,13 @@ private:
 namespace detail {
 
 template <typename T>
-struct component_of {
+struct ComponentOf {
     using type = T;
 };
 
 // 32 bits on every platform, whatever the width of `long`.
 template <>
-struct component_of<long> {
+struct ComponentOf<long> {
     using type = std::int32_t;
 };
 
@@ -190,7 +190,7 @@ struct component_of<long> {
 template <typename T>
 class cVector2D : public cSerializable {
 public:
-    using Component = typename detail::component_of<T>::type;
+    using Component = typename detail::ComponentOf<T>::type;
 
     Component x{};
     Component y{};

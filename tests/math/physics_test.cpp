@@ -98,6 +98,8 @@ TEST(PhysicsCollision, StopsTheSideThatStruck) {
         {"touches the right side", {6, 0, -1, -1}, 0.5, false, {6, 0, 0, -1}, "l"},
         {"strikes the left side", {-5.75, 0, 1, 1}, 0.5, false, {-6, 0, 0, 1}, "r"},
         {"at rest inside: lifted, then lowered", {0, 1, 0, 0}, 0.5, false, {0, -5, 0, 0}, "bt"},
+        {"beside the right side", {6.5, 0, -1, -1}, 0.5, false, {6.5, 0, -1, -1}, ""},
+        {"beside the left side", {-6.5, 0, 1, 1}, 0.5, false, {-6.5, 0, 1, 1}, ""},
         {"position kept", {0, 4.75, 1, -1}, 0.5, true, {0, 4.75, 1, 0}, "b"},
         {"position kept sideways", {5.75, 0, -1, 1}, 0.5, true, {5.75, 0, 0, 1}, "l"},
         {"a corner catches", {-5.9, 4.75, -1, -1}, 1.0, false, {-5.9, 5, -1, 0}, "b"},
