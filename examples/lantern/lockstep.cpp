@@ -2,7 +2,7 @@
 
 #include <cinttypes>
 #include <cstdio>
-#include <initializer_list>
+#include <span>
 
 namespace lantern {
 
@@ -14,7 +14,7 @@ constexpr std::size_t WORD = sizeof(std::uint64_t);
 constexpr std::uint32_t PATIENCE = 5 * STEPS_PER_SECOND; // ticks without a packet
 
 // A type and words, each with its least significant byte first.
-Packet packet_of(PacketType type, std::initializer_list<std::uint64_t> words) {
+Packet packet_of(PacketType type, std::span<const std::uint64_t> words) {
     Packet packet{type};
     for (const std::uint64_t word : words)
         for (std::size_t i = 0; i < WORD; ++i)
@@ -36,25 +36,19 @@ std::string in_hex(std::uint64_t digest) {
     return text;
 }
 
-// Why two sides cannot play together; empty if they can.
-std::string difference(const Handshake& ours, const Handshake& theirs) {
-    const auto versions = [](std::uint64_t other, std::uint64_t own) {
-        return std::to_string(other) + ", we " + std::to_string(own) +
-               "; install the same release on both sides";
-    };
-    if (theirs.protocol != ours.protocol)
-        return "speaks protocol version " + versions(theirs.protocol, ours.protocol);
-    if (theirs.simulation != ours.simulation)
-        return "plays game version " + versions(theirs.simulation, ours.simulation);
-    if (theirs.tables != ours.tables)
-        return "has other trigonometry tables (" + in_hex(theirs.tables) + ", ours " +
-               in_hex(ours.tables) + "); build quillon with QUILLON_EXACT_TABLES on both sides";
-    if (theirs.ground != ours.ground)
-        return "flies over another island; use the same hills.pgm on both sides";
-    return "";
-}
+// What a difference in each word of the handshake means, and what to do.
+constexpr const char* DIFFERENCES[] = {
+    "speaks another version of the protocol; install the same release",
+    "plays another version of the game; install the same release",
+    "has other trigonometry tables; build quillon with QUILLON_EXACT_TABLES",
+    "flies over another island; use the same hills.pgm",
+};
 
 } // namespace
+
+Handshake handshake_for(const Island& island) {
+    return {PROTOCOL_VERSION, SIMULATION_VERSION, digest_of_tables(), island.digest()};
+}
 
 Lockstep::Lockstep(Link& way, std::uint32_t own_player, const Handshake& handshake)
     : link(way),
@@ -93,7 +87,7 @@ std::optional<Inputs> Lockstep::tick(const Input& own) {
 
 void Lockstep::compare(std::uint32_t step, std::uint64_t digest) {
     own_digests.push_back({step, digest});
-    link.send(packet_of(DIGEST, {step, digest}));
+    link.send(packet_of(DIGEST, std::array<std::uint64_t, 2>{step, digest}));
     match_digests();
 }
 
@@ -104,7 +98,7 @@ void Lockstep::leave() {
 }
 
 void Lockstep::greet() {
-    link.send(packet_of(HANDSHAKE, {ours.protocol, ours.simulation, ours.tables, ours.ground}));
+    link.send(packet_of(HANDSHAKE, ours));
     greeted = true;
 }
 
@@ -128,11 +122,11 @@ void Lockstep::read(const Packet& packet) {
 
 // Whatever later versions append or drop, the number of the protocol stays in its place.
 void Lockstep::read_handshake(const Packet& packet) {
-    const std::string reason = difference(
-        ours, {word_of(packet, 0), word_of(packet, 1), word_of(packet, 2), word_of(packet, 3)});
-    agreed = reason.empty();
-    if (!agreed)
-        finish("the other player " + reason);
+    for (std::size_t i = 0; i < ours.size(); ++i)
+        if (word_of(packet, i) != ours[i])
+            finish(std::string("the other player ") + DIFFERENCES[i] + " on both sides (" +
+                   in_hex(word_of(packet, i)) + " there, " + in_hex(ours[i]) + " here)");
+    agreed = why.empty();
 }
 
 void Lockstep::match_digests() {

@@ -7,6 +7,7 @@
 
 #include "simulation.h"
 
+#include <array>
 #include <cstdint>
 #include <deque>
 #include <optional>
@@ -34,13 +35,11 @@ inline constexpr std::uint32_t PROTOCOL_VERSION = 1;
 // The steps from an input to its effect: a tenth of a second, to hide the way to the other side.
 inline constexpr std::uint32_t INPUT_DELAY = 6;
 
-// What both sides must have in common; sent first of all.
-struct Handshake {
-    std::uint64_t protocol = PROTOCOL_VERSION;
-    std::uint64_t simulation = SIMULATION_VERSION;
-    std::uint64_t tables = 0; // digest_of_tables
-    std::uint64_t ground = 0; // Island::digest
-};
+// What both sides must have in common, sent first of all: the versions of the protocol and the
+// simulation, and the digests of the trigonometry tables and the island.
+using Handshake = std::array<std::uint64_t, 4>;
+
+Handshake handshake_for(const Island& island);
 
 class Lockstep {
 public:

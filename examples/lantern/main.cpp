@@ -106,8 +106,7 @@ void Game::connect() {
     if (!network)
         throw std::runtime_error(network.reason + "; nobody can join");
     link.emplace(*network, options.join, options.join.empty() ? options.host : options.port);
-    lockstep.emplace(*link, player,
-                     Handshake{.tables = digest_of_tables(), .ground = island.digest()});
+    lockstep.emplace(*link, player, handshake_for(island));
     attracts = false;
 }
 
@@ -206,8 +205,7 @@ void Game::record() {
         presentation->draw(scene());
         char name[32];
         std::snprintf(name, sizeof name, "/frame-%05u.png", frame);
-        if (!presentation->save_frame(options.record + name))
-            return;
+        presentation->save_frame(options.record + name);
     }
 }
 

@@ -1,11 +1,11 @@
 // Shows the game through the plug-in that serves GRAPHICS.
 #pragma once
 
-#include "shapes.h"
 #include "simulation.h"
 
 #include <quillon/plugins/graphics.h>
 
+#include <array>
 #include <string>
 #include <vector>
 
@@ -15,13 +15,13 @@ namespace lantern {
 struct Scene {
     std::uint32_t player = 0;
     bool from_afar = false; // the camera goes round the island
-    std::string notice;     // in the middle
+    std::string notice;     // above the middle
     std::string help;       // over all; empty for none
 };
 
 class Presentation final : quillon::cMessageObserver {
 public:
-    // Opens the surface and uploads what there is to see; `simulation` outlives it.
+    // Opens the surface and uploads what there is to see; all but `request` outlive it.
     // Throws std::runtime_error with a line for the user.
     Presentation(const quillon::Graphics& graphics, Simulation& simulation, const Island& island,
                  const quillon::SurfaceRequest& request, const std::string& data);
@@ -31,14 +31,13 @@ public:
 
     ~Presentation();
 
-    // After each step: moves the camera and the sparks.
+    // After each step: moves the camera, and lets sparks and blows fade.
     void advance(const Scene& scene);
 
-    // Draws one frame.
     void draw(const Scene& scene);
 
-    // Keeps the latest frame as a picture; false, with a line on standard error, if that fails.
-    bool save_frame(const std::string& file) const;
+    // Keeps the latest frame as a picture; throws std::runtime_error where that fails.
+    void save_frame(const std::string& file) const;
 
 private:
     struct Burst {
@@ -48,20 +47,19 @@ private:
 
     void receive_message(quillon::cMessage* message) override;
     void upload(const std::string& data);
-    quillon::PictureHandle upload_ramp(const char* gradient);
-    void aim_camera(const Scene& scene, quillon::cVector3D& eye, quillon::cVector3D& target) const;
-    void light();
-    void draw_land();
-    void draw_ships();
-    void draw_lanterns();
-    void draw_sky();
-    void draw_bursts();
-    void draw_glow(const quillon::cVector3D& place, double size, const quillon::cColor& color);
-    void draw_status(const Scene& scene);
-    void draw_bar(float top, quillon::PictureHandle ramp, float part);
-    void draw_text(const std::string& text, float x, float y, float size,
-                   const quillon::cColor& color);
-    void draw_centred(const std::string& text, float y, float size);
+    void light() const;
+    void draw_land() const;
+    void draw_lanterns() const;
+    void draw_ships() const;
+    void draw_sky() const;
+    void draw_bursts() const;
+    void draw_glow(const quillon::cVector3D& place, double size, const quillon::cColor& color,
+                   bool has_fog = true) const;
+    void draw_status(const Scene& scene) const;
+    void draw_bar(float bottom, quillon::PictureHandle ramp, float part) const;
+    void draw_text(const std::string& text, float x, float y, float lines) const;
+
+    bool burns(std::size_t lantern) const { return simulation.state().relights[lantern] == 0; }
 
     const quillon::Graphics& gl;
     Simulation& simulation;
@@ -69,18 +67,9 @@ private:
     quillon::Camera camera;
     quillon::Surface surface;
     std::vector<Burst> bursts;
-    float blow = 0.0F; // the red that a blow leaves on the screen, fading
-    quillon::MeshHandle ground = 0;
-    quillon::MeshHandle sea = 0;
-    quillon::MeshHandle pillar = 0;
-    quillon::MeshHandle paper = 0;
-    quillon::MeshHandle frame = 0;
-    quillon::MeshHandle gliders[PLAYERS] = {};
-    quillon::PictureHandle grain = 0;
-    quillon::PictureHandle bumps = 0;
-    quillon::PictureHandle glow = 0;
-    quillon::PictureHandle health_ramp = 0;
-    quillon::PictureHandle energy_ramp = 0;
+    float blow = 0.0F; // the red that a blow leaves on the screen
+    std::array<quillon::MeshHandle, 7> meshes{};
+    std::array<quillon::PictureHandle, 6> pictures{};
 };
 
 } // namespace lantern

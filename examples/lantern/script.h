@@ -1,11 +1,11 @@
 // Inputs as a text file: what was played can be played again, to the bit, on any machine.
 //
-//     lantern-script 1 players 2
+//     lantern-script 1 2
 //     60  0 0 0  0 0 0
 //     45  -127 20 1  0 0 0
 //
-// The number is the version of the simulation. A line is a number of steps, then turn, climb and
-// buttons of each player.
+// The version of the simulation and the number of players; then runs: a number of steps, and turn,
+// climb and buttons of each player.
 #pragma once
 
 #include "simulation.h"

@@ -29,9 +29,13 @@ struct Grid {
 
 // Sand at the water, then meadow, heather on the heights, bare rock where it is steep.
 cColor ground_color(double height, double up) {
-    const cColor meadow = mixed(quillon::FERNGREEN, quillon::SEPIA, (height - 14.0) / 34.0);
-    const cColor land = mixed(quillon::BEIGE, meadow, (height - 1.0) / 3.5);
-    return mixed(land, quillon::BATTLESHIPGREY, (0.78 - up) * 5.0);
+    constexpr cColor sand(0.55F, 0.49F, 0.42F, 1.0F);
+    constexpr cColor meadow(0.24F, 0.36F, 0.25F, 1.0F);
+    constexpr cColor heather(0.40F, 0.29F, 0.36F, 1.0F);
+    constexpr cColor rock(0.42F, 0.41F, 0.45F, 1.0F);
+    const cColor green = mixed(meadow, heather, (height - 12.0) / 30.0);
+    const cColor land = mixed(sand, green, (height - 0.8) / 2.5);
+    return mixed(land, rock, (0.75 - up) * 6.0);
 }
 
 Grid grid_of(const Island& island) {
@@ -84,25 +88,17 @@ Cache make_ground(const Island& island) {
     return cache;
 }
 
-Cache make_square(double side, double repeats) {
-    const double half = side / 2.0;
-    const cVector3D positions[] = {
-        {-half, 0, -half}, {-half, 0, half}, {half, 0, half}, {half, 0, -half}};
-    const TextureCoordinate texcoords[] = {{0, 0}, {0, repeats}, {repeats, repeats}, {repeats, 0}};
-    Cache cache = make_cache(1, 4, true, false, false);
-    __mGraphics_modify_render_cache_from_verts(cache.get(), positions, texcoords, nullptr, nullptr);
-    __mGraphics_render_cache_calc_tangents(cache.get());
-    return cache;
-}
-
-Cache make_lathed(std::span<const Ring> profile, int sides) {
+Cache make_lathed(std::span<const Ring> profile, int sides, double repeats) {
     std::vector<cVector3D> positions;
     std::vector<TextureCoordinate> texcoords;
     const auto add = [&](const Ring& ring, int corner) {
         const double degrees = (corner + 0.5) * 360.0 / sides;
-        positions.emplace_back(ring.radius * sinTD(degrees), ring.height,
-                               ring.radius * cosTD(degrees));
-        texcoords.emplace_back(corner, -3.0 * ring.height);
+        const cVector3D place(ring.radius * sinTD(degrees), ring.height,
+                              ring.radius * cosTD(degrees));
+        positions.push_back(place);
+        // Askew, so that no side looks along the projection.
+        texcoords.emplace_back((place.x + 0.6 * place.z) * repeats,
+                               (place.z - 0.6 * place.x - 3.0 * place.y) * repeats);
     };
     for (std::size_t i = 1; i < profile.size(); ++i)
         for (int corner = 0; corner < sides; ++corner) {

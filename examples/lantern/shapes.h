@@ -20,17 +20,14 @@ using Cache = std::unique_ptr<quillon::cRenderCache, CacheDeleter>;
 // The ground above the shallows, smooth, coloured by height and slope, with tangents.
 Cache make_ground(const Island& island);
 
-// A flat square about the origin, with tangents; the texture repeats that often along each side.
-Cache make_square(double side, double repeats);
-
 struct Ring {
     double height;
     double radius;
 };
 
-// A body of revolution with flat sides, with tangents; the texture goes round it `sides` times.
+// A body of revolution with flat sides, with tangents; the texture repeats that often in each unit.
 // Four sides and a radius of the root of a half make the unit square.
-Cache make_lathed(std::span<const Ring> profile, int sides);
+Cache make_lathed(std::span<const Ring> profile, int sides, double repeats);
 
 // A paper glider that points forward, its wing tips in another colour.
 Cache make_glider(const quillon::cColor& tips);

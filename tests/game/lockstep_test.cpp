@@ -121,11 +121,11 @@ TEST_F(LockstepTest, SidesThatCannotAgreeRefuseAndSayWhy) {
         const char* reason;
     };
 
-    for (const Row& row : {Row{{.protocol = 9}, "protocol version 9, we 1"},
-                           Row{{.simulation = 8}, "game version 8, we 1"},
-                           Row{{.tables = 0xabc}, "trigonometry tables (0000000000000abc, ours "},
-                           Row{{.ground = 5}, "another island"}}) {
-        start({}, row.other);
+    for (const Row& row :
+         {Row{{9, 2, 3, 4}, "version of the protocol"}, Row{{1, 8, 3, 4}, "version of the game"},
+          Row{{1, 2, 0xabc, 4}, "trigonometry tables; build quillon with "},
+          Row{{1, 2, 3, 5}, "another island"}}) {
+        start({1, 2, 3, 4}, row.other);
         run(3);
         EXPECT_THAT(sides[0]->session.end(), HasSubstr(row.reason));
         EXPECT_NE("", sides[1]->session.end());

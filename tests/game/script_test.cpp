@@ -36,17 +36,17 @@ TEST(Script, WhatIsWrongIsNamed) {
     };
 
     for (const Row& row : {
-             Row{"", "not a script"},
-             Row{"lantern-script 77 players 1\n", "version 77 of the game, which is at 1"},
-             Row{"lantern-script 1\n", "players 1"},
-             Row{"lantern-script 1 players 3\n", "players 1"},
-             Row{"lantern-script 1 players 1\n5 0 0 0\n5 0 0\n", "line 3"},
-             Row{"lantern-script 1 players 1\n5 0 0 0 9\n", "line 2"},
-             Row{"lantern-script 1 players 1\n5 128 0 0\n", "line 2"},
-             Row{"lantern-script 1 players 1\n5 0 0 4\n", "line 2"},
-             Row{"lantern-script 1 players 1\n-5 0 0 0\n", "line 2"},
-             Row{"lantern-script 1 players 1\n99999999999 0 0 0\n", "line 2"},
-             Row{"lantern-script 1 players 2\n5 0 0 0\n", "line 2"},
+             Row{"", "no script"},
+             Row{"lantern-script 1\n", "no script"},
+             Row{"lantern-script 77 1\n", "version 77 of the game, which is at 1"},
+             Row{"lantern-script 1 3\n", "other than 1 or 2 players"},
+             Row{"lantern-script 1 1\n5 0 0 0\n5 0 0\n", "run 2"},
+             Row{"lantern-script 1 1\n5 0 0 0 9\n", "run 2"},
+             Row{"lantern-script 1 1\n5 128 0 0\n", "run 1"},
+             Row{"lantern-script 1 1\n5 0 0 256\n", "run 1"},
+             Row{"lantern-script 1 1\n-5 0 0 0\n", "run 1"},
+             Row{"lantern-script 1 1\n99999999999 0 0 0\n", "run 1"},
+             Row{"lantern-script 1 2\n5 0 0 0\n", "run 1"},
          }) {
         std::ofstream(path_of("bad.script")) << row.text;
         try {
