@@ -2,8 +2,6 @@
 #include "graphics_plugin.h"
 #include "loaded_library.h"
 
-#include "quillon/platform/loader.h"
-
 #include <gmock/gmock.h>
 
 #include <algorithm>

@@ -1,28 +1,16 @@
 #include "graphics_plugin.h"
 
-#include "quillon/platform/loader.h"
+#include "loaded_plugin.h"
+
 #include "quillon/rendercache/tangents.h"
 
 #include <cmath>
-#include <stdexcept>
 
 using namespace quillon;
 
 const Graphics& graphics() {
-    static const Graphics* const table = [] {
-        void* const library = platform::load_library(GRAPHICS_FILE);
-        const auto find = [library](const char* name) {
-            return platform::find_function(library, name);
-        };
-        DSPrefHashMap<void> no_parameters;
-        if (!reinterpret_cast<bool (*)(DSPrefHashMap<void>*)>(find("initialize"))(&no_parameters))
-            throw std::runtime_error("graphics-gl finds no display and no offscreen driver");
-        static Graphics filled;
-        reinterpret_cast<void (*)(void**)>(find("connect_graphics_interface"))(
-            reinterpret_cast<void**>(&filled));
-        return &filled;
-    }();
-    return *table;
+    static const LoadedPlugin<Graphics> plugin(GRAPHICS_FILE, "connect_graphics_interface", {});
+    return *plugin.operator->();
 }
 
 void GraphicsTest::SetUp() {

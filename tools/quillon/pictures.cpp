@@ -13,7 +13,7 @@ namespace {
 
 [[noreturn]] void fail(const std::string& what) {
     const auto pictures = quillon::contract<quillon::Pictures>(__mGraphics_instance());
-    const std::string reason = pictures ? pictures->last_error() : pictures.reason;
+    const std::string reason = pictures ? pictures->last_error() : "";
     throw Failure(reason.empty() ? what + "; the graphics plug-in says no reason" : reason);
 }
 
@@ -21,6 +21,8 @@ namespace {
 
 void open_graphics() {
     const fs::path folder = default_plugin_folder();
+    // It starts at once, where a renderer first opens the driver.
+    quillon::choose_plugin("GRAPHICS", "image");
     open_plugins(folder);
     if (__mGraphics_instance()->interface == nullptr)
         throw Failure("no plug-in in '" + folder.string() +
