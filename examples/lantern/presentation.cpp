@@ -205,8 +205,8 @@ void Presentation::upload(const std::string& data) {
         return gl.upload_picture(bitmap.pixels.get(), bitmap.width, bitmap.height, options);
     };
     pictures = {upload_picture(hills, {}),
-                upload_picture(bumps_of(file, 4.0F), {.is_color = false}),
-                upload_picture(bumps_of(file, 1.2F), {.is_color = false}),
+                upload_picture(bumps_of(file, 4.0F), {}),
+                upload_picture(bumps_of(file, 1.2F), {}),
                 upload_picture(glow_bitmap(), {.repeat = false}),
                 upload_picture(ramp_bitmap("Health"), {.repeat = false}),
                 upload_picture(ramp_bitmap("Mana"), {.repeat = false})};
