@@ -15,6 +15,9 @@ constexpr std::uint64_t HALF = std::uint64_t{1} << 63;
 
 // The eight digits of a number below 10^8, a byte each, the first in the lowest: fours, then pairs,
 // then digits are split side by side.
+//
+// 10486 / 2^20 and 103 / 2^10 are 1/100 and 1/10, rounded up so little that the quotients of all
+// numbers below 10^4 and 100 are exact.
 std::uint64_t digits_of(std::uint64_t number) {
     const std::uint64_t fours = number / 10000 | number % 10000 << 32;
     const std::uint64_t hundreds = fours * 10486 >> 20 & 0x0000007F0000007F;
@@ -53,11 +56,11 @@ unsigned char* put_sign(unsigned char* at, bool negative) {
     return at + (negative ? 1 : 0);
 }
 
-// A double below 2^53 as a whole number and 64 bits behind the point.
+// A double below 2^53 as a whole number and 64 bits of fraction.
 struct fixed_point {
     std::uint64_t whole;
     std::uint64_t fraction;
-    bool exact; // no bits are lost behind those
+    bool exact; // no bits after those are lost
 };
 
 fixed_point to_fixed_point(std::uint64_t bits) {
@@ -70,11 +73,11 @@ fixed_point to_fixed_point(std::uint64_t bits) {
 }
 
 // The first six decimals of a fraction, rounded half to even; false where lost bits might tip the
-// balance. A carry gives a whole million.
+// balance. A carry makes a whole million.
 bool round_to_millionths(const fixed_point& number, std::uint64_t& millionths) {
     const std::uint64_t low = (number.fraction & 0xFFFFFFFF) * MILLION;
     const std::uint64_t high = (number.fraction >> 32) * MILLION + (low >> 32);
-    const std::uint64_t rest = high << 32 | (low & 0xFFFFFFFF); // of 2^64, behind the six decimals
+    const std::uint64_t rest = high << 32 | (low & 0xFFFFFFFF); // of 2^64, after the six decimals
     if (!number.exact && (rest - (HALF - MILLION) <= MILLION || rest > ~MILLION))
         return false;
     millionths = high >> 32;
@@ -82,7 +85,7 @@ bool round_to_millionths(const fixed_point& number, std::uint64_t& millionths) {
     return true;
 }
 
-// Zeros at the end go, but for the one behind a ".".
+// Zeros at the end are cut off, but for the one after a ".".
 unsigned char* put_decimals(unsigned char* at, std::uint64_t millionths, bool keeps_one) {
     const std::uint64_t digits = digits_of(millionths) >> 16;
     const auto bits = static_cast<unsigned>(std::bit_width(digits));

@@ -52,7 +52,7 @@ struct cson_push_data {
     const char* text;
 };
 
-// Gives 0 to stop the parser, whose step then fails.
+// Returns 0 to stop the parser, whose step then fails.
 using cson_push_callback = int (*)(void* context, int event, const cson_push_data* data);
 using cson_push_allocate = void* (*)(std::size_t bytes);
 using cson_push_release = void (*)(void* block);
@@ -105,11 +105,11 @@ void cson_push_parser_free(cson_push_parser* parser);
 int cson_push_parser_reset(cson_push_parser* parser);
 
 // Takes one character, 0 and up; non-zero on success. After a failure only reset or free may
-// follow. `error` tells why; it stays 0 when the callback or a character out of its place was the
-// reason.
+// follow. `error` holds the reason; it stays 0 when the callback refused, and for a comment that is
+// not allowed.
 int cson_push_parser_step(cson_push_parser* parser, std::int32_t character);
 
-// Non-zero if what the parser was given is complete, which the empty input also is.
+// Non-zero if the input so far is complete, which the empty input also is.
 int cson_push_parser_finish(cson_push_parser* parser);
 int cson_push_parser_error(const cson_push_parser* parser);
 
@@ -121,7 +121,9 @@ struct cson_read_options {
     std::int8_t allow_comments = 0;
 };
 
-// Where the input stopped. Line, column and length go on from what the caller's record holds;
+// Where the input stopped. A caller's record is read first: line, column and length continue from
+// it.
+//
 // `column` doesn't count an offending byte, `length` does.
 // `error_code` is that of the parser, 0 if it didn't fail.
 struct cson_read_info {
@@ -133,17 +135,20 @@ struct cson_read_info {
     std::uint32_t total_value_count = 0;
 };
 
-// Read to the end of the input and store the tree, whose count is 0, in `out`; on failure `out` is
-// left alone. Null options or info mean the defaults, or that nothing is reported.
-// UnknownError for an input of blanks and comments alone.
+// Read to the end of the input and store the tree, whose count is 0, in `out`.
 //
-// An integer beyond 32 bits is the nearest one. Values of one tree share blocks of memory, so they
-// belong to one thread together, and one that is kept holds its neighbours' memory, up to half of
-// the tree's or 8 MiB; a copy stands alone.
+// On failure `out` keeps its value. UnknownError for an input of white space and comments alone.
+// Null options mean the defaults; with null info nothing is reported.
+// An integer beyond 32 bits is the nearest one.
+// Values of one tree share blocks of memory: they belong to one thread together, and one that is
+// kept holds its neighbours' memory, up to 32 MiB. A copy shares nothing.
+//
+// The reader is asked for one byte at a time, and for none after the one that ends the reading.
 int cson_read(cson_value** out, cson_reader reader, void* state, const cson_read_options* options,
               cson_read_info* info);
 
-// Reads ahead: after a failure the stream stands somewhere behind the offending byte.
+// A stream that can seek is read ahead and, after a failure, left after the last byte asked for; of
+// other streams no byte is read ahead. Bytes that were pushed back are read again from the file.
 int cson_read_stream(cson_value** out, std::FILE* stream, const cson_read_options* options,
                      cson_read_info* info);
 int cson_read_path(cson_value** out, const char* path, const cson_read_options* options,

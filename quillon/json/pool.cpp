@@ -8,18 +8,22 @@
 namespace quillon::json {
 namespace {
 
-constexpr const char* chunk_tag = "cson_chunk";
-constexpr std::size_t header_bytes = 16;
-// Growing that far, a chunk is as big as all before it together. An allocator that adapts itself to
-// what it gets back then keeps that memory for the next document, where many small chunks would go
-// back to the system and come anew, page by page.
-constexpr std::size_t largest_chunk = (std::size_t{32} << 20) - 8192;
-constexpr std::size_t largest_block = 2048;
+constexpr const char* CHUNK_TAG = "cson_chunk";
+constexpr std::size_t HEADER_BYTES = 16;
+constexpr std::size_t LARGEST_BLOCK = 2048;
+
+// Chunks that grow by three come to half as much again as the largest of them. glibc keeps up to
+// twice the largest block that it freed and returns more to the system, page by page; so what one
+// document frees the next one gets, without a page fault. Growth by two comes to just that limit.
+constexpr std::size_t GROWTH = 3;
+
+// glibc returns blocks of 32 MiB and more to the system in any case.
+constexpr std::size_t LARGEST_CHUNK = (std::size_t{32} << 20) - 8192;
 
 } // namespace
 
 void* Pool::allocate_elsewhere(std::size_t bytes, const char* tag, std::uint32_t& chunk_offset) {
-    if (bytes > largest_block) {
+    if (bytes > LARGEST_BLOCK) {
         chunk_offset = 0;
         return reallocate(nullptr, bytes, tag);
     }
@@ -31,14 +35,14 @@ void* Pool::allocate_elsewhere(std::size_t bytes, const char* tag, std::uint32_t
 }
 
 bool Pool::open_chunk() {
-    void* block = reallocate(nullptr, chunk_bytes, chunk_tag);
+    void* block = reallocate(nullptr, chunk_bytes, CHUNK_TAG);
     if (block == nullptr)
         return false;
     close_chunk();
     chunk = new (block) Chunk{1}; // the pool's own hold
-    next = static_cast<unsigned char*>(block) + header_bytes;
+    next = static_cast<unsigned char*>(block) + HEADER_BYTES;
     end = static_cast<unsigned char*>(block) + chunk_bytes;
-    chunk_bytes = std::min(chunk_bytes * 3, largest_chunk);
+    chunk_bytes = std::min(chunk_bytes * GROWTH, LARGEST_CHUNK);
     return true;
 }
 
@@ -49,7 +53,7 @@ void Pool::close_chunk() {
 }
 
 void free_chunk(Chunk* chunk) {
-    free(chunk, chunk_tag);
+    free(chunk, CHUNK_TAG);
 }
 
 } // namespace quillon::json

@@ -11,7 +11,7 @@
 namespace quillon::json {
 
 // Holds the first entries in itself, and more of them in a block of the component's allocator.
-template <class Entry>
+template <typename Entry>
 class Stack {
     static_assert(std::is_trivially_copyable_v<Entry>);
 
@@ -22,7 +22,7 @@ public:
 
     ~Stack() {
         if (entries != inner.data())
-            free(entries, tag);
+            free(entries, TAG);
     }
 
     bool empty() const { return count == 0; }
@@ -47,13 +47,13 @@ public:
     }
 
 private:
-    static constexpr const char* tag = "cson_stack";
-    static constexpr std::size_t entry_bytes = sizeof(std::array<Entry, 1>);
+    static constexpr const char* TAG = "cson_stack";
+    static constexpr std::size_t ENTRY_BYTES = sizeof(std::array<Entry, 1>);
 
     bool grow() {
         const bool is_inner = entries == inner.data();
-        const std::size_t bytes = capacity * 2 * entry_bytes;
-        void* block = reallocate(is_inner ? nullptr : entries, bytes, tag);
+        const std::size_t bytes = capacity * 2 * ENTRY_BYTES;
+        void* block = reallocate(is_inner ? nullptr : entries, bytes, TAG);
         if (block == nullptr)
             return false;
         if (is_inner)

@@ -1,4 +1,4 @@
-// Eight bytes of text at a time.
+// Text eight bytes at a time: SIMD within a register.
 #pragma once
 
 #include <bit>
@@ -11,7 +11,9 @@ namespace quillon::json {
 inline constexpr std::uint64_t ONES = 0x0101010101010101;
 inline constexpr std::uint64_t HIGH_BITS = ONES << 7;
 
-// The high bit of each byte that is below `limit`, at most 128; not exact behind the first of them.
+// The high bit of each byte that is below `limit`, at most 128; exact up to the first of them, as a
+// borrow may reach the bytes after it.
+// Source: the zero-byte test of A. Mycroft, 1987.
 constexpr std::uint64_t bytes_below(std::uint64_t bytes, unsigned char limit) {
     return (bytes - ONES * limit) & ~bytes & HIGH_BITS;
 }
@@ -20,7 +22,7 @@ constexpr std::uint64_t bytes_equal(std::uint64_t bytes, unsigned char byte) {
     return bytes_below(bytes ^ ONES * byte, 1);
 }
 
-template <class Word>
+template <typename Word>
 Word load(const void* bytes) {
     Word word = 0;
     std::memcpy(&word, bytes, sizeof(word));
@@ -47,7 +49,7 @@ inline void store_text(unsigned char* bytes, std::uint64_t word) {
 
 // The first position from `at` on whose byte stops, or the end. `stops_in` tells of eight bytes
 // which of them stop, as the two above do; `stops` tells it of one.
-template <class StopsIn, class Stops>
+template <typename StopsIn, typename Stops>
 inline const unsigned char* skip_until(const unsigned char* at, const unsigned char* end,
                                        StopsIn stops_in, Stops stops) {
     for (; end - at >= 8; at += 8) {
@@ -61,7 +63,7 @@ inline const unsigned char* skip_until(const unsigned char* at, const unsigned c
 }
 
 // True if the first and the last bytes of `count`, which may overlap, are the same.
-template <class Word>
+template <typename Word>
 bool same_ends(const void* a, const void* b, std::size_t count) {
     const auto* left = static_cast<const unsigned char*>(a);
     const auto* right = static_cast<const unsigned char*>(b);
