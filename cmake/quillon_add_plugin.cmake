@@ -18,7 +18,7 @@ function(quillon_add_plugin name)
     if(QUILLON_HAS_NO_GNU_UNIQUE)
         target_compile_options(${name} PRIVATE -fno-gnu-unique)
     endif()
-    # A sanitizer's runtime stands in the host, so its symbols are open until the plug-in is loaded.
+    # A sanitizer's runtime is in the host, so its symbols are unresolved until the plug-in is loaded.
     if(NOT QUILLON_SANITIZE AND NOT WIN32)
         target_link_options(${name} PRIVATE LINKER:--no-undefined)
     endif()

@@ -19,7 +19,7 @@
 // Exceptions, which propagate to the host; the plug-ins that are initialised are shut down later
 //   get_plugin_name or _purpose, during a scan: the file is not added and stays mapped.
 //   initialize: the plug-in is not initialised; the next call of one of its functions asks again.
-//   A connect entry point: the module stays free, and its table is freed.
+//   A connect entry point: the module stays unconnected, and its table is freed.
 //   shutdown: std::terminate.
 //
 // The names below are global. `shutdown` is also a call of the sockets interface: both headers may
