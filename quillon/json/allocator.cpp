@@ -15,14 +15,14 @@ void platform_release(void*, void* block, const char*) {
     std::free(block);
 }
 
-constexpr Allocator platform_allocator = {platform_resize, platform_release, nullptr};
-constinit const Allocator* current = &platform_allocator;
+constexpr Allocator PLATFORM_ALLOCATOR = {platform_resize, platform_release, nullptr};
+constinit const Allocator* current = &PLATFORM_ALLOCATOR;
 
 } // namespace
 
 const Allocator* set_allocator(const Allocator* allocator) {
     const Allocator* before = current;
-    current = allocator != nullptr ? allocator : &platform_allocator;
+    current = allocator != nullptr ? allocator : &PLATFORM_ALLOCATOR;
     return before;
 }
 

@@ -11,8 +11,8 @@ using namespace json;
 
 namespace {
 
-constexpr const char* buffer_tag = "cson_buffer::mem";
-constexpr std::uint32_t read_block = 4096;
+constexpr const char* BUFFER_TAG = "cson_buffer::mem";
+constexpr std::uint32_t READ_BLOCK = 4096;
 
 // Appends bytes, growing to exactly what they and a terminator take.
 int append(cson_buffer* buffer, const void* bytes, std::uint32_t count) {
@@ -27,13 +27,13 @@ int append(cson_buffer* buffer, const void* bytes, std::uint32_t count) {
 }
 
 int append_all(cson_buffer* buffer, cson_reader reader, void* state) {
-    std::array<unsigned char, read_block> block;
-    std::uint32_t count = read_block;
-    while (count == read_block) {
+    std::array<unsigned char, READ_BLOCK> block;
+    std::uint32_t count = READ_BLOCK;
+    while (count == READ_BLOCK) {
         const int read_code = reader(state, block.data(), &count);
         if (read_code != cson_OK)
             return read_code;
-        if (count > read_block)
+        if (count > READ_BLOCK)
             return cson_RangeError;
         const int code = append(buffer, block.data(), count);
         if (code != cson_OK)
@@ -48,13 +48,13 @@ int cson_buffer_reserve_bytes(cson_buffer* buffer, std::uint32_t capacity) {
     if (buffer == nullptr)
         return cson_ArgError;
     if (capacity == 0) {
-        free(buffer->mem, buffer_tag);
+        free(buffer->mem, BUFFER_TAG);
         *buffer = {};
         return cson_OK;
     }
     if (capacity <= buffer->capacity)
         return cson_OK;
-    void* grown = reallocate(buffer->mem, capacity, buffer_tag);
+    void* grown = reallocate(buffer->mem, capacity, BUFFER_TAG);
     if (grown == nullptr)
         return cson_AllocError;
     buffer->mem = static_cast<unsigned char*>(grown);

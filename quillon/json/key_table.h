@@ -40,7 +40,7 @@ inline void free_keys(KeyTable& table) {
 inline bool start_keys(KeyTable& table, std::size_t count) {
     constexpr std::size_t small = 1024; // up to here the table grows for the keys of many objects
     ++table.generation;
-    if (table.used + count <= table.capacity / 2)
+    if (table.slots != nullptr && table.used + count <= table.capacity / 2)
         return true;
     const std::size_t wanted = std::max(std::bit_ceil(std::max<std::size_t>(count, 32)) * 2,
                                         std::min(table.capacity * 4, small));

@@ -23,10 +23,10 @@ bool resize(List* list, std::uint32_t capacity) {
     auto* items = reinterpret_cast<decltype(list->items)>(header + 1);
     const List grown = {items, list->count, capacity};
     if (moves && list->items != nullptr) {
-        std::memcpy(items, list->items, list->capacity * sizeof(*items));
+        std::memcpy(items, list->items, list->capacity * sizeof(void*));
         free(header_of(list), header_of(list)->chunk_offset, tag_of(list));
     }
-    std::memset(items + list->capacity, 0, (capacity - list->capacity) * sizeof(*items));
+    std::memset(items + list->capacity, 0, (capacity - list->capacity) * sizeof(void*));
     *list = grown;
     return true;
 }

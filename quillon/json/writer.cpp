@@ -302,16 +302,16 @@ int write_scalar(Output& output, const cson_value* value, std::string_view point
 
 template <typename Output>
 int write_line_break(Output& output, std::uint8_t indentation, std::uint32_t level) {
-    static constexpr std::string_view blanks = "                                ";
-    static constexpr std::string_view tabs =
+    static constexpr std::string_view BLANKS = "                                ";
+    static constexpr std::string_view TABS =
         "\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t";
     if (indentation == 0)
         return cson_OK;
-    const Bytes indent = bytes_of(indentation == 1 ? tabs : blanks);
+    const Bytes indent = bytes_of(indentation == 1 ? TABS : BLANKS);
     int code = write_piece(output, "\n");
     std::uint64_t left = std::uint64_t{level} * indentation;
     while (left != 0 && code == cson_OK) {
-        const std::uint64_t part = std::min<std::uint64_t>(left, blanks.size());
+        const std::uint64_t part = std::min<std::uint64_t>(left, BLANKS.size());
         code = output.run(indent, indent + part);
         left -= part;
     }
@@ -487,9 +487,9 @@ private:
     }
 
     int write_comma(bool indent) {
-        static constexpr std::string_view separator = ", ";
+        static constexpr std::string_view SEPARATOR = ", ";
         if (!indent)
-            return output.run(bytes_of(separator), bytes_of(separator) + separator.size());
+            return output.run(bytes_of(SEPARATOR), bytes_of(SEPARATOR) + SEPARATOR.size());
         const int code = write_piece(output, ",");
         return code == cson_OK ? write_line_break(output, options.indentation, level()) : code;
     }

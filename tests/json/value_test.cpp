@@ -17,12 +17,16 @@ std::uint32_t size(std::string_view text) {
     return static_cast<std::uint32_t>(text.size());
 }
 
-TEST(ErrorName, KnownAndUnknown) {
-    EXPECT_STREQ("OK", cson_error_name(0));
-    EXPECT_STREQ("UnknownError", cson_error_name(10));
-    EXPECT_STREQ("Parse_EXPECTED_COLON", cson_error_name(19));
-    EXPECT_STREQ("UnknownError", cson_error_name(20));
-    EXPECT_STREQ("UnknownError", cson_error_name(-1));
+TEST(ErrorName, EveryCodeHasItsOwn) {
+    std::string names;
+    for (int code = -1; code <= 20; ++code)
+        names.append(cson_error_name(code)).append(" ");
+    EXPECT_EQ("UnknownError OK ArgError RangeError TypeError IOError AllocError NYIError "
+              "InternalError UnsupportedError NotFoundError UnknownError Parse_INVALID_CHAR "
+              "Parse_INVALID_KEYWORD Parse_INVALID_ESCAPE_SEQUENCE "
+              "Parse_INVALID_UNICODE_SEQUENCE Parse_INVALID_NUMBER Parse_NESTING_DEPTH_REACHED "
+              "Parse_UNBALANCED_COLLECTION Parse_EXPECTED_KEY Parse_EXPECTED_COLON UnknownError ",
+              names);
 }
 
 TEST(Value, OwnersAreCounted) {
