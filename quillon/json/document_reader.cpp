@@ -103,10 +103,10 @@ private:
         return true;
     }
 
-    // False also after the outermost container, where nothing may follow.
+    // False also after the outermost container, where nothing may follow, and at the text's end.
     bool leave() {
         ++at;
-        if (builder.end_container() != cson_OK || builder.depth() == 0)
+        if (builder.end_container() != cson_OK || builder.depth() == 0 || at == end)
             return false;
         closing = builder.is_in_array() ? ']' : '}';
         return true;
