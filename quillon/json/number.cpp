@@ -57,13 +57,13 @@ unsigned char* put_sign(unsigned char* at, bool negative) {
 }
 
 // A double below 2^53 as a whole number and 64 bits of fraction.
-struct fixed_point {
+struct FixedPoint {
     std::uint64_t whole;
     std::uint64_t fraction;
     bool exact; // no bits after those are lost
 };
 
-fixed_point to_fixed_point(std::uint64_t bits) {
+FixedPoint to_fixed_point(std::uint64_t bits) {
     const std::uint64_t mantissa = (bits & ((HALF >> 11) - 1)) | HALF >> 11;
     const auto below_point = 1075 - static_cast<unsigned>(bits >> 52 & 0x7FF);
     if (below_point < 64)
@@ -74,7 +74,7 @@ fixed_point to_fixed_point(std::uint64_t bits) {
 
 // The first six decimals of a fraction, rounded half to even; false where lost bits might tip the
 // balance. A carry makes a whole million.
-bool round_to_millionths(const fixed_point& number, std::uint64_t& millionths) {
+bool round_to_millionths(const FixedPoint& number, std::uint64_t& millionths) {
     const std::uint64_t low = (number.fraction & 0xFFFFFFFF) * MILLION;
     const std::uint64_t high = (number.fraction >> 32) * MILLION + (low >> 32);
     const std::uint64_t rest = high << 32 | (low & 0xFFFFFFFF); // of 2^64, after the six decimals
@@ -105,7 +105,7 @@ unsigned char* put_double(unsigned char* at, double number, std::string_view poi
     constexpr std::uint64_t beyond = std::uint64_t{1075 + 1} << 52; // 2^53 as bits
     if ((bits & ~HALF) >= beyond || point.size() > 8)
         return nullptr;
-    const fixed_point fixed = to_fixed_point(bits);
+    const FixedPoint fixed = to_fixed_point(bits);
     std::uint64_t millionths = 0;
     if (!round_to_millionths(fixed, millionths))
         return nullptr;

@@ -85,7 +85,7 @@ Parser make_parser(Receiver& receiver, const cson_read_options* options) {
     config.callback = receive;
     config.context = &receiver;
     config.depth = used.max_depth;
-    config.allow_comments = used.allow_comments;
+    config.allow_comments = used.allow_comments != 0 ? 1 : 0;
     return Parser(cson_push_parser_new(&config));
 }
 

@@ -80,13 +80,13 @@ inline bool same_bytes(const void* a, const void* b, std::size_t count) {
                       : same_ends<std::uint32_t>(a, b, count);
 }
 
-// Copies the first and the last `Size` bytes of `count`, which may overlap.
-template <std::size_t Size>
+// Copies the first and the last `width` bytes of `count`, which may overlap.
+template <std::size_t width>
 void copy_ends(void* target, const void* source, std::size_t count) {
     auto* to = static_cast<unsigned char*>(target);
     const auto* from = static_cast<const unsigned char*>(source);
-    std::memcpy(to, from, Size);
-    std::memcpy(to + count - Size, from + count - Size, Size);
+    std::memcpy(to, from, width);
+    std::memcpy(to + count - width, from + count - width, width);
 }
 
 // Copies bytes that mostly are so few that a call would take longer than the copy.
