@@ -15,7 +15,7 @@ using quillon::cMaterial;
 namespace {
 
 // Runs before this program's main, and before what the library would make later.
-const quillon::cGradient* const EARLY = __nsGradient_gradient_table("Skin");
+const std::string EARLY = __nsGradient_gradient_table("Skin")->name;
 
 std::string lower_case(std::string_view name) {
     std::string lower(name);
@@ -78,7 +78,7 @@ TEST(Named, MaterialsAreThePublishedOnes) {
 }
 
 TEST(Named, GradientsFollowTheirFormulas) {
-    EXPECT_EQ("Skin", EARLY->name);
+    EXPECT_EQ("Skin", EARLY);
 
     const struct {
         const char* name;
