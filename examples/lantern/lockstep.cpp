@@ -64,7 +64,7 @@ std::optional<Inputs> Lockstep::tick(const Input& own) {
         read(*packet);
     if (last_words.empty())
         last_words = link.trouble();
-    if (their_inputs.empty())
+    if (!agreed || their_inputs.empty())
         finish(last_words);
     if (greeted && ++silence > PATIENCE)
         finish("the other player has not answered for 5 seconds");

@@ -38,6 +38,7 @@ struct Options {
     std::uint32_t frames = 0;
     std::uint16_t width = 1280;
     std::uint16_t height = 720;
+    std::uint8_t samples = 4;
     bool digest = false;
 
     bool is_together() const { return host != 0 || !join.empty(); }
@@ -177,6 +178,7 @@ int Game::run_shown() {
                          quillon::SurfaceRequest{.title = "Lantern",
                                                  .width = options.width,
                                                  .height = options.height,
+                                                 .samples = options.samples,
                                                  .offscreen = !options.record.empty()},
                          options.data);
     if (!options.record.empty()) {
@@ -281,6 +283,8 @@ int main(int count, char** words) {
     app.add_option("--frames", options.frames, "So many")->needs(record);
     app.add_option("--width", options.width, "Of the picture")->check(CLI::Range(16, 8192));
     app.add_option("--height", options.height, "Of the picture")->check(CLI::Range(16, 8192));
+    app.add_option("--samples", options.samples, "A pixel, for smooth edges")
+        ->check(CLI::Range(1, 16));
     app.add_option("--bind", options.bindings, "An action to an input, such as 'boost=Left Shift'");
     app.add_option("--data", options.data, "Where hills.png and hills.pgm are");
     CLI11_PARSE(app, count, words);

@@ -200,16 +200,16 @@ void Presentation::upload(const std::string& data) {
         throw std::runtime_error(file + ": " + gl.last_error());
     __cBitmap_multiply(0.22F, hills.pixels.get(), hills.width * hills.height);
     __cBitmap_brighten(196, hills.pixels.get(), hills.width * hills.height);
-    const auto upload_picture = [this](const Bitmap& bitmap,
-                                       const quillon::PictureOptions& options) {
-        return gl.upload_picture(bitmap.pixels.get(), bitmap.width, bitmap.height, options);
+    const auto upload_picture = [this](const Bitmap& bitmap, bool repeat) {
+        return gl.upload_picture(bitmap.pixels.get(), bitmap.width, bitmap.height,
+                                 {.repeat = repeat});
     };
-    pictures = {upload_picture(hills, {}),
-                upload_picture(bumps_of(file, 4.0F), {}),
-                upload_picture(bumps_of(file, 1.2F), {}),
-                upload_picture(glow_bitmap(), {.repeat = false}),
-                upload_picture(ramp_bitmap("Health"), {.repeat = false}),
-                upload_picture(ramp_bitmap("Mana"), {.repeat = false})};
+    pictures = {upload_picture(hills, true),
+                upload_picture(bumps_of(file, 4.0F), true),
+                upload_picture(bumps_of(file, 1.2F), true),
+                upload_picture(glow_bitmap(), false),
+                upload_picture(ramp_bitmap("Health"), false),
+                upload_picture(ramp_bitmap("Mana"), false)};
     meshes = {gl.upload_mesh(make_ground(island).get()),
               gl.upload_mesh(make_lathed(WATER_LEVEL, 4, 1.0 / 26.0).get()),
               gl.upload_mesh(make_lathed(STONE, 4, 1.0).get()),

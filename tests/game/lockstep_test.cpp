@@ -151,6 +151,11 @@ TEST_F(LockstepTest, OtherSideThatVanishesOrLeavesEndsTheGame) {
     EXPECT_EQ("the way is broken", sides[0]->session.end());
 
     start();
+    links[0].broken = "nobody is there";
+    sides[0]->tick();
+    EXPECT_EQ("nobody is there", sides[0]->session.end()) << "before the handshake";
+
+    start();
     run(100);
     const std::uint32_t last = sides[0]->simulation.state().step;
     for (int i = 0; i < 301; ++i)
