@@ -44,7 +44,7 @@ static_assert(sizeof(ContractIdentity) == 32);
 // Entry 0 of every table under a contract: writes which contract the table serves.
 //
 // The host passes a cleared record, so that an entry 0 of another meaning, which leaves its
-// argument alone, is told apart.
+// argument alone, is recognised.
 using Identify = void(ContractIdentity* identity);
 
 // The first of the entries that contracts leave to the plug-in.

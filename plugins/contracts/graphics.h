@@ -170,7 +170,7 @@ struct Graphics {
     bool (*open)(const SurfaceRequest& request) = nullptr;
     // Closes the surface and drops all meshes and pictures; does nothing if it is not open.
     void (*close)() = nullptr;
-    // Gives surface and window another size, 1 to 8192 pixels a side; not between begin_frame and
+    // Changes the size of surface and window, 1 to 8192 pixels a side; not between begin_frame and
     // end_frame.
     bool (*resize)(std::uint16_t width, std::uint16_t height) = nullptr;
     // Lets the window fill the display or not; false without a window.

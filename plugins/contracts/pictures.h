@@ -30,7 +30,7 @@ struct Pictures {
 
     void* reserved_2_to_14[13] = {};
 
-    // Reads a PNG or JPEG file, told apart by content; __cBitmap_load calls this.
+    // Reads a PNG or JPEG file, recognised by its content; __cBitmap_load calls this.
     //
     // The three values are `std::uint16_t* width`, `std::uint16_t* height` and
     // `std::uint8_t** pixels`. Pixels are 8-bit RGBA, top row first. Palettes, grey, 16-bit samples

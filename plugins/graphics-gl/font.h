@@ -36,7 +36,7 @@ public:
     // The glyph of a character at `size` pixels from line to line. Throws std::runtime_error once
     // the atlas is full.
     const Glyph& glyph(char32_t character, std::uint16_t size);
-    // How far the pen moves from one character to the next; 0 stands for the end of the line.
+    // How far the pen moves from one character to the next; 0 is the end of the line.
     float advance(char32_t character, char32_t next, std::uint16_t size) const;
     // From the top of a line to its baseline.
     float ascent(std::uint16_t size) const;

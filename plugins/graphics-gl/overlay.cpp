@@ -69,10 +69,10 @@ Overlay::Overlay()
     : program(OVERLAY_VERTEX, OVERLAY_FRAGMENT),
       attributes(make_vertex_array()),
       buffer(make_buffer()) {
-    constexpr AttributePart LAYOUT[] = {{2, offsetof(Vertex, position)},
+    constexpr AttributePart layout[] = {{2, offsetof(Vertex, position)},
                                         {2, offsetof(Vertex, texcoord)},
                                         {4, offsetof(Vertex, color)}};
-    set_layout<Vertex>(attributes, buffer, LAYOUT);
+    set_layout<Vertex>(attributes, buffer, layout);
     program.set_sampler("picture", 0);
 }
 
@@ -103,10 +103,10 @@ void Overlay::add_text(Font& font, const TextDrawing& drawing) {
         // On whole pixels, where a glyph is as sharp as it was drawn.
         const float left = std::round(drawing.x + x) + glyph.from_pen;
         const float top = std::round(baseline + line * size) + glyph.from_baseline;
-        constexpr float SIDE = Font::ATLAS_SIDE;
+        constexpr float side = Font::ATLAS_SIDE;
         add(font.atlas(), {left, top, left + glyph.width, top + glyph.height},
-            {glyph.left / SIDE, glyph.top / SIDE, (glyph.left + glyph.width) / SIDE,
-             (glyph.top + glyph.height) / SIDE},
+            {glyph.left / side, glyph.top / side, (glyph.left + glyph.width) / side,
+             (glyph.top + glyph.height) / side},
             drawing.color);
     });
 }

@@ -102,15 +102,15 @@ Scene::Scene()
       no_attributes(make_vertex_array()),
       plain_attributes(make_vertex_array()),
       plain_buffer(make_buffer()) {
-    constexpr AttributePart PLAIN_LAYOUT[] = {{3, offsetof(PlainVertex, position)},
-                                              {2, offsetof(PlainVertex, texcoord)},
-                                              {4, offsetof(PlainVertex, color)}};
-    set_layout<PlainVertex>(plain_attributes, plain_buffer, PLAIN_LAYOUT);
+    constexpr AttributePart layout[] = {{3, offsetof(PlainVertex, position)},
+                                        {2, offsetof(PlainVertex, texcoord)},
+                                        {4, offsetof(PlainVertex, color)}};
+    set_layout<PlainVertex>(plain_attributes, plain_buffer, layout);
 }
 
 void Scene::begin(const View& seen_from, const Atmosphere& atmosphere) {
     view = seen_from;
-    frame_lights = FrameLights(lights, view);
+    frame_lights = FrameLights(current_lights(), view);
     has_fog = fog_of(atmosphere)[1] > 0.0F;
     counts = {};
     write_block(frame_block, FrameBlock{.view_projection = view.projection(),
@@ -128,8 +128,9 @@ void Scene::begin(const View& seen_from, const Atmosphere& atmosphere) {
 }
 
 void Scene::set_lights(std::span<const cLight> new_lights) {
-    lights.assign(new_lights.begin(), new_lights.end());
-    frame_lights = FrameLights(lights, view);
+    std::copy(new_lights.begin(), new_lights.end(), lights.begin());
+    light_count = new_lights.size();
+    frame_lights = FrameLights(current_lights(), view);
 }
 
 void Scene::use_lights(const LightBlock& block) {

@@ -10,6 +10,8 @@
 
 #include "plugins/contracts/graphics.h"
 
+#include <array>
+#include <cstddef>
 #include <span>
 #include <vector>
 
@@ -27,6 +29,7 @@ public:
 
     // Draws the sky and takes the camera for what follows.
     void begin(const View& seen_from, const Atmosphere& atmosphere);
+    // At most MAX_LIGHTS.
     void set_lights(std::span<const cLight> new_lights);
 
     void draw(const MeshDrawing& drawing, const Mesh& mesh, const SceneTextures& textures);
@@ -44,12 +47,16 @@ private:
 
     void draw_plain(GLenum kind, const std::vector<PlainVertex>& corners, Blend blend,
                     bool takes_fog);
+
+    std::span<const cLight> current_lights() const { return {lights.data(), light_count}; }
+
     // Writes the lights that the program in use reads, if they are others than before.
     void use_lights(const LightBlock& block);
 
     View view;
     bool has_fog = false;
-    std::vector<cLight> lights;
+    std::array<cLight, MAX_LIGHTS> lights;
+    std::size_t light_count = 0;
     FrameLights frame_lights;
     LightBlock used_lights{};
     FrameFigures counts;

@@ -8,7 +8,7 @@
 
 namespace quillon::graphics_gl {
 
-// SDL's video part, on a display or without one. False, with nothing left behind, if there is
+// SDL's video part, on a display or without one. False, with nothing left open, if there is
 // neither.
 bool open_video();
 void close_video();

@@ -229,7 +229,7 @@ TEST_F(GraphicsFrame, WhatCannotBeDoneIsRefusedWithTheReason) {
     flat.vertical_field_of_view = 0.0;
     Camera inverted;
     inverted.far_plane = 0.05;
-    std::vector<cLight> lights(MAX_LIGHTS + 1);
+    const cLight lights[MAX_LIGHTS + 1];
     std::uint8_t pixel[4] = {};
     const Graphics& g = graphics();
 
@@ -248,7 +248,7 @@ TEST_F(GraphicsFrame, WhatCannotBeDoneIsRefusedWithTheReason) {
         {"no full screen", false, [&] { return g.set_fullscreen(true); }},
         {"field of view", false, [&] { return g.begin_frame(flat); }},
         {"near plane", false, [&] { return g.begin_frame(inverted); }},
-        {"more than 16 lights", false, [&] { return g.set_lights(lights.data(), MAX_LIGHTS + 1); }},
+        {"more than 16 lights", false, [&] { return g.set_lights(lights, MAX_LIGHTS + 1); }},
         {"no positions", false, [&] { return g.upload_mesh(empty.get()) != 0; }},
         {"fewer than 3 corners", false, [&] { return g.upload_mesh(lines.get()) != 0; }},
         {"no mesh 77", false, [&] { return g.update_mesh(77, whole.get()); }},

@@ -48,26 +48,26 @@ Cache square(bool is_mirrored) {
 }
 
 Cache sphere() {
-    constexpr std::uint32_t RINGS = 12;
-    constexpr std::uint32_t SECTORS = 2 * RINGS;
+    constexpr std::uint32_t rings = 12;
+    constexpr std::uint32_t sectors = 2 * rings;
     std::vector<cVector3D> corners;
     std::vector<cVector2D<double>> texcoords;
     const auto add = [&](std::uint32_t ring, std::uint32_t sector) {
-        const double latitude = M_PI * ring / RINGS;
-        const double longitude = M_PI * sector / RINGS;
+        const double latitude = M_PI * ring / rings;
+        const double longitude = M_PI * sector / rings;
         corners.emplace_back(std::sin(latitude) * std::cos(longitude), std::cos(latitude),
                              std::sin(latitude) * std::sin(longitude));
-        texcoords.emplace_back(static_cast<double>(sector) / SECTORS,
-                               static_cast<double>(ring) / RINGS);
+        texcoords.emplace_back(static_cast<double>(sector) / sectors,
+                               static_cast<double>(ring) / rings);
     };
-    for (std::uint32_t ring = 0; ring < RINGS; ++ring)
-        for (std::uint32_t sector = 0; sector < SECTORS; ++sector) {
+    for (std::uint32_t ring = 0; ring < rings; ++ring)
+        for (std::uint32_t sector = 0; sector < sectors; ++sector) {
             add(ring, sector);
             add(ring, sector + 1);
             add(ring + 1, sector + 1);
             add(ring + 1, sector);
         }
-    Cache cache(__mGraphics_create_render_cache(RINGS * SECTORS, 4, true, true, false, false));
+    Cache cache(__mGraphics_create_render_cache(rings * sectors, 4, true, true, false, false));
     __mGraphics_modify_render_cache_from_verts(cache.get(), corners.data(), texcoords.data(),
                                                corners.data(), nullptr);
     return cache;
