@@ -87,7 +87,7 @@ TEST(Contracts, ATableIsTypedOnlyUnderItsOwnContract) {
     Connected graphics(GRAPHICS_FILE, "connect_graphics_interface");
     Connected image(IMAGE_FILE, "connect_graphics_interface");
     void* nameless[97] = {};
-    void* foreign[97] = {reinterpret_cast<void*>(+[] {})};
+    void* foreign[97] = {reinterpret_cast<void*>(+[](ContractIdentity*) {})};
     EXPECT_EQ("", reason_of<Graphics>(graphics.data()));
     EXPECT_EQ("", reason_of<Pictures>(graphics.data()));
     EXPECT_EQ("", reason_of<Pictures>(image.data()));
