@@ -30,9 +30,7 @@ ScratchFolder::~ScratchFolder() {
 }
 
 Host::Host(const std::vector<std::string>& fixtures, const std::string& inside) {
-    int number = 0;
-    for (const std::string& name : fixtures)
-        copy_fixture(inside + "/" + std::to_string(number++) + "_" + name + ".so", name);
+    copy_fixtures(fixtures, inside);
 }
 
 std::vector<std::string> Host::events(const std::string& unwanted) {
@@ -69,6 +67,12 @@ void* LoadedLibrary::address(const char* name) const {
 void copy_fixture(const fs::path& file, const std::string& name) {
     fs::create_directories(file.parent_path());
     fs::copy(fs::path(FIXTURE_FOLDER) / (name + ".so"), file);
+}
+
+void copy_fixtures(const std::vector<std::string>& names, const std::string& folder) {
+    int number = 0;
+    for (const std::string& name : names)
+        copy_fixture(folder + "/" + std::to_string(number++) + "_" + name + ".so", name);
 }
 
 bool is_mapped(const std::string& text) {

@@ -61,5 +61,8 @@ struct Host : ScratchFolder, LoadedLibrary {
 // Copies a fixture to `file`.
 void copy_fixture(const std::filesystem::path& file, const std::string& name);
 
+// Copies fixtures into a folder, under names that load in the given order.
+void copy_fixtures(const std::vector<std::string>& names, const std::string& folder = "plugin");
+
 // Whether a mapping of this process names `text`.
 bool is_mapped(const std::string& text);

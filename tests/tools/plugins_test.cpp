@@ -76,7 +76,7 @@ TEST(Plugins, EachThatIsNotConnectedHasItsReason) {
     for (const Outcome& row : OUTCOMES) {
         SCOPED_TRACE(row.name);
         const ScratchFolder folder;
-        folder.add_plugins(row.fixtures);
+        copy_fixtures(row.fixtures);
         const ToolRun run = run_tool("plugins --json");
         EXPECT_EQ(0, run.code);
         EXPECT_EQ("", run.error);
@@ -97,7 +97,7 @@ void add_changed(const std::string& name, std::streamoff offset, char byte) {
 
 TEST(Plugins, EachRefusedFileHasItsReason) {
     const ScratchFolder folder;
-    folder.add_plugins({"graphics", "missing_library", "missing_symbol", "without_shutdown"});
+    copy_fixtures({"graphics", "missing_library", "missing_symbol", "without_shutdown"});
     std::ofstream("plugin/a_text.so") << "not a library at all";
     fs::create_symlink("nothing", "plugin/b_dangling.so");
     fs::create_symlink("c_loop.so", "plugin/c_loop.so");
@@ -137,7 +137,7 @@ TEST(Plugins, EachRefusedFileHasItsReason) {
 
 TEST(Plugins, EachModuleSaysWhoServesItAndWhy) {
     const ScratchFolder folder;
-    folder.add_plugins({"refuses", "graphics", "all_five", "input_and_system", "no_connect"});
+    copy_fixtures({"refuses", "graphics", "all_five", "input_and_system", "no_connect"});
     fs::copy(PLUGIN_FOLDER "/clock.so", "plugin/0_clock.so");
 
     const auto modules_of = [](const std::string& command) {
@@ -165,9 +165,9 @@ TEST(Plugins, EachModuleSaysWhoServesItAndWhy) {
 
 TEST(Plugins, GivenFolderIsTheOnlyOneOpened) {
     const ScratchFolder folder;
-    folder.add_plugins({"graphics"});
+    copy_fixtures({"graphics"});
     fs::rename("plugin", "elsewhere");
-    folder.add_plugins({"all_five"});
+    copy_fixtures({"all_five"});
     for (const std::string name : {"elsewhere", "./elsewhere/", "$PWD/elsewhere"})
         EXPECT_THAT(summary(run_tool("plugins --json " + name)),
                     ElementsAre("0_graphics.so GRAPHICS"));
