@@ -196,7 +196,7 @@ TEST_F(GraphicsFrame, WhatIsOutOfSightCostsNothing) {
         const char* name;
         cVector3D place;
         bool is_seen;
-    } cases[] = {{"InFront", {0, 0, 0}, true},        {"Behind", {0, 0, -5}, false},
+    } cases[] = {{"InFront", {0, 0, 0}, true},        {"Behind", {0, 0, -4.2}, false},
                  {"AtTheEdge", {3.2, 0, 0}, true},    {"Right", {4.5, 0, 0}, false},
                  {"Above", {0, 3.5, 0}, false},       {"TooFar", {0, 0, 2000}, false},
                  {"AroundTheEye", {0, 0, -3.5}, true}};

@@ -44,6 +44,13 @@ cLight falling_off(cLight light, float cutoff) {
     return light;
 }
 
+cLight near_its_end() {
+    cLight light = light_from(LIGHT_POINT, {0, 0, -2});
+    light.set_spot_and_attenuation(180.0F, 0.0F, 200.0F, 0.0F, 0.0F, LIGHT_POINT);
+    light.intensity = 100.0F;
+    return light;
+}
+
 cLight ambient_only() {
     cLight light = light_from(LIGHT_DIRECTIONAL, {0, 0, 1});
     light.set_colors(WHITE, BLACK, BLACK, 0.5F);
@@ -89,6 +96,7 @@ TEST_F(GraphicsSurface, EachKindOfLightFollowsItsFormula) {
     const double glow = light_of(0.1);
     // At distance 2: 1 / (1 + 0.5 * 2 + 0.25 * 4), less what makes lights end.
     const double reached = 1.0 / 3 - 1.0 / 256;
+    const double ended = 100 * (1.0 / 200 - 1.0 / 256);
     const Rgb faced = {shown(red + glow), shown(red), shown(blue)};
     const Rgb unlit = {shown(glow), 0, 0};
     const Rgb near = {shown(red * reached + glow), shown(red * reached), shown(blue * reached)};
@@ -105,6 +113,9 @@ TEST_F(GraphicsSurface, EachKindOfLightFollowsItsFormula) {
          {shown(red * 0.8 + glow), shown(red * 0.8), shown(blue * 0.8)}},
         {"Point", falling_off(light_from(LIGHT_POINT, {0, 0, -2}), 180.0F), near},
         {"InsideItsCone", falling_off(light_from(LIGHT_POINT, {0, 0, -2}), 20.0F), near},
+        {"NearItsEnd",
+         near_its_end(),
+         {shown(red * ended + glow), shown(red * ended), shown(blue * ended)}},
         {"Ambient", ambient_only(), {shown(light_of(0.2) / 2 + glow), shown(light_of(0.1) / 2), 0}},
         {"Off", light_from(LIGHT_OFF, {0, 0, -2}), unlit},
     };
