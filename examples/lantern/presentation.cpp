@@ -27,7 +27,7 @@ constexpr cColor AFTERGLOW(0.74F, 0.42F, 0.30F, 1.0F);
 constexpr cColor SHADE(0.37F, 0.39F, 0.54F, 1.0F);
 constexpr cColor LAMP(1.0F, 0.60F, 0.22F, 1.0F);
 
-constexpr cVector3D TO_MOON(-0.62, 0.36, 0.70);
+constexpr cVector3D TO_MOON(-0.62, 0.20, 0.70);
 constexpr cVector3D FROM_SUNSET(-0.85, -0.30, -0.43);
 
 constexpr cMaterial LAND(quillon::WHITE, quillon::WHITE, quillon::BLACK, quillon::BLACK, 1.0F);
@@ -46,7 +46,6 @@ constexpr Ring BELLY[] = {{-1.1, 0.5}, {-0.75, 0.9}, {0.0, 1.15}, {0.75, 0.9}, {
 constexpr Ring METAL[] = {{-1.35, 0.05}, {-1.3, 0.45}, {-1.05, 0.6},
                           {1.05, 0.6},   {1.3, 0.6},   {1.65, 0.08}};
 
-constexpr double LANTERN_SIZE = 1.5;
 constexpr double SKY = 1800.0; // the distance of moon and stars
 constexpr std::uint32_t BURST_STEPS = 45;
 constexpr std::size_t LAMPS = 4; // the nearest lanterns, which light what is around them
@@ -260,14 +259,14 @@ void Presentation::draw_land() const {
                       .normal_map = pictures[BUMPS]});
 }
 
-// Paper that glows in a frame of brass; dark for as long as the lantern is out.
+// Paper that glows in a frame of brass; dark and small for as long as the lantern is out.
 void Presentation::draw_lanterns() const {
     const cMaterial* brass = __nsMaterial_material_table("BRASS");
     const cMaterial* bronze = __nsMaterial_material_table("BRONZE");
     for (std::size_t i = 0; i < Island::LANTERNS; ++i) {
         quillon::MeshDrawing drawing{.mesh = meshes[FRAME],
                                      .position = island.lanterns[i],
-                                     .scale = quillon::VECTOR3D_ONE * LANTERN_SIZE,
+                                     .scale = quillon::VECTOR3D_ONE * (burns(i) ? 1.5 : 0.8),
                                      .material = brass};
         gl.draw_mesh(drawing);
         drawing.mesh = meshes[PAPER];
@@ -298,7 +297,8 @@ void Presentation::draw_sky() const {
     draw_glow(moon, 260.0, quillon::ALICEBLUE, false);
     for (std::size_t i = 0; i < Island::LANTERNS; ++i)
         if (burns(i))
-            draw_glow(island.lanterns[i], 15.0 + sinTD(simulation.state().step * 4.0 + 77.0 * i),
+            draw_glow(island.lanterns[i],
+                      15.0 + sinTD(simulation.state().step * 4.0 + 77.0 * static_cast<double>(i)),
                       faded(LAMP, 0.8));
 }
 

@@ -45,6 +45,8 @@ Script read_script(const std::string& path) {
     std::string kind;
     std::uint32_t version = 0;
     Script script;
+    if (!file)
+        throw std::runtime_error(path + ": can't read this script; is there such a file?");
     if (!(file >> kind >> version >> script.players) || kind != "lantern-script")
         throw std::runtime_error(path + ": no script; --keep FILE writes one");
     if (version != SIMULATION_VERSION)
