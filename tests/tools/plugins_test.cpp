@@ -76,6 +76,7 @@ TEST(Plugins, EachThatIsNotConnectedHasItsReason) {
     for (const Outcome& row : OUTCOMES) {
         SCOPED_TRACE(row.name);
         const ScratchFolder folder;
+        fs::create_directory("plugin");
         copy_fixtures(row.fixtures);
         const ToolRun run = run_tool("plugins --json");
         EXPECT_EQ(0, run.code);
