@@ -66,18 +66,18 @@ bool pop_mode(cson_push_parser& parser, signed char mode) {
     return true;
 }
 
-bool double_stack(cson_push_parser& parser) {
-    if (parser.stack_capacity > std::numeric_limits<std::int32_t>::max() / 2)
-        return fail(parser, cson_push_out_of_memory);
-    const std::int32_t capacity = parser.stack_capacity * 2;
-    auto* grown = static_cast<signed char*>(parser.allocate(static_cast<std::size_t>(capacity)));
+// Replaces the stack or the buffer by one of twice the bytes.
+template <typename Byte, typename Size>
+bool double_block(cson_push_parser& parser, Byte*& block, Size& bytes, const Byte* initial) {
+    const bool can_double = bytes <= std::numeric_limits<Size>::max() / 2;
+    void* grown = can_double ? parser.allocate(static_cast<std::size_t>(bytes) * 2) : nullptr;
     if (grown == nullptr)
         return fail(parser, cson_push_out_of_memory);
-    std::copy_n(parser.stack, parser.stack_capacity, grown);
-    if (parser.stack != parser.static_stack.data())
-        parser.release(parser.stack);
-    parser.stack = grown;
-    parser.stack_capacity = capacity;
+    std::memcpy(grown, block, static_cast<std::size_t>(bytes));
+    if (block != initial)
+        parser.release(block);
+    block = static_cast<Byte*>(grown);
+    bytes *= 2;
     return true;
 }
 
@@ -85,7 +85,8 @@ bool double_stack(cson_push_parser& parser) {
 bool push_mode(cson_push_parser& parser, signed char mode) {
     if (parser.depth >= 0 && parser.top == parser.depth)
         return fail(parser, cson_push_nesting_depth);
-    if (parser.top + 1 == parser.stack_capacity && !double_stack(parser))
+    if (parser.top + 1 == parser.stack_capacity &&
+        !double_block(parser, parser.stack, parser.stack_capacity, parser.static_stack.data()))
         return false;
     parser.stack[++parser.top] = mode;
     return true;
@@ -105,18 +106,8 @@ void trim(cson_push_parser& parser, std::uint32_t count) {
 
 // Makes room for one byte more and the terminator.
 bool make_room(cson_push_parser& parser) {
-    if (parser.buffer_count + 2 <= parser.buffer_capacity)
-        return true;
-    const bool can_double = parser.buffer_capacity <= std::numeric_limits<std::uint32_t>::max() / 2;
-    void* grown = can_double ? parser.allocate(std::size_t{parser.buffer_capacity} * 2) : nullptr;
-    if (grown == nullptr)
-        return fail(parser, cson_push_out_of_memory);
-    std::memcpy(grown, parser.buffer, parser.buffer_count);
-    if (parser.buffer != parser.static_buffer.data())
-        parser.release(parser.buffer);
-    parser.buffer = static_cast<unsigned char*>(grown);
-    parser.buffer_capacity *= 2;
-    return true;
+    return parser.buffer_count + 2 <= parser.buffer_capacity ||
+           double_block(parser, parser.buffer, parser.buffer_capacity, parser.static_buffer.data());
 }
 
 // Adds a byte for which there is room.
@@ -154,38 +145,32 @@ bool add_character(cson_push_parser& parser, std::int32_t character, std::uint8_
 
 // --- Reporting ---------------------------------------------------------------------------------
 
-std::int32_t buffer_as_integer(const cson_push_parser& parser) {
-    const char* text = reinterpret_cast<const char*>(parser.buffer);
+std::int32_t integer_of(const char* text) {
     using Limits = std::numeric_limits<std::int32_t>;
     return static_cast<std::int32_t>(
         std::clamp<long>(std::strtol(text, nullptr, 10), Limits::min(), Limits::max()));
 }
 
+// Reports the value or key that is in the buffer. Without a callback nothing is converted either.
 bool report_buffer(cson_push_parser& parser, int event) {
+    if (parser.callback == nullptr)
+        return true;
+    const char* text = reinterpret_cast<const char*>(parser.buffer);
+    if (event >= cson_event_null && event <= cson_event_false)
+        return report(parser, event, nullptr);
     cson_push_data data = {};
-    if (event == cson_event_integer) {
-        data.integer = buffer_as_integer(parser);
-    } else if (event == cson_event_float && !parser.manual_floats) {
-        data.number = std::strtod(reinterpret_cast<const char*>(parser.buffer), nullptr);
-    } else {
-        data.text = reinterpret_cast<const char*>(parser.buffer);
-        data.length = parser.buffer_count;
-    }
+    if (event == cson_event_integer)
+        data.integer = integer_of(text);
+    else if (event == cson_event_float && !parser.manual_floats)
+        data.number = std::strtod(text, nullptr);
+    else
+        data = {0, parser.buffer_count, 0.0, text};
     return report(parser, event, &data);
 }
 
-bool is_keyword(int event) {
-    return event >= cson_event_null && event <= cson_event_false;
-}
-
 // Reports the value that is being read, if any, and clears the buffer.
-//
-// Without a callback nothing is converted either.
 bool flush(cson_push_parser& parser) {
-    bool ok = true;
-    if (parser.callback != nullptr && parser.type != 0)
-        ok = is_keyword(parser.type) ? report(parser, parser.type, nullptr)
-                                     : report_buffer(parser, parser.type);
+    const bool ok = parser.type == 0 || report_buffer(parser, parser.type);
     clear_buffer(parser);
     return ok;
 }
@@ -207,43 +192,25 @@ bool comma(cson_push_parser& parser) {
 }
 
 bool close_string(cson_push_parser& parser) {
-    if (is_in_array(parser) || mode_of(parser) == MODE_OBJECT) {
-        const bool ok = flush(parser);
-        return enter(parser, 0, Cell::Complete) && ok;
-    }
-    if (mode_of(parser) != MODE_KEY)
+    if (mode_of(parser) == MODE_DONE)
         return false;
-    enter(parser, 0, Cell::Colon);
-    const bool ok = parser.callback == nullptr || report_buffer(parser, cson_event_key);
-    clear_buffer(parser);
-    return ok;
+    const bool is_key = mode_of(parser) == MODE_KEY;
+    if (is_key)
+        parser.type = cson_event_key;
+    const bool ok = flush(parser);
+    return enter(parser, 0, is_key ? Cell::Colon : Cell::Complete) && ok;
 }
 
-bool open_array(cson_push_parser& parser) {
-    return report(parser, cson_event_array_begins, nullptr) && push_mode(parser, MODE_ARRAY);
-}
-
-bool open_object(cson_push_parser& parser) {
-    return report(parser, cson_event_object_begins, nullptr) && push_mode(parser, MODE_KEY);
+template <int event, signed char mode>
+bool open_container(cson_push_parser& parser) {
+    return report(parser, event, nullptr) && push_mode(parser, mode);
 }
 
 // The end is reported first: of two faults, a callback's refusal counts before a wrong bracket.
-bool close_container(cson_push_parser& parser, int event, signed char mode) {
-    return report(parser, event, nullptr) &&
+template <int event, signed char mode>
+bool close_container(cson_push_parser& parser) {
+    return flush(parser) && report(parser, event, nullptr) &&
            (pop_mode(parser, mode) || fail(parser, cson_push_unbalanced));
-}
-
-bool close_array(cson_push_parser& parser) {
-    return flush(parser) && close_container(parser, cson_event_array_ends, MODE_ARRAY);
-}
-
-bool close_object(cson_push_parser& parser) {
-    return flush(parser) && close_container(parser, cson_event_object_ends, MODE_OBJECT);
-}
-
-bool close_empty_object(cson_push_parser& parser) {
-    clear_buffer(parser);
-    return close_container(parser, cson_event_object_ends, MODE_KEY);
 }
 
 // A number or keyword that a comment follows is complete at once. A comment that isn't allowed
@@ -270,11 +237,6 @@ bool end_comment(cson_push_parser& parser) {
 bool decimal_point(cson_push_parser& parser) {
     if (!parser.manual_floats)
         parser.buffer[parser.buffer_count - 1] = static_cast<unsigned char>(parser.decimal_point);
-    return true;
-}
-
-bool open_string(cson_push_parser& parser) {
-    clear_buffer(parser);
     return true;
 }
 
@@ -318,11 +280,13 @@ constexpr std::array<Action, ACTION_COUNT> ACTIONS = {{
     {Cell::AwaitMember, true, await_member, Cell::Value},
     {Cell::Comma, true, comma, OWN_STATE},
     {Cell::CloseString, true, close_string, OWN_STATE},
-    {Cell::OpenArray, true, open_array, Cell::FirstElement},
-    {Cell::OpenObject, true, open_object, Cell::FirstKey},
-    {Cell::CloseArray, true, close_array, Cell::Complete},
-    {Cell::CloseObject, true, close_object, Cell::Complete},
-    {Cell::CloseEmptyObject, true, close_empty_object, Cell::Complete},
+    {Cell::OpenArray, true, open_container<cson_event_array_begins, MODE_ARRAY>,
+     Cell::FirstElement},
+    {Cell::OpenObject, true, open_container<cson_event_object_begins, MODE_KEY>, Cell::FirstKey},
+    {Cell::CloseArray, true, close_container<cson_event_array_ends, MODE_ARRAY>, Cell::Complete},
+    {Cell::CloseObject, true, close_container<cson_event_object_ends, MODE_OBJECT>, Cell::Complete},
+    {Cell::CloseEmptyObject, true, close_container<cson_event_object_ends, MODE_KEY>,
+     Cell::Complete},
     {Cell::BeginComment, true, begin_comment, Cell::Slash},
     {Cell::EndComment, false, end_comment, OWN_STATE},
     {Cell::BeginFalse, false, nullptr, Cell::F, cson_event_false},
@@ -330,7 +294,7 @@ constexpr std::array<Action, ACTION_COUNT> ACTIONS = {{
     {Cell::BeginNull, false, nullptr, Cell::N, cson_event_null},
     {Cell::BeginExponent, false, nullptr, Cell::Exponent, cson_event_float},
     {Cell::DecimalPoint, false, decimal_point, Cell::Point, cson_event_float},
-    {Cell::OpenString, true, open_string, Cell::String, cson_event_string},
+    {Cell::OpenString, true, nullptr, Cell::String, cson_event_string},
     {Cell::BeginNegative, false, nullptr, Cell::Minus, cson_event_integer},
     {Cell::BeginZero, false, nullptr, Cell::Zero, cson_event_integer},
     {Cell::BeginInteger, false, nullptr, Cell::Integer, cson_event_integer},

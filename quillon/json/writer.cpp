@@ -1,5 +1,6 @@
 #include "quillon/json/writer.h"
 
+#include "quillon/json/escape.h"
 #include "quillon/json/number.h"
 #include "quillon/json/record.h"
 #include "quillon/json/stack.h"
@@ -28,37 +29,54 @@ Bytes bytes_of(std::string_view text) {
 
 // --- Outputs -----------------------------------------------------------------------------------
 
+// After the first code other than 0, which is the result, an output takes nothing more.
+//
+// Both outputs take a piece, and a run of pieces of one character each. `space` is where up to
+// `count` bytes may be put directly, if anywhere, and `advance` adds them, up to `end`.
+struct Outcome {
+    void fail(int failure) {
+        if (code == cson_OK)
+            code = failure;
+    }
+
+    int code = cson_OK;
+};
+
+std::string_view view_between(Bytes begin, Bytes end) {
+    return {reinterpret_cast<const char*>(begin), reinterpret_cast<const char*>(end)};
+}
+
 // The text between two quotes goes out in pieces of one character: an escape, or a single byte.
-std::uint32_t piece_length(Bytes at) {
+std::size_t piece_length(const char* at) {
     if (*at != '\\')
         return 1;
     return at[1] == 'u' ? 6 : 2;
 }
 
 template <typename Output>
-int write_pieces(Output& output, Bytes at, Bytes end) {
-    int code = cson_OK;
-    while (at != end && code == cson_OK) {
-        const std::uint32_t length = piece_length(at);
-        code = output.piece(at, length);
-        at += length;
+void write_pieces(Output& output, std::string_view text) {
+    while (!text.empty() && output.code == cson_OK) {
+        const std::size_t length = piece_length(text.data());
+        output.piece(text.substr(0, length));
+        text.remove_prefix(length);
     }
-    return code;
 }
 
-// Both outputs take a piece, and a run of pieces of one character each. `space` is where up to
-// `count` bytes may be put directly, if anywhere, and `advance` adds them, up to `end`.
-class SinkOutput {
+class SinkOutput : public Outcome {
 public:
-    SinkOutput(cson_sink used_sink, void* used_state, bool joins)
+    SinkOutput(cson_sink used_sink, void* used_state, bool joins = false)
         : sink(used_sink), state(used_state), joins_runs(joins) {}
 
-    int piece(const void* bytes, std::uint32_t count) { return sink(state, bytes, count); }
+    void piece(std::string_view text) {
+        if (code == cson_OK)
+            code = sink(state, text.data(), static_cast<std::uint32_t>(text.size()));
+    }
 
-    int run(Bytes begin, Bytes end) {
-        if (joins_runs && begin != end)
-            return piece(begin, static_cast<std::uint32_t>(end - begin));
-        return write_pieces(*this, begin, end);
+    void run(std::string_view text) {
+        if (joins_runs && !text.empty())
+            piece(text);
+        else
+            write_pieces(*this, text);
     }
 
     static unsigned char* space(std::uint64_t) { return nullptr; }
@@ -71,30 +89,31 @@ private:
     bool joins_runs; // the library's own sinks can't tell the difference
 };
 
-class BufferOutput {
+class BufferOutput : public Outcome {
 public:
     explicit BufferOutput(cson_buffer& target) : buffer(target) {}
 
-    int piece(const void* bytes, std::uint32_t count) {
-        const std::uint64_t needed = std::uint64_t{buffer.used} + count;
-        const int code = needed < buffer.capacity ? int{cson_OK} : grow_to(needed * 2);
-        if (code == cson_OK) {
-            copy_bytes(buffer.mem + buffer.used, bytes, count);
-            buffer.used += count;
-        }
-        return code;
+    void piece(std::string_view text) {
+        const std::uint64_t needed = std::uint64_t{buffer.used} + text.size();
+        if (code == cson_OK && needed >= buffer.capacity)
+            code = grow_to(needed * 2);
+        if (code != cson_OK)
+            return;
+        copy_bytes(buffer.mem + buffer.used, text.data(), text.size());
+        buffer.used += static_cast<std::uint32_t>(text.size());
     }
 
     // Grows where its pieces would have made it grow.
-    int run(Bytes begin, Bytes end) {
-        const auto count = static_cast<std::uint32_t>(end - begin);
-        if (space(count) == nullptr)
-            return write_pieces(*this, begin, end);
-        return count != 0 ? piece(begin, count) : int{cson_OK};
+    void run(std::string_view text) {
+        if (space(text.size()) != nullptr)
+            piece(text);
+        else
+            write_pieces(*this, text);
     }
 
     unsigned char* space(std::uint64_t count) {
-        return buffer.used + count < buffer.capacity ? buffer.mem + buffer.used : nullptr;
+        const bool fits = code == cson_OK && buffer.used + count < buffer.capacity;
+        return fits ? buffer.mem + buffer.used : nullptr;
     }
 
     void advance(Bytes end) { buffer.used = static_cast<std::uint32_t>(end - buffer.mem); }
@@ -109,27 +128,21 @@ private:
     cson_buffer& buffer;
 };
 
-template <typename Output>
-int write_piece(Output& output, std::string_view text) {
-    return output.piece(text.data(), static_cast<std::uint32_t>(text.size()));
-}
-
 // --- Strings -----------------------------------------------------------------------------------
 
 // By byte: 0 for what goes out unchanged, the letter of a short escape, or "u" for what ends the
 // string (the zero byte) or has to be decoded. A slash is escaped on request alone.
-constexpr std::array<char, 256> make_escapes() {
-    std::array<char, 256> escapes = {};
-    for (std::size_t c = 0x80; c < escapes.size(); ++c)
-        escapes[c] = 'u';
-    constexpr std::string_view escaped("\0\b\t\n\f\r\"\\/", 9);
-    constexpr std::string_view letters = "ubtnfr\"\\/";
-    for (std::size_t i = 0; i < escaped.size(); ++i)
-        escapes[static_cast<unsigned char>(escaped[i])] = letters[i];
-    return escapes;
+constexpr std::array<char, 256> make_letters() {
+    std::array<char, 256> letters = {};
+    for (std::size_t c = 0x80; c < letters.size(); ++c)
+        letters[c] = 'u';
+    letters[0] = 'u';
+    for (std::size_t i = 0; i < ESCAPE_LETTERS.size(); ++i)
+        letters[static_cast<unsigned char>(ESCAPE_MEANINGS[i])] = ESCAPE_LETTERS[i];
+    return letters;
 }
 
-constexpr std::array<char, 256> ESCAPES = make_escapes();
+constexpr std::array<char, 256> LETTERS = make_letters();
 
 // The high bit of each of eight bytes that may not go out unchanged; not exact after the first.
 // Each subtraction borrows from the next byte only where its own result is already marked (the
@@ -155,9 +168,9 @@ unsigned char* put_character(unsigned char* to, Bytes& at, Bytes end, bool escap
     const std::uint32_t code_point = cson_utf8_next(at, end, &at);
     if (at - begin == 1) {
         // Stray bytes of UTF-8 and control characters without an escape of their own.
-        const bool raw = first >= 0x80 || ESCAPES[first] == 0 || (first == '/' && !escape_slashes);
+        const bool raw = first >= 0x80 || LETTERS[first] == 0 || (first == '/' && !escape_slashes);
         to[0] = '\\';
-        to[raw ? 0 : 1] = raw ? first : static_cast<unsigned char>(ESCAPES[first]);
+        to[raw ? 0 : 1] = raw ? first : static_cast<unsigned char>(LETTERS[first]);
         return to + (raw ? 1 : 2);
     }
     if (code_point > 0xFFFF)
@@ -232,33 +245,33 @@ unsigned char* put_quoted(unsigned char* to, std::string_view text, bool escape_
 // For an output without space for the whole string: block by block. A string that fails has no
 // closing quote.
 template <typename Output>
-int write_in_blocks(Output& output, std::string_view text, bool escape_slashes) {
+void write_in_blocks(Output& output, std::string_view text, bool escape_slashes) {
     std::array<unsigned char, 512> block;
     Bytes limit = block.data() + block.size() - CHARACTER_SPACE;
     Bytes at = bytes_of(text);
     const Bytes end = at + text.size();
-    int code = write_piece(output, "\"");
-    while (code == cson_OK && at != end && *at != 0) {
+    output.piece("\"");
+    while (output.code == cson_OK && at != end && *at != 0) {
         const Cursor stop = put_characters(block.data(), limit, at, end, escape_slashes);
-        code = output.run(block.data(), stop.to);
-        if (code == cson_OK && at == stop.at)
-            return cson_RangeError;
+        output.run(view_between(block.data(), stop.to));
+        if (at == stop.at)
+            output.fail(cson_RangeError);
         at = stop.at;
     }
-    return code == cson_OK ? write_piece(output, "\"") : code;
+    output.piece("\"");
 }
 
 // Ends at a zero byte.
 template <typename Output>
-int write_string(Output& output, std::string_view text, bool escape_slashes) {
+void write_string(Output& output, std::string_view text, bool escape_slashes) {
     if (text.empty() || text.front() == 0)
-        return write_piece(output, "\"\"");
+        return output.piece("\"\"");
     unsigned char* to = output.space(quoted_space(text.size()));
     to = to != nullptr ? put_quoted(to, text, escape_slashes) : nullptr;
-    if (to == nullptr)
-        return write_in_blocks(output, text, escape_slashes);
-    output.advance(to);
-    return cson_OK;
+    if (to != nullptr)
+        output.advance(to);
+    else
+        write_in_blocks(output, text, escape_slashes);
 }
 
 // --- Scalars -----------------------------------------------------------------------------------
@@ -282,40 +295,30 @@ unsigned char* put_scalar(unsigned char* to, const cson_value* value, std::strin
 }
 
 template <typename Output>
-int write_scalar(Output& output, const cson_value* value, std::string_view point) {
+void write_scalar(Output& output, const cson_value* value, std::string_view point) {
     std::array<unsigned char, DOUBLE_ROOM> text;
-    unsigned char* space = output.space(NUMBER_ROOM);
-    unsigned char* begin = space != nullptr ? space : text.data();
-    Bytes end = put_scalar(begin, value, point);
-    if (space != nullptr && end != nullptr) {
-        output.advance(end);
-        return cson_OK;
-    }
-    if (end == nullptr) {
-        begin = text.data();
-        end = put_formatted(begin, number_of<double>(value));
-    }
+    Bytes end = put_scalar(text.data(), value, point);
     if (end == nullptr)
-        return cson_RangeError;
-    return output.piece(begin, static_cast<std::uint32_t>(end - begin));
+        end = put_formatted(text.data(), number_of<double>(value));
+    if (end != nullptr)
+        output.piece(view_between(text.data(), end));
+    else
+        output.fail(cson_RangeError);
 }
 
 template <typename Output>
-int write_line_break(Output& output, std::uint8_t indentation, std::uint32_t level) {
-    static constexpr std::string_view BLANKS = "                                ";
-    static constexpr std::string_view TABS =
-        "\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t";
+void write_line_break(Output& output, std::uint8_t indentation, std::uint32_t level) {
     if (indentation == 0)
-        return cson_OK;
-    const Bytes indent = bytes_of(indentation == 1 ? TABS : BLANKS);
-    int code = write_piece(output, "\n");
+        return;
+    std::array<char, 32> indent;
+    indent.fill(indentation == 1 ? '\t' : ' ');
+    output.piece("\n");
     std::uint64_t left = std::uint64_t{level} * indentation;
-    while (left != 0 && code == cson_OK) {
-        const std::uint64_t part = std::min<std::uint64_t>(left, BLANKS.size());
-        code = output.run(indent, indent + part);
+    while (left != 0 && output.code == cson_OK) {
+        const auto part = static_cast<std::size_t>(std::min<std::uint64_t>(left, indent.size()));
+        output.run({indent.data(), part});
         left -= part;
     }
-    return code;
 }
 
 // --- Trees -------------------------------------------------------------------------------------
@@ -327,10 +330,10 @@ public:
         : output(used_output), options(used_options), first_level(level) {}
 
     int write(const cson_value* value) {
-        int code = write_value(value);
-        while (code == cson_OK && !open.empty())
-            code = open.top().is_array ? write_elements() : write_members();
-        return code;
+        write_value(value);
+        while (output.code == cson_OK && !open.empty())
+            open.top().is_array ? write_elements() : write_members();
+        return output.code;
     }
 
 private:
@@ -350,9 +353,9 @@ private:
 
     std::uint32_t level() const { return first_level + static_cast<std::uint32_t>(open.size()); }
 
-    int write_value(const cson_value* value) {
+    void write_value(const cson_value* value) {
         if (value == nullptr || value->api == nullptr)
-            return cson_ArgError;
+            return output.fail(cson_ArgError);
         switch (value->api->kind) {
         case cson_kind_string:
             return write_string(output, view_of(static_cast<const cson_string*>(value->value)),
@@ -363,52 +366,49 @@ private:
             return begin(payload_of<cson_object>(value)->list, false);
         default:
             return value->api->kind < cson_kind_string ? write_scalar(output, value, point)
-                                                       : int{cson_TypeError};
+                                                       : output.fail(cson_TypeError);
         }
     }
 
     template <typename List>
-    int begin(const List& list, bool is_array) {
+    void begin(const List& list, bool is_array) {
         if (level() > options.max_depth)
-            return cson_RangeError;
+            return output.fail(cson_RangeError);
         const std::string_view brackets = is_array ? "[]" : "{}";
         if (list.count == 0)
-            return write_piece(output, brackets);
-        const int code = write_piece(output, brackets.substr(0, 1));
-        if (code != cson_OK)
-            return code;
+            return output.piece(brackets);
+        output.piece(brackets.substr(0, 1));
         const bool indent =
             options.indentation != 0 && (list.count != 1 || options.indent_single_member);
         auto* entries = reinterpret_cast<void* const*>(list.items);
         if (!open.push({entries, list.count, 0, is_array, indent, false}))
-            return cson_AllocError;
-        return indent ? write_line_break(output, options.indentation, level()) : cson_OK;
+            return output.fail(cson_AllocError);
+        if (indent)
+            break_line();
     }
 
-    int end() {
+    void end() {
         const Frame ended = open.top();
         open.pop();
-        const int code =
-            ended.indent ? write_line_break(output, options.indentation, level()) : cson_OK;
-        return code == cson_OK ? write_piece(output, ended.is_array ? "]" : "}") : code;
+        if (ended.indent)
+            break_line();
+        output.piece(ended.is_array ? "]" : "}");
     }
 
     // Both go on to the end of the container on top, or to one within, which comes first.
-    int write_elements() {
+    void write_elements() {
         const std::size_t depth = open.size();
-        int code = cson_OK;
-        while (code == cson_OK && open.size() == depth) {
+        while (output.code == cson_OK && open.size() == depth) {
             Frame& top = open.top();
             if (!top.indent)
                 put_scalars(top);
             if (top.next == top.count)
                 return end();
             const auto* value = static_cast<const cson_value*>(top.entries[top.next]);
-            code = top.next++ != 0 ? write_comma(top.indent) : cson_OK;
-            if (code == cson_OK)
-                code = write_value(value != nullptr ? value : &shared_constants.null);
+            if (top.next++ != 0)
+                write_comma(top.indent);
+            write_value(value != nullptr ? value : &shared_constants.null);
         }
-        return code;
     }
 
     // Elements as long as they are scalars and there is space.
@@ -426,10 +426,9 @@ private:
         }
     }
 
-    int write_members() {
+    void write_members() {
         const std::size_t depth = open.size();
-        int code = cson_OK;
-        while (code == cson_OK && open.size() == depth) {
+        while (output.code == cson_OK && open.size() == depth) {
             Frame& top = open.top();
             if (top.next == top.count)
                 return end();
@@ -437,20 +436,25 @@ private:
             prefetch(pair, FETCH_DISTANCE);
             const bool comma = std::exchange(top.comma_due, false);
             const cson_string* key = key_of(pair);
-            if (key == nullptr) {
-                code = comma ? write_comma(top.indent) : cson_OK;
-                continue;
+            if (key != nullptr) {
+                top.comma_due = top.next != top.count;
+                const cson_value* member =
+                    pair->value != nullptr ? pair->value : &shared_constants.null;
+                write_member(key, member, comma, top.indent);
+            } else if (comma) {
+                write_comma(top.indent);
             }
-            top.comma_due = top.next != top.count;
-            const cson_value* member =
-                pair->value != nullptr ? pair->value : &shared_constants.null;
-            if (!top.indent && put_member(key, member, comma))
-                continue;
-            code = write_key(key, comma, top.indent);
-            if (code == cson_OK)
-                code = write_value(member);
         }
-        return code;
+    }
+
+    void write_member(const cson_string* key, const cson_value* member, bool comma, bool indent) {
+        if (!indent && put_member(key, member, comma))
+            return;
+        if (comma)
+            write_comma(indent);
+        write_string(output, view_of(key), options.escape_slashes);
+        output.piece(options.space_after_colon ? ": " : ":");
+        write_value(member);
     }
 
     // Comma, key, colon and member at once; false, with nothing written, without the space or for
@@ -477,22 +481,14 @@ private:
         return to != nullptr;
     }
 
-    int write_key(const cson_string* key, bool comma, bool indent) {
-        int code = comma ? write_comma(indent) : cson_OK;
-        if (code == cson_OK)
-            code = write_string(output, view_of(key), options.escape_slashes);
-        if (code == cson_OK)
-            code = write_piece(output, options.space_after_colon ? ": " : ":");
-        return code;
+    void write_comma(bool indent) {
+        if (!indent)
+            return output.run(", ");
+        output.piece(",");
+        break_line();
     }
 
-    int write_comma(bool indent) {
-        static constexpr std::string_view SEPARATOR = ", ";
-        if (!indent)
-            return output.run(bytes_of(SEPARATOR), bytes_of(SEPARATOR) + SEPARATOR.size());
-        const int code = write_piece(output, ",");
-        return code == cson_OK ? write_line_break(output, options.indentation, level()) : code;
-    }
+    void break_line() { write_line_break(output, options.indentation, level()); }
 
     Output& output;
     const cson_write_options& options;
@@ -505,9 +501,10 @@ template <typename Output>
 int write_tree(Output& output, const cson_value* value, const cson_write_options* options) {
     const cson_write_options defaults;
     const cson_write_options& used = options != nullptr ? *options : defaults;
-    TreeWriter<Output> writer(output, used, 0);
-    const int code = writer.write(value);
-    return code == cson_OK && used.add_newline ? write_piece(output, "\n") : code;
+    TreeWriter<Output>(output, used, 0).write(value);
+    if (used.add_newline)
+        output.piece("\n");
+    return output.code;
 }
 
 int write_container(const cson_value* value, std::uint32_t kind, cson_sink sink, void* state,
@@ -516,7 +513,7 @@ int write_container(const cson_value* value, std::uint32_t kind, cson_sink sink,
         return cson_ArgError;
     if (value->api->kind != kind)
         return cson_TypeError;
-    SinkOutput output(sink, state, false);
+    SinkOutput output(sink, state);
     return TreeWriter<SinkOutput>(output, *options, level).write(value);
 }
 
@@ -533,13 +530,13 @@ int cson_write(const cson_value* value, cson_sink sink, void* state,
                const cson_write_options* options) {
     if (sink == nullptr)
         return cson_ArgError;
-    SinkOutput output(sink, state, false);
+    SinkOutput output(sink, state);
     return write_tree(output, value, options);
 }
 
 int cson_write_stream(const cson_value* value, std::FILE* stream,
                       const cson_write_options* options) {
-    if (value == nullptr || stream == nullptr)
+    if (stream == nullptr)
         return cson_ArgError;
     cson_write_options with_newline;
     with_newline.add_newline = true;
@@ -563,7 +560,7 @@ int cson_write_path(const cson_value* value, const char* path, const cson_write_
 
 int cson_write_buffer(const cson_value* value, cson_buffer* buffer,
                       const cson_write_options* options) {
-    if (value == nullptr || buffer == nullptr)
+    if (buffer == nullptr)
         return cson_ArgError;
     BufferOutput output(*buffer);
     int code = write_tree(output, value, options);
@@ -584,8 +581,9 @@ int cson_write_text(const char* text, std::uint32_t length, bool escape_slashes,
     std::array<char, 16> padded = {};
     if (length != 0 && length < 8)
         text = static_cast<const char*>(std::memcpy(padded.data() + 8, text, length));
-    SinkOutput output(sink, state, false);
-    return write_string(output, {text, length}, escape_slashes);
+    SinkOutput output(sink, state);
+    write_string(output, {text, length}, escape_slashes);
+    return output.code;
 }
 
 int cson_write_array(const cson_value* value, cson_sink sink, void* state,
@@ -601,8 +599,9 @@ int cson_write_object(const cson_value* value, cson_sink sink, void* state,
 int cson_write_break(cson_sink sink, void* state, std::uint8_t indentation, std::uint32_t level) {
     if (sink == nullptr)
         return cson_ArgError;
-    SinkOutput output(sink, state, false);
-    return write_line_break(output, indentation, level);
+    SinkOutput output(sink, state);
+    write_line_break(output, indentation, level);
+    return output.code;
 }
 
 } // namespace quillon
