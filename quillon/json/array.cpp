@@ -75,8 +75,6 @@ int cson_array_push(cson_array* array, cson_value* value) {
         return cson_RangeError;
     if (!grow_for_one(list, 7, cson_value_list_reserve))
         return cson_AllocError;
-    if (list->count == list->capacity)
-        return cson_array_put(array, list->count, value);
     const int code = cson_value_retain(value);
     if (code == cson_OK)
         list->items[list->count++] = value;

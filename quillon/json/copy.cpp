@@ -94,7 +94,7 @@ private:
             return nullptr;
         auto* list = payload_of<List>(made);
         if (capacity != 0)
-            list->items = build_storage(&pool, list, capacity, nullptr, 0);
+            list->items = build_storage(&pool, list, capacity);
         if ((capacity == 0 || list->items != nullptr) && open.push({source, made, 0, 0, false})) {
             list->capacity = capacity;
             return made;

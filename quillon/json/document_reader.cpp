@@ -6,12 +6,15 @@
 
 #include <clocale>
 #include <cstring>
+#include <memory>
 #include <string_view>
 
 namespace quillon::json {
 namespace {
 
 using BytesAt = const unsigned char*;
+
+constexpr const char* SCRATCH_TAG = "cson_scratch";
 
 bool is_white(unsigned char c) {
     return c == ' ' || c == '\n' || c == '\r' || c == '\t';
@@ -26,15 +29,8 @@ bool is_special(unsigned char c) {
     return c < 0x20 || c == '"' || c == '\\';
 }
 
-// The decoded text of one string at a time.
-struct Scratch {
-    Scratch() = default;
-    Scratch(const Scratch&) = delete;
-    Scratch& operator=(const Scratch&) = delete;
-
-    ~Scratch() { cson_buffer_reserve_bytes(&buffer, 0); }
-
-    cson_buffer buffer;
+struct BlockDeleter {
+    void operator()(unsigned char* block) const { free(block, SCRATCH_TAG); }
 };
 
 // Every operation returns false where the text isn't plain.
@@ -180,7 +176,7 @@ private:
 
     // Decodes a text that begins at `first` and has its first escape at `at`.
     bool decode_text(BytesAt first, std::string_view& text);
-    unsigned char* copy_plain(unsigned char* to, BytesAt limit);
+    unsigned char* copy_plain(unsigned char* to);
     bool decode_escape(unsigned char*& to);
     bool decode_unicode(unsigned char*& to);
     std::uint32_t take_code_unit();
@@ -192,38 +188,33 @@ private:
     unsigned char closing = 0; // bracket of the innermost container
     // A decimal point of several bytes is cut off by the push parser.
     const bool knows_point = std::strlen(std::localeconv()->decimal_point) == 1;
-    Scratch scratch;
+    std::unique_ptr<unsigned char, BlockDeleter> scratch; // the decoded text of one string
 };
 
-// No text becomes longer by decoding. So with room for as many bytes as are read up to `limit`, and
-// for what the last word and the last escape add, nothing in between needs a check.
+// No text becomes longer by decoding, so the rest of the document has room for every string in it,
+// with what the last word and the last escape may write after it. Memory that no string reaches is
+// never touched.
 bool DocumentReader::decode_text(BytesAt first, std::string_view& text) {
-    constexpr std::uint32_t margin = 16;
-    const auto begun = static_cast<std::uint32_t>(at - first);
-    std::uint32_t used = 0;
-    at = first;
-    for (std::uint32_t room = 4096 - margin;; room *= 2) {
-        room = room > begun ? room : begun;
-        if (room > 0x40000000u ||
-            cson_buffer_reserve_bytes(&scratch.buffer, room + margin) != cson_OK)
-            return false;
-        const BytesAt limit = static_cast<std::size_t>(end - first) > room ? first + room : end;
-        unsigned char* to = scratch.buffer.mem + used;
-        for (to = copy_plain(to, limit); at < limit && *at == '\\'; to = copy_plain(to, limit))
-            if (!decode_escape(to))
-                return false;
-        used = static_cast<std::uint32_t>(to - scratch.buffer.mem);
-        if (at < limit || limit == end) {
-            text = {reinterpret_cast<const char*>(scratch.buffer.mem), used};
-            return at < end && *at++ == '"';
-        }
-        scratch.buffer.used = used; // kept when the buffer grows
+    constexpr std::size_t margin = 16;
+    if (scratch == nullptr) {
+        const std::size_t bytes = static_cast<std::size_t>(end - first) + margin;
+        scratch.reset(static_cast<unsigned char*>(reallocate(nullptr, bytes, SCRATCH_TAG)));
     }
+    if (scratch == nullptr)
+        return false;
+    at = first;
+    unsigned char* to = scratch.get();
+    for (to = copy_plain(to); at != end && *at == '\\'; to = copy_plain(to))
+        if (!decode_escape(to))
+            return false;
+    text = {reinterpret_cast<const char*>(scratch.get()), reinterpret_cast<const char*>(to)};
+    return at != end && *at++ == '"';
 }
 
-// Copies up to the next special byte or the limit, whole words at a time.
-unsigned char* DocumentReader::copy_plain(unsigned char* to, BytesAt limit) {
+// Copies up to the next special byte, whole words at a time.
+unsigned char* DocumentReader::copy_plain(unsigned char* to) {
     BytesAt from = at;
+    const BytesAt limit = end; // both in registers, as `to` may point anywhere
     for (; limit - from >= 8; from += 8, to += 8) {
         const std::uint64_t bytes = load_text(from);
         store_text(to, bytes);
@@ -234,7 +225,7 @@ unsigned char* DocumentReader::copy_plain(unsigned char* to, BytesAt limit) {
             return to + count;
         }
     }
-    while (from < limit && !is_special(*from))
+    while (from != limit && !is_special(*from))
         *to++ = *from++;
     at = from;
     return to;

@@ -3,7 +3,6 @@
 
 #include <cstring>
 #include <limits>
-#include <new>
 
 namespace quillon {
 
@@ -12,23 +11,14 @@ using namespace json;
 namespace {
 
 template <typename List>
-bool resize(List* list, std::uint32_t capacity) {
-    // Storage in a pool's chunk can't be resized: its entries move to a block of their own.
-    const bool moves = list->items == nullptr || header_of(list)->chunk_offset != 0;
-    void* block =
-        reallocate(moves ? nullptr : header_of(list), storage_bytes(capacity), tag_of(list));
-    if (block == nullptr)
-        return false;
-    auto* header = moves ? new (block) StorageHeader{} : static_cast<StorageHeader*>(block);
-    auto* items = reinterpret_cast<decltype(list->items)>(header + 1);
-    const List grown = {items, list->count, capacity};
-    if (moves && list->items != nullptr) {
-        std::memcpy(items, list->items, list->capacity * sizeof(void*));
-        free(header_of(list), header_of(list)->chunk_offset, tag_of(list));
-    }
-    std::memset(items + list->capacity, 0, (capacity - list->capacity) * sizeof(void*));
+void grow(List* list, std::uint32_t capacity) {
+    List grown = {build_storage(nullptr, list, capacity), list->count, capacity};
+    if (grown.items == nullptr)
+        return;
+    if (list->items != nullptr)
+        std::memcpy(grown.items, list->items, list->capacity * sizeof(void*));
+    free_storage(list);
     *list = grown;
-    return true;
 }
 
 template <typename List>
@@ -38,7 +28,7 @@ std::uint32_t reserve(List* list, std::uint32_t capacity) {
     if (capacity == 0)
         free_storage(list);
     else if (capacity > list->capacity)
-        resize(list, capacity);
+        grow(list, capacity);
     return list->capacity;
 }
 

@@ -21,18 +21,22 @@ std::string_view text_of(const cson_string* key) {
     return key != nullptr ? view_of(key) : std::string_view();
 }
 
-// The first pair with this key, or the end of the entries.
+// The entry of the first pair with this key, or null.
 cson_kvp** entry_of(const cson_object* object, std::string_view key) {
     cson_kvp** end = object->list.items + object->list.count;
-    return std::find_if(object->list.items, end, [key](const cson_kvp* pair) {
+    cson_kvp** entry = std::find_if(object->list.items, end, [key](const cson_kvp* pair) {
         const cson_string* candidate = key_of(pair);
         return candidate != nullptr && view_of(candidate) == key;
     });
+    return entry != end ? entry : nullptr;
 }
 
 // What a caller's object and key find: nothing for an empty key, though one may be stored.
-cson_kvp* find(const cson_object* object, std::string_view key) {
-    return object != nullptr && !key.empty() ? find_pair(object, key) : nullptr;
+cson_kvp* find(const cson_object* object, std::string_view key, std::uint32_t* index) {
+    cson_kvp** entry = object != nullptr && !key.empty() ? entry_of(object, key) : nullptr;
+    if (entry != nullptr && index != nullptr)
+        *index = static_cast<std::uint32_t>(entry - object->list.items);
+    return entry != nullptr ? *entry : nullptr;
 }
 
 // True unless a reference count would pass its largest; one string can be key and member at once.
@@ -48,11 +52,10 @@ int take_out(cson_object* object, std::string_view key, cson_value*& member) {
         return cson_ArgError;
     cson_kvp_list& list = object->list;
     cson_kvp** entry = entry_of(object, key);
-    cson_kvp** end = list.items + list.count;
-    if (entry == end)
+    if (entry == nullptr)
         return cson_NotFoundError;
     cson_kvp* pair = *entry;
-    std::copy(entry + 1, end, entry);
+    std::copy(entry + 1, list.items + list.count, entry);
     list.items[--list.count] = nullptr;
     member = pair->value;
     cson_value_release(pair->key);
@@ -71,7 +74,7 @@ int drop(cson_object* object, std::string_view key) {
 
 cson_kvp* json::find_pair(const cson_object* object, std::string_view key) {
     cson_kvp** entry = entry_of(object, key);
-    return entry != object->list.items + object->list.count ? *entry : nullptr;
+    return entry != nullptr ? *entry : nullptr;
 }
 
 int json::append_pair(cson_object* object, cson_value* key, cson_value* value) {
@@ -82,11 +85,7 @@ int json::append_pair(cson_object* object, cson_value* key, cson_value* value) {
     cson_kvp* pair = build_kvp(nullptr, key, value);
     if (pair == nullptr)
         return cson_AllocError;
-    const int code = cson_kvp_list_push(&object->list, pair);
-    if (code != cson_OK) {
-        free(pair, pair->chunk_offset, KVP_TAG);
-        return code;
-    }
+    object->list.items[object->list.count++] = pair;
     add_owner(key);
     add_owner(value);
     return cson_OK;
@@ -110,15 +109,7 @@ cson_value* cson_value_make_object() {
 }
 
 cson_kvp* cson_object_find(const cson_object* object, const char* key, std::uint32_t* index) {
-    const std::string_view text = text_of(key);
-    if (object == nullptr || text.empty())
-        return nullptr;
-    const auto position = static_cast<std::uint32_t>(entry_of(object, text) - object->list.items);
-    if (position == object->list.count)
-        return nullptr;
-    if (index != nullptr)
-        *index = position;
-    return object->list.items[position];
+    return find(object, text_of(key), index);
 }
 
 cson_value* cson_object_get_text(const cson_object* object, const char* key) {
@@ -126,7 +117,7 @@ cson_value* cson_object_get_text(const cson_object* object, const char* key) {
 }
 
 cson_value* cson_object_get_string(const cson_object* object, const cson_string* key) {
-    return cson_kvp_value(find(object, text_of(key)));
+    return cson_kvp_value(find(object, text_of(key), nullptr));
 }
 
 int cson_object_put_string(cson_object* object, cson_string* key, cson_value* value) {

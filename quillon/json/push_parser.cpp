@@ -192,13 +192,13 @@ bool comma(cson_push_parser& parser) {
 }
 
 bool close_string(cson_push_parser& parser) {
-    if (mode_of(parser) == MODE_DONE)
+    const signed char mode = mode_of(parser);
+    if (mode == MODE_DONE)
         return false;
-    const bool is_key = mode_of(parser) == MODE_KEY;
-    if (is_key)
-        parser.type = cson_event_key;
-    const bool ok = flush(parser);
-    return enter(parser, 0, is_key ? Cell::Colon : Cell::Complete) && ok;
+    enter(parser, 0, mode == MODE_KEY ? Cell::Colon : Cell::Complete);
+    const bool ok = report_buffer(parser, mode == MODE_KEY ? cson_event_key : cson_event_string);
+    clear_buffer(parser);
+    return ok;
 }
 
 template <int event, signed char mode>

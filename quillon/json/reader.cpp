@@ -15,21 +15,6 @@ using namespace json;
 
 namespace {
 
-// The library's codes by the parser's.
-constexpr std::array<int, 11> LIBRARY_CODES = {
-    cson_OK,
-    cson_Parse_INVALID_CHAR,
-    cson_Parse_INVALID_KEYWORD,
-    cson_Parse_INVALID_ESCAPE_SEQUENCE,
-    cson_Parse_INVALID_UNICODE_SEQUENCE,
-    cson_Parse_INVALID_NUMBER,
-    cson_Parse_NESTING_DEPTH_REACHED,
-    cson_Parse_UNBALANCED_COLLECTION,
-    cson_Parse_EXPECTED_KEY,
-    cson_Parse_EXPECTED_COLON,
-    cson_AllocError,
-};
-
 // --- One byte at a time ------------------------------------------------------------------------
 
 // The tree of a push parser, and the code of the last event.
@@ -89,10 +74,14 @@ Parser make_parser(Receiver& receiver, const cson_read_options* options) {
     return Parser(cson_push_parser_new(&config));
 }
 
+// The library's code for a failure: the parser's, else that of the last event.
 int failure_code(const cson_push_parser& parser, const Receiver& receiver) {
-    const auto error = static_cast<std::size_t>(parser.error);
-    if (error != cson_push_no_error)
-        return error < LIBRARY_CODES.size() ? LIBRARY_CODES[error] : cson_InternalError;
+    constexpr int first = cson_Parse_INVALID_CHAR - int{cson_push_invalid_character};
+    static_assert(first + cson_push_expected_colon == cson_Parse_EXPECTED_COLON);
+    if (parser.error == cson_push_out_of_memory)
+        return cson_AllocError;
+    if (parser.error != cson_push_no_error)
+        return first + parser.error;
     return receiver.code != cson_OK ? receiver.code : cson_InternalError;
 }
 

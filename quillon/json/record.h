@@ -158,21 +158,16 @@ inline std::size_t storage_bytes(std::uint32_t capacity) {
     return fits ? sizeof(StorageHeader) + capacity * sizeof(void*) : most;
 }
 
-// Entries for a list: the first `count` copied from `entries`, the others null. Null without
-// memory.
+// Entries for a list, all null; or null without memory.
 template <typename List>
-auto build_storage(Pool* pool, const List* list, std::uint32_t capacity, void* const* entries,
-                   std::uint32_t count) -> decltype(list->items) {
+auto build_storage(Pool* pool, const List* list, std::uint32_t capacity) -> decltype(list->items) {
     std::uint32_t chunk_offset = 0;
     void* block = allocate(pool, storage_bytes(capacity), tag_of(list), chunk_offset);
     if (block == nullptr)
         return nullptr;
-    auto* header = new (block) StorageHeader{chunk_offset, 0};
-    auto* items = reinterpret_cast<decltype(list->items)>(header + 1);
-    if (count != 0)
-        std::memcpy(items, entries, count * sizeof(void*));
-    std::memset(items + count, 0, (capacity - count) * sizeof(void*));
-    return items;
+    auto* items = new (block) StorageHeader{chunk_offset, 0} + 1;
+    std::memset(static_cast<void*>(items), 0, capacity * sizeof(void*));
+    return reinterpret_cast<decltype(list->items)>(items);
 }
 
 template <typename List>
@@ -187,16 +182,18 @@ void free_storage(List* list) {
     *list = {};
 }
 
-// Prepares a push: one entry before a list is full its capacity becomes twice the count, and
-// `first` for an empty one. False without memory.
+// Makes room for a push: one entry before a list is full its capacity becomes twice the count, and
+// `first` for an empty one; a full list gets one entry. False without memory.
 template <typename List>
 bool grow_for_one(List* list, std::uint32_t first, std::uint32_t (*reserve)(List*, std::uint32_t)) {
-    if (list->capacity != 0 && list->count != list->capacity - 1)
+    const std::uint64_t count = list->count;
+    if (count + 1 < list->capacity)
         return true;
-    if (list->count > std::numeric_limits<std::uint32_t>::max() / 2)
-        return false;
-    const std::uint32_t wanted = list->count == 0 ? first : list->count * 2;
-    return reserve(list, wanted) >= wanted;
+    const bool is_full = list->capacity != 0 && count == list->capacity;
+    const std::uint64_t grown = count == 0 ? first : 2 * count;
+    const std::uint64_t wanted = is_full ? count + 1 : grown;
+    return wanted <= std::numeric_limits<std::uint32_t>::max() &&
+           reserve(list, static_cast<std::uint32_t>(wanted)) >= wanted;
 }
 
 // False once the reference count is at its largest.

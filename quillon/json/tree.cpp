@@ -9,29 +9,21 @@ using namespace json;
 
 namespace {
 
-template <typename List>
-std::size_t list_bytes(const List& list) {
-    return sizeof(List) + std::size_t{list.capacity} * sizeof(void*);
-}
-
 // The bytes of a value without those of its entries.
 std::size_t own_bytes(const cson_value* value) {
     if (value == nullptr || cson_value_is_shared(value))
         return 0;
-    switch (value->api != nullptr ? value->api->kind : std::uint32_t{cson_kind_undefined}) {
+    const std::uint32_t kind = value->api != nullptr ? value->api->kind : cson_kind_undefined;
+    const std::size_t record = sizeof(cson_value) + KINDS[kind].payload_bytes;
+    switch (kind) {
     case cson_kind_string:
-        return sizeof(cson_value) + sizeof(cson_string) + payload_of<cson_string>(value)->length +
-               1;
+        return record + payload_of<cson_string>(value)->length + 1;
     case cson_kind_array:
-        return sizeof(cson_value) + list_bytes(payload_of<cson_array>(value)->list);
+        return record + std::size_t{payload_of<cson_array>(value)->list.capacity} * sizeof(void*);
     case cson_kind_object:
-        return sizeof(cson_value) + list_bytes(payload_of<cson_object>(value)->list);
-    case cson_kind_integer:
-        return sizeof(cson_value) + sizeof(std::int32_t);
-    case cson_kind_double:
-        return sizeof(cson_value) + sizeof(double);
+        return record + std::size_t{payload_of<cson_object>(value)->list.capacity} * sizeof(void*);
     default:
-        return sizeof(cson_value);
+        return record;
     }
 }
 
