@@ -228,7 +228,7 @@ void Presentation::light() const {
     });
     lamps.resize(std::min(LAMPS, lamps.size()));
 
-    std::vector<quillon::cLight> lights(2 + lamps.size());
+    std::array<quillon::cLight, 2 + LAMPS> lights;
     lights[0].set_colors(SHADE, MOONLIGHT, MOONLIGHT, 1.0F);
     lights[0].set_direction(TO_MOON * -1.0);
     lights[1].set_colors(quillon::BLACK, AFTERGLOW, AFTERGLOW, 0.8F);
@@ -241,7 +241,7 @@ void Presentation::light() const {
         light.set_position(lamps[i]);
         light.set_spot_and_attenuation(180.0F, 0.0F, 1.0F, 0.02F, 0.008F, quillon::LIGHT_POINT);
     }
-    gl.set_lights(lights.data(), static_cast<std::uint32_t>(lights.size()));
+    gl.set_lights(lights.data(), static_cast<std::uint32_t>(2 + lamps.size()));
 }
 
 void Presentation::draw_land() const {
