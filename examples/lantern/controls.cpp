@@ -32,7 +32,9 @@ std::array<Binding, 12> bindings = {{
     {"brake", either("Left Shift", "Pad 1 Btn 2")},
     {"start", either("Enter", "Pad 1 Btn 8")},
     {"help", either("F1", "Pad 1 Btn 7")},
-    {"pause", either("P", "Pause")},
+    // Not with Left Control, which makes it a photo.
+    {"pause",
+     {.code1 = digital_code("P"), .code2 = digital_code("Left Control"), .logic = InputLogic::Not}},
     {"fullscreen", either("F11", "")},
     {"photo",
      {.code1 = digital_code("Left Control"), .code2 = digital_code("P"), .logic = InputLogic::And}},
@@ -92,7 +94,7 @@ std::string help_text() {
     std::string text;
     for (const auto& [name, input] : bindings) {
         text += std::string(name) + ":  " + input.display_name1();
-        if (input.code2 != quillon::NO_INPUT)
+        if (input.code2 != quillon::NO_INPUT && input.logic != InputLogic::Not)
             text += (input.logic == InputLogic::And ? " + " : " or ") +
                     std::string(input.display_name2());
         text += '\n';
