@@ -14,30 +14,20 @@ namespace {
 constexpr const char* BUFFER_TAG = "cson_buffer::mem";
 constexpr std::uint32_t READ_BLOCK = 4096;
 
-// Appends bytes, growing to exactly what they and a terminator take.
-int append(cson_buffer* buffer, const void* bytes, std::uint32_t count) {
-    if (count >= std::numeric_limits<std::uint32_t>::max() - buffer->used)
-        return cson_RangeError;
-    const int code = cson_buffer_reserve_bytes(buffer, buffer->used + count + 1);
-    if (code != cson_OK)
-        return code;
-    std::memcpy(buffer->mem + buffer->used, bytes, count);
-    buffer->used += count;
-    return cson_OK;
-}
-
 int append_all(cson_buffer* buffer, cson_reader reader, void* state) {
     std::array<unsigned char, READ_BLOCK> block;
     std::uint32_t count = READ_BLOCK;
     while (count == READ_BLOCK) {
-        const int read_code = reader(state, block.data(), &count);
-        if (read_code != cson_OK)
-            return read_code;
-        if (count > READ_BLOCK)
-            return cson_RangeError;
-        const int code = append(buffer, block.data(), count);
+        int code = reader(state, block.data(), &count);
         if (code != cson_OK)
             return code;
+        if (count > READ_BLOCK || count >= std::numeric_limits<std::uint32_t>::max() - buffer->used)
+            return cson_RangeError;
+        code = cson_buffer_reserve_bytes(buffer, buffer->used + count + 1);
+        if (code != cson_OK)
+            return code;
+        std::memcpy(buffer->mem + buffer->used, block.data(), count);
+        buffer->used += count;
     }
     return cson_OK;
 }

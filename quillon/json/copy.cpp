@@ -129,17 +129,17 @@ private:
             return false;
         KeyTable::Slot& slot = slot_of(keys, source);
         open.top().repeats |= holds(keys, slot);
+        slot.generation = keys.generation;
+        cson_kvp* pair = build_kvp(&pool, nullptr, nullptr);
+        if (pair == nullptr)
+            return false;
+        target.items[target.count++] = pair;
         if (slot.copy == nullptr)
             slot.copy = copy_string(&pool, source);
-        slot.generation = keys.generation;
-        cson_kvp* pair = slot.copy != nullptr ? build_kvp(&pool, slot.copy, nullptr) : nullptr;
-        if (pair != nullptr) {
-            add_owner(slot.copy);
-            target.items[target.count++] = pair;
-        } else if (slot.copy != nullptr && slot.copy->refcount == 0) {
-            cson_value_release(slot.copy);
-        }
-        return pair != nullptr;
+        pair->key = slot.copy;
+        if (pair->key != nullptr)
+            add_owner(pair->key);
+        return pair->key != nullptr;
     }
 
     // Both go on to the end of the container on top, or up to one within, which comes first.

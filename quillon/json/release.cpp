@@ -21,18 +21,19 @@ void free_record(cson_value* value) {
 // entries from the last to the first.
 class ReleaseQueue {
 public:
-    // Takes one reference away; what has none left waits for `drain`.
-    void drop(cson_value* value) {
+    // Takes one reference away and returns how many are left; what has none waits for `drain`.
+    std::uint32_t drop(cson_value* value) {
         if (value == nullptr || cson_value_is_shared(value))
-            return;
-        if (value->refcount > 1) {
-            --value->refcount;
-        } else if (is_container(value)) {
+            return 0;
+        if (value->refcount > 1)
+            return --value->refcount;
+        if (is_container(value)) {
             value->value = innermost;
             innermost = value;
         } else {
             free_record(value);
         }
+        return 0;
     }
 
     void drop(cson_kvp* pair) {
@@ -112,12 +113,10 @@ int cson_value_retain(cson_value* value) {
 }
 
 std::uint32_t cson_value_release(cson_value* value) {
-    if (value != nullptr && !cson_value_is_shared(value) && value->refcount > 1)
-        return --value->refcount;
     ReleaseQueue queue;
-    queue.drop(value);
+    const std::uint32_t left = queue.drop(value);
     queue.drain();
-    return 0;
+    return left;
 }
 
 void json::release_pair(cson_kvp* pair) {

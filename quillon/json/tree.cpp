@@ -82,13 +82,10 @@ public:
     int begin(cson_object* destination, cson_object* source) {
         if (destination == nullptr || source == nullptr || destination == source)
             return cson_ArgError;
-        Merge merge = {destination, source, 0, 0, {}};
-        if (source->list.count > MANY_PAIRS && !index(merge))
+        if (!open.push({destination, source, 0, 0, {}}))
             return cson_AllocError;
-        if (open.push(merge))
-            return cson_OK;
-        free_keys(merge.keys);
-        return cson_AllocError;
+        const bool is_ready = source->list.count <= MANY_PAIRS || index(open.top());
+        return is_ready ? cson_OK : cson_AllocError;
     }
 
     int run() {

@@ -102,9 +102,7 @@ int payload_as(const cson_value* value, std::uint32_t kind, Payload** out) {
 
 template <typename Payload>
 Payload* payload_or_null(const cson_value* value, std::uint32_t kind) {
-    Payload* payload = nullptr;
-    payload_as(value, kind, &payload);
-    return payload;
+    return has_kind(value, kind) ? static_cast<Payload*>(value->value) : nullptr;
 }
 
 // A payload never moves: it is directly after its value in one block.

@@ -30,9 +30,6 @@ Bytes bytes_of(std::string_view text) {
 // --- Outputs -----------------------------------------------------------------------------------
 
 // After the first code other than 0, which is the result, an output takes nothing more.
-//
-// Both outputs take a piece, and a run of pieces of one character each. `space` is where up to
-// `count` bytes may be put directly, if anywhere, and `advance` adds them, up to `end`.
 struct Outcome {
     void fail(int failure) {
         if (code == cson_OK)
@@ -62,6 +59,8 @@ void write_pieces(Output& output, std::string_view text) {
     }
 }
 
+// Both outputs take a piece, and a run of pieces of one character each. `space` is where up to
+// `count` bytes may be put directly, if anywhere, and `advance` adds them, up to `end`.
 class SinkOutput : public Outcome {
 public:
     SinkOutput(cson_sink used_sink, void* used_state, bool joins = false)
@@ -509,9 +508,9 @@ int write_tree(Output& output, const cson_value* value, const cson_write_options
 
 int write_container(const cson_value* value, std::uint32_t kind, cson_sink sink, void* state,
                     const cson_write_options* options, std::uint32_t level) {
-    if (value == nullptr || value->api == nullptr || sink == nullptr || options == nullptr)
+    if (value == nullptr || sink == nullptr || options == nullptr)
         return cson_ArgError;
-    if (value->api->kind != kind)
+    if (!has_kind(value, kind))
         return cson_TypeError;
     SinkOutput output(sink, state);
     return TreeWriter<SinkOutput>(output, *options, level).write(value);
