@@ -377,11 +377,6 @@ bool step(cson_push_parser& parser, std::int32_t character) {
 bool set_up_stack(cson_push_parser& parser) {
     parser.stack = parser.static_stack.data();
     parser.stack_capacity = static_cast<std::int32_t>(parser.static_stack.size());
-    if (parser.depth < 1) {
-        parser.depth = -1;
-        return true;
-    }
-    parser.depth = std::min(parser.depth, std::numeric_limits<std::int32_t>::max() - 1);
     if (parser.depth < parser.stack_capacity)
         return true;
     parser.stack_capacity = parser.depth + 1;
@@ -393,7 +388,8 @@ bool set_up_stack(cson_push_parser& parser) {
 void configure(cson_push_parser& parser, const cson_push_parser_config& config) {
     parser.callback = config.callback;
     parser.context = config.context;
-    parser.depth = config.depth != 0 ? config.depth : 1;
+    constexpr std::int32_t deepest = std::numeric_limits<std::int32_t>::max() - 1;
+    parser.depth = config.depth < 0 ? -1 : std::clamp(config.depth, 1, deepest);
     parser.allow_comments = config.allow_comments != 0;
     parser.manual_floats = config.manual_floats != 0;
     parser.decimal_point = std::localeconv()->decimal_point[0];
@@ -409,15 +405,13 @@ void cson_push_parser_init_config(cson_push_parser_config* config) {
 }
 
 cson_push_parser* cson_push_parser_new(const cson_push_parser_config* config) {
-    cson_push_parser_config used;
-    cson_push_parser_init_config(&used);
-    if (config != nullptr) {
-        used = *config;
-        // One without the other could free what it didn't allocate.
-        if (used.allocate == nullptr || used.release == nullptr) {
-            used.allocate = allocate_plainly;
-            used.release = release_plainly;
-        }
+    cson_push_parser_config plain;
+    cson_push_parser_init_config(&plain);
+    cson_push_parser_config used = config != nullptr ? *config : plain;
+    // One without the other could free what it didn't allocate.
+    if (used.allocate == nullptr || used.release == nullptr) {
+        used.allocate = plain.allocate;
+        used.release = plain.release;
     }
     void* block = used.allocate(sizeof(cson_push_parser));
     if (block == nullptr)
