@@ -1,42 +1,10 @@
 // What was read is written and read to the same; copies are equal and stand alone.
 #include "check.h"
 
-#include "quillon/json/containers.h"
-#include "quillon/json/parser.h"
-#include "quillon/json/writer.h"
-
-#include <cstdint>
-#include <string>
+#include "tests/json/json_testing.h"
 
 using namespace quillon;
-
-namespace {
-
-cson_value* read(const std::string& text) {
-    cson_value* value = nullptr;
-    const auto length = static_cast<std::uint32_t>(text.size());
-    cson_read_text(&value, text.data(), length, nullptr, nullptr);
-    return value;
-}
-
-// Empty if the tree can't be written.
-std::string written(const cson_value* value, const cson_write_options& options) {
-    cson_buffer buffer;
-    std::string text;
-    if (cson_write_buffer(value, &buffer, &options) == cson_OK)
-        text.assign(reinterpret_cast<const char*>(buffer.mem), buffer.used);
-    cson_buffer_reserve_bytes(&buffer, 0);
-    return text;
-}
-
-std::string rewritten(const std::string& text, const cson_write_options& options) {
-    cson_value* value = read(text);
-    const std::string again = value != nullptr ? written(value, options) : "";
-    cson_value_release(value);
-    return again;
-}
-
-} // namespace
+using namespace json_testing;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size < 2)
@@ -49,16 +17,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     options.indent_single_member = (data[1] & 4) != 0;
     options.escape_slashes = (data[1] & 8) != 0;
 
-    cson_value* value = read(std::string(reinterpret_cast<const char*>(data) + 2, size - 2));
-    if (value == nullptr)
-        return 0;
-    cson_value* copy = cson_value_copy(value);
-    const std::string copied = written(copy, options);
-    cson_value_release(value);
-    check(copied == written(copy, options), "a copy outlives its original");
-    cson_value_release(copy);
+    Value value = read_whole({reinterpret_cast<const char*>(data) + 2, size - 2}).value;
+    const Value copy(cson_value_copy(value.get()));
+    const std::string written = text_of(value.get(), options);
+    value.reset();
+    check(written == text_of(copy.get(), options), "a copy outlives its original");
     // The first round may lose digits, the sign of a zero, and what no text can hold.
-    const std::string first = rewritten(copied, options);
-    check(first.empty() || first == rewritten(first, options), "what was read is written the same");
+    const Value again = read_whole(written).value;
+    const std::string first = text_of(again.get(), options);
+    const Value once_more = read_whole(first).value;
+    check(again == nullptr || first.starts_with("code") ||
+              first == text_of(once_more.get(), options),
+          "what was read is written the same");
     return 0;
 }

@@ -1,4 +1,4 @@
-// What the tests of the JSON component share.
+// What the tests and the fuzz harnesses of the JSON component share.
 #pragma once
 
 #include "quillon/json/containers.h"
@@ -29,10 +29,16 @@ struct Outcome {
 Outcome read_whole(std::string_view text, const quillon::cson_read_options& options = {});
 Outcome read_bytewise(std::string_view text, const quillon::cson_read_options& options = {});
 
+// Outcomes and trees as texts that differ when they do, in any bit of a value.
+//
+// Integers are in decimal, doubles exactly, in hex; containers have their capacity; "-" is null.
+std::string text_of(const Outcome& outcome);
+std::string tree_text(const quillon::cson_value* value);
+
 // The tree of a text that must be valid.
 Value tree(std::string_view text);
 
-// The text of a tree, or "code N".
+// The text that a tree is written as, or "code N".
 std::string text_of(const quillon::cson_value* value,
                     const quillon::cson_write_options& options = {});
 

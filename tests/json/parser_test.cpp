@@ -1,5 +1,4 @@
 #include "json_testing.h"
-#include "tree_text.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,7 +1,6 @@
 // What the document reader accepts, the push parser accepts with the same tree, counts and
 // positions; what it leaves to the push parser has the outcome of single steps.
 #include "json_testing.h"
-#include "tree_text.h"
 
 #include <gtest/gtest.h>
 
@@ -12,24 +11,13 @@ using namespace json_testing;
 
 namespace {
 
-void expect_same(const Outcome& expected, const Outcome& actual, const std::string& text) {
-    EXPECT_EQ(expected.code, actual.code) << text;
-    EXPECT_EQ(expected.info.line, actual.info.line) << text;
-    EXPECT_EQ(expected.info.column, actual.info.column) << text;
-    EXPECT_EQ(expected.info.length, actual.info.length) << text;
-    EXPECT_EQ(expected.info.error_code, actual.info.error_code) << text;
-    EXPECT_EQ(expected.info.total_key_count, actual.info.total_key_count) << text;
-    EXPECT_EQ(expected.info.total_value_count, actual.info.total_value_count) << text;
-    EXPECT_EQ(tree_text(expected.value.get()), tree_text(actual.value.get())) << text;
-}
-
-Outcome read_stream(const std::string& text, const cson_read_options& options) {
+Outcome read_stream(const std::string& text) {
     Outcome outcome;
     std::FILE* stream = std::tmpfile();
     std::fwrite(text.data(), 1, text.size(), stream);
     std::rewind(stream);
     cson_value* value = nullptr;
-    outcome.code = cson_read_stream(&value, stream, &options, &outcome.info);
+    outcome.code = cson_read_stream(&value, stream, nullptr, &outcome.info);
     outcome.value.reset(value);
     std::fclose(stream);
     return outcome;
@@ -47,17 +35,17 @@ std::string random_text(std::mt19937& engine, int depth) {
 // Replaces, drops or repeats bytes, with a liking for those that mean something.
 void mutate(std::mt19937& engine, std::string& text) {
     constexpr std::string_view bytes = "{}[]:,\"\\/*+-.0123456789eEtrufalsn \t\n\r\x01\x7F\xC3";
-    constexpr std::string_view pieces[] = {"/**/",
-                                           "\\ud83d",
-                                           "\\ude00",
-                                           "1e5",
-                                           "-0.0",
-                                           "1.",
-                                           "true",
-                                           "null ,",
-                                           "\\u0000",
-                                           "00",
-                                           " 12345678901234567890"};
+    constexpr const char* pieces[] = {"/**/",
+                                      "\\ud83d",
+                                      "\\ude00",
+                                      "1e5",
+                                      "-0.0",
+                                      "1.",
+                                      "true",
+                                      "null ,",
+                                      "\\u0000",
+                                      "00",
+                                      " 12345678901234567890"};
     const std::size_t at = engine() % (text.size() + 1);
     switch (engine() % 4) {
     case 0:
@@ -84,9 +72,8 @@ TEST(Readers, AgreeOnRandomAndMutatedTexts) {
             continue;
         const cson_read_options options{static_cast<std::uint16_t>(engine() % 2 != 0 ? 25 : 3),
                                         static_cast<std::int8_t>(engine() % 2)};
-        expect_same(read_bytewise(text, options), read_whole(text, options), text);
-        if (HasFailure())
-            return;
+        ASSERT_EQ(text_of(read_bytewise(text, options)), text_of(read_whole(text, options)))
+            << text;
     }
 }
 
@@ -100,9 +87,7 @@ TEST(Readers, AgreeOnNumbers) {
                 text += static_cast<char>('0' + engine() % 10);
         }
         text += engine() % 2 != 0 ? " ]" : "]";
-        expect_same(read_bytewise(text), read_whole(text), text);
-        if (HasFailure())
-            return;
+        ASSERT_EQ(text_of(read_bytewise(text)), text_of(read_whole(text))) << text;
     }
 }
 
@@ -115,7 +100,7 @@ TEST(Readers, AgreeOnLongStreams) {
         text += "0]";
         if (round % 2 != 0)
             mutate(engine, text);
-        expect_same(read_bytewise(text), read_stream(text, {}), "");
+        EXPECT_TRUE(text_of(read_bytewise(text)) == text_of(read_stream(text)));
     }
 }
 

@@ -1,14 +1,19 @@
-// An allocator that counts what the JSON component takes,.
+// An allocator that counts what the JSON component takes.
 #pragma once
 
 #include "quillon/json/allocator.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <limits>
 #include <map>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 
 namespace json_testing {
 
@@ -17,42 +22,84 @@ namespace json_testing {
 // Blocks that are still alive at its end are no longer tracked, and stay allocated.
 class TrackingAllocator {
 public:
-    static constexpr std::size_t never = std::numeric_limits<std::size_t>::max();
+    TrackingAllocator()
+        : allocator{resize, release, this}, before(quillon::json::set_allocator(&allocator)) {}
 
-    TrackingAllocator();
-    ~TrackingAllocator();
+    ~TrackingAllocator() { quillon::json::set_allocator(before); }
+
     TrackingAllocator(const TrackingAllocator&) = delete;
     TrackingAllocator& operator=(const TrackingAllocator&) = delete;
 
-    // Blocks and bytes alive, in all or under one tag.
+    // Blocks and bytes alive.
     std::size_t blocks() const { return live.size(); }
 
-    std::size_t blocks(std::string_view tag) const;
-    std::size_t bytes() const;
+    std::size_t bytes() const {
+        std::size_t total = 0;
+        for (const auto& [block, info] : live)
+            total += info.bytes;
+        return total;
+    }
 
     // Requests for memory so far, refused ones included.
     std::size_t requests() const { return requested; }
 
     // Refuses the request number `number`, counted on from here at 1, and all that follow.
-    void fail_from(std::size_t number);
+    void fail_from(std::size_t number) { refuse_after = requested + number - 1; }
+
+    void fail_no_more() { refuse_after = NEVER; }
 
     // One line "tag: blocks, bytes" for every tag with live blocks; empty when nothing leaked.
-    std::string report() const;
+    std::string report() const {
+        std::map<std::string_view, std::pair<std::size_t, std::size_t>> by_tag;
+        for (const auto& [block, info] : live) {
+            auto& [count, bytes] = by_tag[info.tag];
+            ++count;
+            bytes += info.bytes;
+        }
+        std::string lines;
+        for (const auto& [tag, sums] : by_tag)
+            lines += std::string(tag) + ": " + std::to_string(sums.first) + " blocks, " +
+                     std::to_string(sums.second) + " bytes\n";
+        return lines;
+    }
 
 private:
-    struct block_info {
+    static constexpr std::size_t NEVER = std::numeric_limits<std::size_t>::max();
+
+    struct BlockInfo {
         std::size_t bytes;
         std::string_view tag;
     };
 
-    static void* resize(void* state, void* block, std::size_t bytes, const char* tag);
-    static void release(void* state, void* block, const char* tag);
+    static void* resize(void* state, void* block, std::size_t bytes, const char* tag) {
+        auto* self = static_cast<TrackingAllocator*>(state);
+        if (++self->requested > self->refuse_after)
+            return nullptr;
+        void* resized = std::malloc(bytes); // never the old place, nor zeros by luck
+        if (resized == nullptr)
+            return nullptr;
+        std::memset(resized, 0xA5, bytes);
+        if (block != nullptr) {
+            std::memcpy(resized, block, std::min(bytes, self->live.at(block).bytes));
+            release(state, block, tag);
+        }
+        self->live[resized] = {bytes, tag};
+        return resized;
+    }
+
+    static void release(void* state, void* block, const char*) {
+        if (static_cast<TrackingAllocator*>(state)->live.erase(block) == 0) {
+            std::fputs("tracking allocator: a block was freed that is not alive\n", stderr);
+            std::abort();
+        }
+        std::free(block);
+    }
 
     quillon::json::Allocator allocator;
     const quillon::json::Allocator* before;
-    std::unordered_map<void*, block_info> live;
+    std::unordered_map<void*, BlockInfo> live;
     std::size_t requested = 0;
-    std::size_t refuse_after = never;
+    std::size_t refuse_after = NEVER;
 };
 
 } // namespace json_testing
