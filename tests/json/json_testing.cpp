@@ -82,20 +82,16 @@ Value scalar(std::mt19937& engine) {
 Outcome read_whole(std::string_view text, const cson_read_options& options) {
     // A block of its own, so that a sanitizer sees a step beyond its end.
     const std::vector<char> exact(text.begin(), text.end());
-    Outcome outcome;
-    cson_value* value = nullptr;
-    outcome.code = cson_read_text(&value, exact.data(), static_cast<std::uint32_t>(exact.size()),
-                                  &options, &outcome.info);
-    outcome.value.reset(value);
-    return outcome;
+    const auto length = static_cast<std::uint32_t>(text.size());
+    return outcome_of([&](cson_value** out, cson_read_info* info) {
+        return cson_read_text(out, exact.data(), length, &options, info);
+    });
 }
 
 Outcome read_bytewise(std::string_view text, const cson_read_options& options) {
-    Outcome outcome;
-    cson_value* value = nullptr;
-    outcome.code = cson_read(&value, read_one, &text, &options, &outcome.info);
-    outcome.value.reset(value);
-    return outcome;
+    return outcome_of([&](cson_value** out, cson_read_info* info) {
+        return cson_read(out, read_one, &text, &options, info);
+    });
 }
 
 std::string text_of(const Outcome& outcome) {

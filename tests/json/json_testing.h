@@ -25,6 +25,16 @@ struct Outcome {
     Value value;
 };
 
+// What `read`, a call with a value and an info to fill in, comes to.
+template <typename Read>
+Outcome outcome_of(Read read) {
+    Outcome outcome;
+    quillon::cson_value* value = nullptr;
+    outcome.code = read(&value, &outcome.info);
+    outcome.value.reset(value);
+    return outcome;
+}
+
 // Reads by the block, or by a reader that is asked for every byte.
 Outcome read_whole(std::string_view text, const quillon::cson_read_options& options = {});
 Outcome read_bytewise(std::string_view text, const quillon::cson_read_options& options = {});

@@ -1,13 +1,14 @@
 #include "json_testing.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <regex>
 #include <unistd.h>
@@ -36,46 +37,34 @@ std::string content(const std::filesystem::path& path) {
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-Outcome read_path(const char* path, const cson_read_options& options) {
-    Outcome outcome;
-    cson_value* value = nullptr;
-    outcome.code = cson_read_path(&value, path, &options, &outcome.info);
-    outcome.value.reset(value);
-    return outcome;
-}
-
-class Corpus : public testing::TestWithParam<std::filesystem::path> {
-protected:
-    void check(const Outcome& outcome, std::uint32_t length) {
-        const std::string name = GetParam().stem().string();
-        std::smatch verdict;
-        if (!std::regex_match(name, verdict, std::regex("reject_(\\d+)_(\\d+)_(\\d+)_.*"))) {
-            EXPECT_EQ(cson_OK, outcome.code);
-            EXPECT_EQ(length, outcome.info.length);
-            const auto expected = std::filesystem::path(GetParam()).replace_extension(".tree");
-            EXPECT_EQ(content(expected), tree_text(outcome.value.get()) + "\n");
-            return;
-        }
-        EXPECT_STREQ(cson_error_name(std::stoi(verdict[1])), cson_error_name(outcome.code));
-        EXPECT_EQ(nullptr, outcome.value);
-        const bool by_parser = verdict[2] != "0";
-        EXPECT_EQ(by_parser ? outcome.code : 0, static_cast<int>(outcome.info.error_code));
-        if (by_parser) {
-            EXPECT_EQ(std::stoul(verdict[2]), outcome.info.line);
-            EXPECT_EQ(std::stoul(verdict[3]), outcome.info.column);
-        }
-    }
-};
+class Corpus : public testing::TestWithParam<std::filesystem::path> {};
 
 TEST_P(Corpus, VerdictHoldsForEveryWayToRead) {
     const std::string path = GetParam().string();
-    const bool comments = path.find("comments") != std::string::npos;
-    const cson_read_options options{25, static_cast<std::int8_t>(comments ? 1 : 0)};
+    const cson_read_options options{25, path.find("comments") != std::string::npos};
     const std::string text = content(path);
-    const auto length = static_cast<std::uint32_t>(text.size());
-    check(read_bytewise(text, options), length);
-    check(read_whole(text, options), length);
-    check(read_path(path.c_str(), options), length);
+    const Outcome outcome = outcome_of([&](cson_value** out, cson_read_info* info) {
+        return cson_read_path(out, path.c_str(), &options, info);
+    });
+    EXPECT_EQ(text_of(outcome), text_of(read_bytewise(text, options)));
+    EXPECT_EQ(text_of(outcome), text_of(read_whole(text, options)));
+    const cson_read_info& info = outcome.info;
+    const std::string name = GetParam().stem().string();
+    std::smatch verdict;
+    if (!std::regex_match(name, verdict, std::regex("reject_(\\d+)_(\\d+)_(\\d+)_.*"))) {
+        EXPECT_EQ(cson_OK, outcome.code);
+        EXPECT_EQ(text.size(), info.length);
+        const auto expected = std::filesystem::path(path).replace_extension(".tree");
+        EXPECT_EQ(content(expected), tree_text(outcome.value.get()) + "\n");
+        return;
+    }
+    EXPECT_STREQ(cson_error_name(std::stoi(verdict[1])), cson_error_name(outcome.code));
+    EXPECT_EQ(nullptr, outcome.value);
+    const bool by_parser = verdict[2] != "0";
+    EXPECT_EQ(by_parser ? outcome.code : 0, static_cast<int>(info.error_code));
+    EXPECT_TRUE(!by_parser ||
+                (std::stoul(verdict[2]) == info.line && std::stoul(verdict[3]) == info.column))
+        << info.line << ":" << info.column;
 }
 
 INSTANTIATE_TEST_SUITE_P(Json, Corpus, testing::ValuesIn(corpus()),
@@ -83,27 +72,18 @@ INSTANTIATE_TEST_SUITE_P(Json, Corpus, testing::ValuesIn(corpus()),
 
 // --- Push parser -------------------------------------------------------------------------------
 
-// The events as a text: codes, with an integer, float or text behind a colon.
-struct Recorder {
-    std::string events;
-    int refused_event = 0;
-
-    static int record(void* context, int event, const cson_push_data* data) {
-        auto& self = *static_cast<Recorder*>(context);
-        self.events += (self.events.empty() ? "" : " ") + std::to_string(event);
-        if (event == cson_event_integer)
-            self.events += ":" + std::to_string(data->integer);
-        else if (data != nullptr && data->text != nullptr)
-            self.events += ":" + std::string(data->text, data->length);
-        else if (event == cson_event_float)
-            self.events += ":" + std::to_string(data->number);
-        return event != self.refused_event ? 1 : 0;
-    }
-};
-
+// Records its events as a text: codes, with an integer, float or text after a colon.
 struct Parser {
-    explicit Parser(const cson_push_parser_config& config)
-        : parser(cson_push_parser_new(&config)) {}
+    using Configure = std::function<void(cson_push_parser_config&)>;
+
+    explicit Parser(const Configure& configure = [](auto&) {}) {
+        cson_push_parser_config config;
+        cson_push_parser_init_config(&config);
+        config.callback = record;
+        config.context = this;
+        configure(config);
+        parser = cson_push_parser_new(&config);
+    }
 
     ~Parser() { cson_push_parser_free(parser); }
 
@@ -117,49 +97,46 @@ struct Parser {
         return true;
     }
 
+    static int record(void* context, int event, const cson_push_data* data) {
+        auto& self = *static_cast<Parser*>(context);
+        self.events += (self.events.empty() ? "" : " ") + std::to_string(event);
+        if (event == cson_event_integer)
+            self.events += ":" + std::to_string(data->integer);
+        else if (data != nullptr && data->text != nullptr)
+            self.events += ":" + std::string(data->text, data->length);
+        else if (event == cson_event_float)
+            self.events += ":" + std::to_string(data->number);
+        return event != self.refused_event ? 1 : 0;
+    }
+
+    std::string events;
+    int refused_event = 0;
     cson_push_parser* parser;
 };
-
-cson_push_parser_config recording(Recorder& recorder) {
-    cson_push_parser_config config;
-    cson_push_parser_init_config(&config);
-    config.callback = Recorder::record;
-    config.context = &recorder;
-    return config;
-}
 
 TEST(PushParser, Events) {
     const struct {
         const char* text;
         const char* events;
+        std::int32_t manual_floats = 0;
     } rows[] = {{"[1,2]", "1 5:1 5:2 2"},
                 {"{\"a\":1}", "3 11:a 5:1 4"},
                 {"{}", "3 4"},
-                {"[]", "1 2"},
                 {"[true ,false,null]", "1 8 9 7 2"},
-                {"[\"x\\ty\",1.5]", "1 10:x\ty 6:1.500000 2"}};
+                {"[\"x\\ty\",1.5]", "1 10:x\ty 6:1.500000 2"},
+                {"[1.50,2e3]", "1 6:1.50 6:2e3 2", 1}};
 
     for (const auto& row : rows) {
-        Recorder recorder;
-        Parser parser(recording(recorder));
+        Parser parser([&](auto& config) { config.manual_floats = row.manual_floats; });
         EXPECT_TRUE(parser.step(row.text)) << row.text;
         EXPECT_NE(0, cson_push_parser_finish(parser.parser));
-        EXPECT_EQ(row.events, recorder.events);
+        EXPECT_EQ(row.events, parser.events);
     }
 }
 
-TEST(PushParser, ManualFloatsArriveAsText) {
-    Recorder recorder;
-    cson_push_parser_config config = recording(recorder);
-    config.manual_floats = 1;
-    EXPECT_TRUE(Parser(config).step("[1.50,2e3]"));
-    EXPECT_EQ("1 6:1.50 6:2e3 2", recorder.events);
-}
-
 TEST(PushParser, RefusalAndBadPlaceLeaveErrorAtZero) {
-    Recorder recorder;
-    recorder.refused_event = cson_event_integer;
-    Parser parser(recording(recorder));
+    Parser parser;
+    parser.refused_event = cson_event_integer;
     EXPECT_TRUE(parser.step("[1"));
     EXPECT_FALSE(parser.step("]"));
     EXPECT_EQ(0, cson_push_parser_error(parser.parser));
@@ -168,84 +145,70 @@ TEST(PushParser, RefusalAndBadPlaceLeaveErrorAtZero) {
 }
 
 TEST(PushParser, ResetAfterFailureStartsAfresh) {
-    Recorder recorder;
-    Parser parser(recording(recorder));
+    Parser parser;
     for (const char* broken : {"[\"\\ud83d", "[\"a\\", "{\"a\":tr", "[1,]", "[[[["}) {
         parser.step(broken);
         ASSERT_NE(0, cson_push_parser_reset(parser.parser));
-        recorder.events.clear();
+        parser.events.clear();
         EXPECT_TRUE(parser.step(" [\"x\"]")) << broken;
         EXPECT_NE(0, cson_push_parser_finish(parser.parser));
-        EXPECT_EQ("1 10:x 2", recorder.events);
+        EXPECT_EQ("1 10:x 2", parser.events);
         cson_push_parser_reset(parser.parser);
     }
 }
 
 TEST(PushParser, DepthLimits) {
-    const struct {
-        std::size_t passing;
-        std::int32_t depth;
-        bool limited;
-    } rows[] = {{1, 0, true}, {1, 1, true}, {127, 127, true}, {128, 128, true}, {70000, -1, false}};
-
-    for (const auto& row : rows) {
-        cson_push_parser_config config;
-        cson_push_parser_init_config(&config);
-        config.depth = row.depth;
-        Parser parser(config);
-        EXPECT_TRUE(parser.step(std::string(row.passing, '['))) << row.depth;
-        EXPECT_EQ(!row.limited, parser.step("[")) << row.depth;
-        EXPECT_EQ(row.limited ? cson_push_nesting_depth : cson_push_no_error,
+    for (const int depth : {0, 1, 127, 128, -1}) {
+        Parser parser([&](auto& config) { config.depth = depth; });
+        const std::size_t passing = depth < 0 ? 70000 : std::max(depth, 1);
+        EXPECT_TRUE(parser.step(std::string(passing, '['))) << depth;
+        EXPECT_EQ(depth < 0, parser.step("[")) << depth;
+        EXPECT_EQ(depth < 0 ? cson_push_no_error : cson_push_nesting_depth,
                   cson_push_parser_error(parser.parser));
     }
 }
 
 TEST(PushParser, TokenBufferAndStackKeepTheirContentAsTheyGrow) {
-    Recorder recorder;
-    cson_push_parser_config config = recording(recorder);
-    config.depth = -1;
-    Parser parser(config);
+    Parser parser([](auto& config) { config.depth = -1; });
     std::string token;
     while (token.size() < 10000)
         token += std::to_string(token.size());
     EXPECT_TRUE(parser.step("[\"" + token + "\""));
-    EXPECT_EQ("1 10:" + token, recorder.events);
+    EXPECT_EQ("1 10:" + token, parser.events);
     EXPECT_EQ(14000u, parser.parser->buffer_capacity);
-    std::string closing;
+    std::string closing = "]";
     for (int i = 0; i < 1000; ++i) {
         EXPECT_TRUE(parser.step(i % 3 != 0 ? ",[1" : ",{\"a\":[1"));
         closing.insert(0, i % 3 != 0 ? "]" : "]}");
     }
-    EXPECT_TRUE(parser.step(closing + "]"));
+    EXPECT_TRUE(parser.step(closing));
     EXPECT_NE(0, cson_push_parser_finish(parser.parser));
 }
 
 int live_blocks;
 
 TEST(PushParser, MemoryComesFromTheConfiguration) {
-    cson_push_parser_config config;
-    cson_push_parser_init_config(&config);
-    config.depth = 1000;
-    config.allocate = [](std::size_t bytes) { return ++live_blocks, std::malloc(bytes); };
-    config.release = [](void* block) { --live_blocks, std::free(block); };
+    const auto counted = [](cson_push_parser_config& config) {
+        config.depth = 1000;
+        config.allocate = [](std::size_t bytes) { return ++live_blocks, std::malloc(bytes); };
+        config.release = [](void* block) { --live_blocks, std::free(block); };
+    };
     {
-        Parser parser(config);
+        Parser parser(counted);
         EXPECT_EQ(2, live_blocks) << "the parser and its stack";
         EXPECT_TRUE(parser.step("[\"" + std::string(4000, 'x')));
         EXPECT_EQ(3, live_blocks);
     }
     EXPECT_EQ(0, live_blocks);
-    config.release = nullptr;
-    Parser(config).step("[");
+    const Parser half([&](auto& config) { counted(config), config.release = nullptr; });
     EXPECT_EQ(0, live_blocks) << "the two count only together";
 }
 
 // Where the parser goes from every state: after each accepted character the digit of the state, of
 // 36, and at the end the error of a character that isn't accepted. Entries that depend on the
-// container are those of an array.
+// container are those of an array. A text after "=" begins a value, in both containers.
 struct StateRow {
-    const char*
-        text; // leads to the state; after a "=" in both containers, where a value is awaited
+    const char* text;
     const char* cells;
 };
 
@@ -291,13 +254,10 @@ constexpr StateRow STATE_ROWS[] = {
 constexpr std::string_view DIGITS = "0123456789abcdefghijklmnopqrstuvwxyz";
 
 std::string cells_after(const std::string& text) {
-    cson_push_parser_config config;
-    cson_push_parser_init_config(&config);
-    config.allow_comments = 1;
     std::string cells;
     std::string error;
     for (const char c : std::string_view(" \t{[:\"\\/+-.01abcdeflnrstuAE~*,]}")) {
-        Parser parser(config);
+        Parser parser([](auto& config) { config.allow_comments = 1; });
         EXPECT_TRUE(parser.step(text)) << text;
         if (parser.step({&c, 1}))
             cells += {c, DIGITS[parser.parser->state]};
@@ -345,18 +305,26 @@ TEST(Read, ArgumentsAreChecked) {
 }
 
 TEST(Read, OptionsHoldForEveryWayToRead) {
-    const cson_read_options two{2, 1};
-    EXPECT_EQ(cson_OK, read_whole("[[1/**/]]", two).code);
-    EXPECT_EQ(cson_Parse_NESTING_DEPTH_REACHED, read_whole("[[[1]]]", two).code);
-    EXPECT_EQ(cson_OK, read_bytewise("[[1]]", two).code);
-    EXPECT_EQ(cson_Parse_NESTING_DEPTH_REACHED, read_bytewise("[[[1]]]", two).code);
-    EXPECT_EQ(cson_Parse_NESTING_DEPTH_REACHED, read_whole("[[1]]", {0, 0}).code);
-    unsigned char text[] = "[[[1]]]";
-    const cson_buffer buffer{8, 7, 0, text};
-    cson_value* out = nullptr;
-    EXPECT_EQ(cson_Parse_NESTING_DEPTH_REACHED, cson_read_buffer(&out, &buffer, &two, nullptr));
-    ASSERT_EQ(cson_OK, cson_read_buffer(&out, &buffer, nullptr, nullptr));
-    cson_value_release(out);
+    const struct {
+        const char* text;
+        std::uint16_t max_depth;
+        int code;
+    } rows[] = {{"[[1/**/]]", 2, cson_OK},
+                {"[[[1]]]", 2, cson_Parse_NESTING_DEPTH_REACHED},
+                {"[[1]]", 0, cson_Parse_NESTING_DEPTH_REACHED}};
+
+    for (const auto& row : rows) {
+        std::string text = row.text;
+        const cson_read_options options{row.max_depth, 1};
+        const cson_buffer buffer{8, static_cast<std::uint32_t>(text.size()), 0,
+                                 reinterpret_cast<unsigned char*>(text.data())};
+        const Outcome outcome = outcome_of([&](cson_value** out, cson_read_info* info) {
+            return cson_read_buffer(out, &buffer, &options, info);
+        });
+        EXPECT_EQ(row.code, outcome.code);
+        EXPECT_EQ(text_of(outcome), text_of(read_whole(text, options)));
+        EXPECT_EQ(text_of(outcome), text_of(read_bytewise(text, options)));
+    }
 }
 
 // A reading asks for no byte after the one that ends it.
@@ -378,8 +346,8 @@ TEST(Read, StreamIsLeftAfterTheLastByteAskedFor) {
         cson_value* out = nullptr;
         EXPECT_EQ(row.code, cson_read_stream(&out, stream, nullptr, nullptr)) << row.text;
         EXPECT_EQ(row.position, std::ftell(stream)) << row.text;
-        std::fclose(stream);
         cson_value_release(out);
+        std::fclose(stream);
     }
 }
 
@@ -395,35 +363,22 @@ TEST(Read, PipeWhoseWriterWaitsGetsItsAnswer) {
 }
 
 TEST(Read, InfoGoesOnFromTheCallersRecord) {
-    cson_read_info info{7, 3, 100, 15, 9, 9};
+    Outcome outcome;
+    outcome.info = {7, 3, 100, 15, 9, 9};
     cson_value* out = nullptr;
-    ASSERT_EQ(cson_OK, cson_read_text(&out, "{\"a\":[1,2]}", 11, nullptr, &info));
-    cson_value_release(out);
-    EXPECT_EQ(7u, info.line);
-    EXPECT_EQ(14u, info.column);
-    EXPECT_EQ(111u, info.length);
-    EXPECT_EQ(0u, info.error_code);
-    EXPECT_EQ(1u, info.total_key_count);
-    EXPECT_EQ(4u, info.total_value_count);
-}
-
-TEST(Read, TreeHasTheCapacitiesAndCountsOfItsMaking) {
-    const Value root =
-        tree("{\"list\":[1,2,3,4,5,6,7],\"o\":{\"a\":1,\"b\":1,\"c\":1,\"d\":1,\"e\":1}}");
-    EXPECT_EQ(0u, root->refcount);
-    cson_object* object = cson_value_object(root.get());
-    EXPECT_EQ(5u, object->list.capacity);
-    const cson_kvp* pair = cson_object_find(object, "list", nullptr);
+    outcome.code = cson_read_text(&out, "{\"a\":[1,2]}", 11, nullptr, &outcome.info);
+    outcome.value.reset(out);
+    EXPECT_EQ("0 7 14 111 0 1 4 {\"a\":[1 2 of 7] of 5}", text_of(outcome));
+    const cson_kvp* pair = cson_value_object(out)->list.items[0];
+    EXPECT_EQ(0u, out->refcount);
     EXPECT_EQ(1u, pair->key->refcount);
     EXPECT_EQ(1u, pair->value->refcount);
-    EXPECT_EQ(12u, cson_value_array(pair->value)->list.capacity);
-    EXPECT_EQ(8u, cson_value_object(cson_object_get_text(object, "o"))->list.capacity);
 }
 
 TEST(Read, ReadersCodeEndsIt) {
     const auto fail_third = [](void* state, void* destination, std::uint32_t* count) -> int {
+        EXPECT_EQ(1u, *count);
         *static_cast<char*>(destination) = '[';
-        *count = 1;
         return ++*static_cast<int*>(state) == 3 ? cson_NYIError : cson_OK;
     };
     int calls = 0;
@@ -454,9 +409,7 @@ TEST(Locale, DecimalPoint) {
         std::setlocale(LC_NUMERIC, "C");
         EXPECT_EQ(row.tree, tree_text(whole.value.get()));
         EXPECT_EQ(row.tree, tree_text(bytewise.value.get()));
-        if (row.written != nullptr) {
-            EXPECT_EQ(row.written, written) << "a zero stays after a dot alone";
-        }
+        EXPECT_TRUE(row.written == nullptr || row.written == written) << written;
     }
 }
 

@@ -3,64 +3,51 @@
 
 #include "quillon/json/allocator.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
-#include <map>
+#include <numeric>
+#include <set>
 #include <string>
-#include <string_view>
 #include <unordered_map>
-#include <utility>
 
 namespace json_testing {
 
 // In use from its construction to its destruction; create and destroy nested ones in order.
 //
-// Blocks that are still alive at its end are no longer tracked, and stay allocated.
+// Blocks that are still alive at its end fail the test.
 class TrackingAllocator {
 public:
     TrackingAllocator()
         : allocator{resize, release, this}, before(quillon::json::set_allocator(&allocator)) {}
 
-    ~TrackingAllocator() { quillon::json::set_allocator(before); }
+    ~TrackingAllocator() {
+        EXPECT_EQ("", report());
+        quillon::json::set_allocator(before);
+    }
 
     TrackingAllocator(const TrackingAllocator&) = delete;
     TrackingAllocator& operator=(const TrackingAllocator&) = delete;
 
-    // Blocks and bytes alive.
+    // Blocks alive.
     std::size_t blocks() const { return live.size(); }
-
-    std::size_t bytes() const {
-        std::size_t total = 0;
-        for (const auto& [block, info] : live)
-            total += info.bytes;
-        return total;
-    }
-
-    // Requests for memory so far, refused ones included.
-    std::size_t requests() const { return requested; }
 
     // Refuses the request number `number`, counted on from here at 1, and all that follow.
     void fail_from(std::size_t number) { refuse_after = requested + number - 1; }
 
     void fail_no_more() { refuse_after = NEVER; }
 
-    // One line "tag: blocks, bytes" for every tag with live blocks; empty when nothing leaked.
+    // A line "tag: bytes" for every live block, in order; empty when nothing leaked.
     std::string report() const {
-        std::map<std::string_view, std::pair<std::size_t, std::size_t>> by_tag;
-        for (const auto& [block, info] : live) {
-            auto& [count, bytes] = by_tag[info.tag];
-            ++count;
-            bytes += info.bytes;
-        }
-        std::string lines;
-        for (const auto& [tag, sums] : by_tag)
-            lines += std::string(tag) + ": " + std::to_string(sums.first) + " blocks, " +
-                     std::to_string(sums.second) + " bytes\n";
-        return lines;
+        std::multiset<std::string> lines;
+        for (const auto& [block, info] : live)
+            lines.insert(info.tag + ": " + std::to_string(info.bytes) + "\n");
+        return std::accumulate(lines.begin(), lines.end(), std::string());
     }
 
 private:
@@ -68,7 +55,7 @@ private:
 
     struct BlockInfo {
         std::size_t bytes;
-        std::string_view tag;
+        std::string tag;
     };
 
     static void* resize(void* state, void* block, std::size_t bytes, const char* tag) {
