@@ -33,6 +33,8 @@ struct cPairedInterfaceView {
     void*** interface;
 };
 
+namespace detail {
+
 inline std::unique_ptr<cInterfaceView> view_of(void**& interface) {
     return std::make_unique<cInterfaceView>(cInterfaceView{&interface});
 }
@@ -42,6 +44,8 @@ inline std::unique_ptr<cPairedInterfaceView> view_of(std::uintptr_t& first, std:
     return std::make_unique<cPairedInterfaceView>(
         cPairedInterfaceView{&first, &second, &interface});
 }
+
+} // namespace detail
 
 // The entry of a module's table; null if no plug-in is connected or the plug-in left it unfilled.
 template <typename Table, typename Entry>
@@ -90,13 +94,13 @@ public:
     std::uintptr_t firstWord;
     std::uintptr_t secondWord;
 
-    std::unique_ptr<cInterfaceView> view0 = view_of(interface);
-    std::unique_ptr<cPairedInterfaceView> view1 = view_of(firstWord, secondWord, interface);
-    std::unique_ptr<cInterfaceView> view2 = view_of(interface);
-    std::unique_ptr<cPairedInterfaceView> view3 = view_of(firstWord, secondWord, interface);
-    std::unique_ptr<cInterfaceView> view4 = view_of(interface);
-    std::unique_ptr<cInterfaceView> view5 = view_of(interface);
-    std::unique_ptr<cInterfaceView> view6 = view_of(interface);
+    std::unique_ptr<cInterfaceView> view0 = detail::view_of(interface);
+    std::unique_ptr<cPairedInterfaceView> view1 = detail::view_of(firstWord, secondWord, interface);
+    std::unique_ptr<cInterfaceView> view2 = detail::view_of(interface);
+    std::unique_ptr<cPairedInterfaceView> view3 = detail::view_of(firstWord, secondWord, interface);
+    std::unique_ptr<cInterfaceView> view4 = detail::view_of(interface);
+    std::unique_ptr<cInterfaceView> view5 = detail::view_of(interface);
+    std::unique_ptr<cInterfaceView> view6 = detail::view_of(interface);
 };
 
 class modInput {
@@ -172,8 +176,8 @@ public:
     bool statusFlag = false; // for host code, like the next word
     std::uintptr_t spareWord;
     void** interface = nullptr;
-    std::unique_ptr<cInterfaceView> view0 = view_of(interface);
-    std::unique_ptr<cInterfaceView> view1 = view_of(interface);
+    std::unique_ptr<cInterfaceView> view0 = detail::view_of(interface);
+    std::unique_ptr<cInterfaceView> view1 = detail::view_of(interface);
 };
 
 class modAudio {
@@ -185,8 +189,8 @@ public:
     virtual ~modAudio() { ::operator delete(interface); }
 
     void** interface = nullptr;
-    std::unique_ptr<cInterfaceView> view0 = view_of(interface);
-    std::unique_ptr<cInterfaceView> view1 = view_of(interface);
+    std::unique_ptr<cInterfaceView> view0 = detail::view_of(interface);
+    std::unique_ptr<cInterfaceView> view1 = detail::view_of(interface);
 };
 
 class modCore {

@@ -25,13 +25,16 @@ EntryPoints entry_points_of(void* library) {
     return functions;
 }
 
-bool has_text(void* function) {
-    return reinterpret_cast<const char* (*)()>(function)() != nullptr;
+const char* text_of(void* function) {
+    return reinterpret_cast<const char* (*)()>(function)();
 }
 
-bool is_plugin(const EntryPoints& functions) {
-    return std::ranges::find(functions, nullptr) == functions.end() &&
-           has_text(functions[GET_PLUGIN_NAME]) && has_text(functions[GET_PLUGIN_PURPOSE]);
+// The plug-in's name; null if it lacks an entry point, a name or a purpose.
+const char* name_of(const EntryPoints& functions) {
+    if (std::ranges::find(functions, nullptr) != functions.end())
+        return nullptr;
+    const char* const name = text_of(functions[GET_PLUGIN_NAME]);
+    return text_of(functions[GET_PLUGIN_PURPOSE]) == nullptr ? nullptr : name;
 }
 
 struct ReleaseLibrary {
@@ -43,15 +46,15 @@ std::unique_ptr<LoadedPlugin> load_plugin(const char* folder, const std::string&
     void* const library = platform::load_library(std::string(folder) + "/" + name);
     const EntryPoints functions = entry_points_of(library);
     // Not guarded yet: an exception of the plug-in may need the code of its type in the library.
-    const bool accepted = is_plugin(functions);
+    const char* const plugin_name = name_of(functions);
     std::unique_ptr<void, ReleaseLibrary> guard(library);
-    if (!accepted) {
+    if (plugin_name == nullptr) {
         std::printf("ERROR: Attempt to load module %s failed\n", name.c_str());
         return nullptr;
     }
     auto plugin = std::make_unique<LoadedPlugin>(library, functions);
     static_cast<void>(guard.release());
-    std::printf("loading plugin: %s\n", plugin->get_plugin_name());
+    std::printf("loading plugin: %s\n", plugin_name);
     return plugin;
 }
 
