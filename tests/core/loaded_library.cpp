@@ -2,9 +2,8 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <iterator>
 #include <stdexcept>
-
-#include <dlfcn.h>
 
 namespace fs = std::filesystem;
 
@@ -42,26 +41,15 @@ std::vector<std::string> Host::events(const std::string& unwanted) {
     return lines;
 }
 
-LoadedLibrary::LoadedLibrary() : handle(dlopen(LIBRARY_FILE, RTLD_NOW | RTLD_LOCAL)) {
+LoadedLibrary::LoadedLibrary() : handle(dlopen(LIBRARY_FILE, RTLD_NOW | RTLD_LOCAL), dlclose) {
     if (handle == nullptr)
         throw std::runtime_error(dlerror());
-}
-
-void LoadedLibrary::unload() {
-    if (handle != nullptr)
-        dlclose(handle);
-    handle = nullptr;
 }
 
 void LoadedLibrary::observe(std::function<void(const std::string& event)> observer) const {
     current_observer = std::move(observer);
     auto* const add = EXPORT_OF(*this, __mCore_add_plugin_init_parameter);
     add("observer", reinterpret_cast<void*>(pass_on));
-}
-
-void* LoadedLibrary::address(const char* name) const {
-    void* const found = dlsym(handle, name);
-    return found != nullptr ? found : throw std::runtime_error(dlerror());
 }
 
 void copy_fixture(const fs::path& file, const std::string& name) {
@@ -75,10 +63,11 @@ void copy_fixtures(const std::vector<std::string>& names, const std::string& fol
         copy_fixture(folder + "/" + std::to_string(number++) + "_" + name + ".so", name);
 }
 
+std::string text_of(const fs::path& file) {
+    std::ifstream stream(file);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
 bool is_mapped(const std::string& text) {
-    std::ifstream maps("/proc/self/maps");
-    for (std::string line; std::getline(maps, line);)
-        if (line.find(text) != std::string::npos)
-            return true;
-    return false;
+    return text_of("/proc/self/maps").find(text) != std::string::npos;
 }

@@ -7,8 +7,11 @@
 
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
+
+#include <dlfcn.h>
 
 // The export NAME of a loaded library.
 #define EXPORT_OF(library, NAME) (library).function<decltype(NAME)>(#NAME)
@@ -17,9 +20,7 @@ class LoadedLibrary {
 public:
     LoadedLibrary();
 
-    ~LoadedLibrary() { unload(); }
-
-    void unload();
+    void unload() { handle.reset(); }
 
     // Calls `observer` with the events of the fixtures that are initialised from now on.
     void observe(std::function<void(const std::string& event)> observer) const;
@@ -27,13 +28,11 @@ public:
     // The export of that name, as a function of the given type; see EXPORT_OF.
     template <typename Function>
     Function* function(const char* name) const {
-        return reinterpret_cast<Function*>(address(name));
+        return reinterpret_cast<Function*>(dlsym(handle.get(), name));
     }
 
 private:
-    void* address(const char* name) const;
-
-    void* handle;
+    std::unique_ptr<void, int (*)(void*)> handle;
 };
 
 // Makes a fresh folder the current one as long as it lives.
@@ -53,9 +52,17 @@ struct Host : ScratchFolder, LoadedLibrary {
     // The lines of the file "events", without those that have `unwanted` after the plug-in's name.
     static std::vector<std::string> events(const std::string& unwanted = "asked");
 
-    bool open() const { return EXPORT_OF(*this, __mCore_open)(); }
-
-    std::uint32_t plugin_count() const { return EXPORT_OF(*this, __mCore_get_plugin_count)(); }
+    decltype(&__mCore_open) open = EXPORT_OF(*this, __mCore_open);
+    decltype(&__mCore_parse_folder_for_plugins) scan =
+        EXPORT_OF(*this, __mCore_parse_folder_for_plugins);
+    decltype(&__mCore_get_plugin_count) plugin_count = EXPORT_OF(*this, __mCore_get_plugin_count);
+    decltype(&__mCore_get_plugin_name) plugin_name = EXPORT_OF(*this, __mCore_get_plugin_name);
+    decltype(&__mCore_get_plugin_purpose) plugin_purpose =
+        EXPORT_OF(*this, __mCore_get_plugin_purpose);
+    decltype(&__mCore_get_first_valid_plugin) first_plugin =
+        EXPORT_OF(*this, __mCore_get_first_valid_plugin);
+    decltype(&__mCore_get_plugin_function) plugin_function =
+        EXPORT_OF(*this, __mCore_get_plugin_function);
 };
 
 // Copies a fixture to `file`.
@@ -63,6 +70,8 @@ void copy_fixture(const std::filesystem::path& file, const std::string& name);
 
 // Copies fixtures into a folder, under names that load in the given order.
 void copy_fixtures(const std::vector<std::string>& names, const std::string& folder = "plugin");
+
+std::string text_of(const std::filesystem::path& file);
 
 // Whether a mapping of this process names `text`.
 bool is_mapped(const std::string& text);

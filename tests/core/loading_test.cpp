@@ -17,9 +17,9 @@ namespace {
 namespace fs = std::filesystem;
 
 // What a scan of `folder` prints.
-std::string scan(const LoadedLibrary& library, const std::string& folder) {
+std::string scan(const Host& host, const std::string& folder) {
     CaptureStdout();
-    EXPORT_OF(library, __mCore_parse_folder_for_plugins)(folder.c_str());
+    host.scan(folder.c_str());
     return GetCapturedStdout();
 }
 
@@ -33,14 +33,6 @@ void expect_refusal(const char* name, const std::function<void(const fs::path&)>
     EXPECT_EQ(host.plugin_count(), 1u);
     host.unload();
     EXPECT_FALSE(is_mapped("00_broken"));
-}
-
-// With a byte of a sound plug-in's file overwritten.
-void expect_refusal(const char* name, std::streamoff offset, char byte) {
-    expect_refusal(name, [&](const fs::path& file) {
-        copy_fixture(file, "graphics");
-        std::fstream(file, std::ios::in | std::ios::out | std::ios::binary).seekp(offset).put(byte);
-    });
 }
 
 } // namespace
@@ -59,8 +51,6 @@ TEST(Loading, RefusesFilesThatAreNoLibrariesAndGoesOn) {
     expect_refusal("empty", [](const fs::path& file) { std::ofstream(file).close(); });
     expect_refusal("pipe", [](const fs::path& file) { mkfifo(file.c_str(), 0600); });
     expect_refusal("dangling", [](const fs::path& file) { fs::create_symlink("nowhere", file); });
-    expect_refusal("other architecture", 18, 0x7F);
-    expect_refusal("other word size", 4, 1);
     for (const int length : {20, 500, 4096, 8192, 12288})
         expect_refusal("cut off", [length](const fs::path& file) {
             copy_fixture(file, "graphics");
@@ -73,16 +63,9 @@ TEST(Loading, ARefusedFileIsNamedBeforeItIsReleased) {
               "ERROR: Attempt to load module 0_says_farewell.so failed\nfarewell\n");
 }
 
-TEST(Loading, MissingAndEmptyFoldersLoadNothingAndPrintNothing) {
-    const Host host({});
-    fs::create_directory("empty");
-    EXPECT_EQ(scan(host, "plugin") + scan(host, "empty"), "");
-    EXPECT_TRUE(host.open());
-    EXPECT_EQ(host.plugin_count(), 0u);
-}
-
 TEST(Loading, OnlyFilesWithTheExtensionLoadInOrderOfNameAndNoneIsInitialised) {
     const Host host({});
+    EXPECT_EQ(scan(host, "plugin"), "") << "there is no such folder";
     const std::pair<fs::path, const char*> files[] = {
         {"b.so", "graphics"},   {"a.so", "tool"},   {"B.SO", "input_and_system"},
         {"c.so.1", "all_five"}, {"so", "all_five"}, {"nested/d.so", "all_five"},

@@ -3,9 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <array>
-#include <bit>
 #include <chrono>
+#include <cstring>
+#include <iterator>
 
 using testing::ElementsAre;
 
@@ -29,10 +29,14 @@ public:
     std::string trace;
 };
 
-// The offset in the table of virtual operations, as the Itanium C++ ABI stores a pointer to one.
-template <typename Member>
-std::intptr_t table_offset(Member member) {
-    return std::bit_cast<std::array<std::intptr_t, 2>>(member)[0];
+// Of fields, or of functions in the table of virtual ones but for a constant, as the Itanium C++
+// ABI stores pointers to members.
+template <typename... Members>
+std::vector<std::intptr_t> offsets(Members... members) {
+    std::intptr_t all[sizeof...(members)];
+    std::size_t i = 0;
+    (std::memcpy(&all[i++], &members, sizeof all[0]), ...);
+    return {std::begin(all), std::end(all)};
 }
 
 } // namespace
@@ -53,13 +57,13 @@ TEST(Modules, ViewsSeeTheTableOfTheirModule) {
     const auto& graphics = *EXPORT_OF(library, __mGraphics_instance)();
     const auto& network = *EXPORT_OF(library, __mNetwork_instance)();
     const auto& audio = *EXPORT_OF(library, __mAudio_instance)();
-    for (const auto* view :
-         {&graphics.view0, &graphics.view2, &graphics.view4, &graphics.view5, &graphics.view6})
-        EXPECT_EQ((*view)->interface, &graphics.interface);
-    for (const auto* view : {&graphics.view1, &graphics.view3}) {
-        EXPECT_EQ((*view)->interface, &graphics.interface);
+    for (void*** const interface :
+         {graphics.view0->interface, graphics.view1->interface, graphics.view2->interface,
+          graphics.view3->interface, graphics.view4->interface, graphics.view5->interface,
+          graphics.view6->interface})
+        EXPECT_EQ(interface, &graphics.interface);
+    for (const auto* view : {&graphics.view1, &graphics.view3})
         EXPECT_EQ((*view)->first + 1, (*view)->second) << "adjacent words";
-    }
     EXPECT_EQ(network.view1->interface, &network.interface);
     EXPECT_FALSE(network.statusFlag);
     EXPECT_EQ(audio.view1->interface, &audio.interface);
@@ -114,11 +118,16 @@ TEST(Thread, ReturnsTheResultOfItsRunAndMarksItsEnd) {
     EXPECT_EQ(worker.threadState, 0u);
 }
 
-TEST(Thread, HasTheLayoutThatTheLibraryReliesOn) {
-    using quillon::cThread;
-    EXPECT_EQ(table_offset(&cThread::work) - table_offset(&cThread::run), 8);
-    const Worker worker(1);
-    const auto* start = reinterpret_cast<const char*>(static_cast<const cThread*>(&worker));
-    EXPECT_EQ(reinterpret_cast<const char*>(&worker.threadState) - start, 8);
-    EXPECT_EQ(reinterpret_cast<const char*>(&worker.stopRequested) - start, 12);
+TEST(Layout, IsTheOneThatHostsAndPluginsRelyOn) {
+    using namespace quillon;
+    const auto functions = offsets(&cThread::run, &cThread::work);
+    EXPECT_EQ(functions[1] - functions[0], 8);
+    EXPECT_THAT(offsets(&cThread::threadState, &cThread::stopRequested), ElementsAre(8, 12));
+    EXPECT_THAT(offsets(&cPlugin::library, &cPlugin::initialised, &cPlugin::initialize,
+                        &cPlugin::shutdown, &cPlugin::get_plugin_name, &cPlugin::get_plugin_purpose,
+                        &cPlugin::get_plugin_compatibility, &cPlugin::get_plugin_prereqs),
+                ElementsAre(8, 16, 24, 32, 40, 48, 56, 64));
+    EXPECT_THAT(offsets(&modNetwork::statusFlag, &modNetwork::interface, &modNetwork::view0),
+                ElementsAre(8, 24, 32));
+    EXPECT_THAT(offsets(&modGraphics::interface, &modGraphics::router), ElementsAre(8, 16));
 }
