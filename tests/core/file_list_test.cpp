@@ -1,7 +1,5 @@
 #include "loaded_library.h"
 
-#include "quillon/platform/paths.h"
-
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -61,12 +59,4 @@ TEST(FileList, ThePatternMustStayBelowTheLimit) {
         // Slashes that normalising removes do not count.
         EXPECT_EQ(collect(folder + "/", ".*").size(), length == 257 ? 1u : 0u) << length;
     }
-}
-
-TEST(Paths, AreNormalisedInOnePass) {
-    const std::pair<const char*, const char*> rows[] = {
-        {"a\\b//c", "a/b/c"}, {"a///b", "a//b"}, {"////", "//"}, {"a/", "a/"}, {"", ""},
-    };
-    for (const auto& [path, normal] : rows)
-        EXPECT_EQ(quillon::platform::normalise_path(path), normal) << path;
 }

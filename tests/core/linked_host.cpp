@@ -16,9 +16,9 @@
 
 namespace {
 
-// The library's blocks and their letters: a unique pointer, tables in capitals, views.
-constinit std::array<const void*, 17> blocks{};
-constexpr char LETTERS[] = "uGISNAgggggggnnaa";
+// Blocks of the library and their letters: a unique pointer, tables in capitals, some views.
+constinit std::array<const void*, 10> blocks{};
+constexpr char LETTERS[] = "uGISNAggna";
 
 constinit bool throws = false; // out of the last connect entry point
 std::string trace;             // the letters as they are freed, and the plug-ins at each `shutdown`
@@ -90,14 +90,7 @@ int main(int argc, char** argv) {
               network.interface,
               audio.interface,
               &*g.view0,
-              &*g.view1,
-              &*g.view2,
-              &*g.view3,
-              &*g.view4,
-              &*g.view5,
               &*g.view6,
               &*network.view0,
-              &*network.view1,
-              &*audio.view0,
               &*audio.view1};
 }

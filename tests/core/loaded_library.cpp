@@ -28,10 +28,6 @@ ScratchFolder::~ScratchFolder() {
     fs::remove_all(folder);
 }
 
-Host::Host(const std::vector<std::string>& fixtures, const std::string& inside) {
-    copy_fixtures(fixtures, inside);
-}
-
 std::vector<std::string> Host::events(const std::string& unwanted) {
     std::vector<std::string> lines;
     std::ifstream file("events");

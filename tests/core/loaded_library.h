@@ -45,9 +45,15 @@ private:
     std::filesystem::path before = std::filesystem::current_path();
 };
 
+// Copies a fixture to `file`.
+void copy_fixture(const std::filesystem::path& file, const std::string& name);
+
+// Copies fixtures into a folder, under names that load in the given order.
+void copy_fixtures(const std::vector<std::string>& names, const std::string& folder = "plugin");
+
 // A host in a folder of its own, with fixtures in "plugin" that load in the given order.
 struct Host : ScratchFolder, LoadedLibrary {
-    explicit Host(const std::vector<std::string>& fixtures, const std::string& inside = "plugin");
+    explicit Host(const std::vector<std::string>& fixtures) { copy_fixtures(fixtures); }
 
     // The lines of the file "events", without those that have `unwanted` after the plug-in's name.
     static std::vector<std::string> events(const std::string& unwanted = "asked");
@@ -64,12 +70,6 @@ struct Host : ScratchFolder, LoadedLibrary {
     decltype(&__mCore_get_plugin_function) plugin_function =
         EXPORT_OF(*this, __mCore_get_plugin_function);
 };
-
-// Copies a fixture to `file`.
-void copy_fixture(const std::filesystem::path& file, const std::string& name);
-
-// Copies fixtures into a folder, under names that load in the given order.
-void copy_fixtures(const std::vector<std::string>& names, const std::string& folder = "plugin");
 
 std::string text_of(const std::filesystem::path& file);
 

@@ -9,18 +9,15 @@
 #include <dlfcn.h>
 #include <sys/stat.h>
 
-using testing::internal::CaptureStdout;
-using testing::internal::GetCapturedStdout;
-
 namespace {
 
 namespace fs = std::filesystem;
 
 // What a scan of `folder` prints.
 std::string scan(const Host& host, const std::string& folder) {
-    CaptureStdout();
+    testing::internal::CaptureStdout();
     host.scan(folder.c_str());
-    return GetCapturedStdout();
+    return testing::internal::GetCapturedStdout();
 }
 
 // With the file that `place` makes before a sound plug-in.

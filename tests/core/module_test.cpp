@@ -3,9 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <chrono>
 #include <cstring>
-#include <iterator>
 
 using testing::ElementsAre;
 
@@ -32,20 +32,19 @@ public:
 // Of fields, or of functions in the table of virtual ones but for a constant, as the Itanium C++
 // ABI stores pointers to members.
 template <typename... Members>
-std::vector<std::intptr_t> offsets(Members... members) {
-    std::intptr_t all[sizeof...(members)];
-    std::size_t i = 0;
-    (std::memcpy(&all[i++], &members, sizeof all[0]), ...);
-    return {std::begin(all), std::end(all)};
+auto offsets(Members... members) {
+    std::array<std::intptr_t, sizeof...(members)> all;
+    auto* next = all.data();
+    (std::memcpy(next++, &members, sizeof(std::intptr_t)), ...);
+    return all;
 }
 
 } // namespace
 
+// The other five are the ones that a plug-in connects.
 TEST(Modules, EachAccessorReturnsOneObject) {
     const LoadedLibrary library;
-    for (const char* name : {"__mCore_instance", "__mGraphics_instance", "__mInput_instance",
-                             "__mSystem_instance", "__mNetwork_instance", "__mAudio_instance",
-                             "__mPhysics_instance", "__mFileOps_instance"}) {
+    for (const char* name : {"__mCore_instance", "__mPhysics_instance", "__mFileOps_instance"}) {
         auto* const instance = library.function<void*()>(name);
         EXPECT_NE(instance(), nullptr) << name;
         EXPECT_EQ(instance(), instance()) << name;

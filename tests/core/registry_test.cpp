@@ -25,8 +25,7 @@ void* parameter(const Host& host, const char* name) {
 TEST(Registry, InvalidIndicesAnswerInvalid) {
     const Host host({"graphics"});
     host.open();
-    for (const int index : {-32768, -1, 1, 32767}) {
-        const auto invalid = static_cast<std::int16_t>(index);
+    for (const auto invalid : std::initializer_list<std::int16_t>{-32768, -1, 1, 32767}) {
         EXPECT_STREQ(host.plugin_name(invalid), "INVALID");
         EXPECT_STREQ(host.plugin_purpose(invalid), "INVALID");
         EXPECT_FALSE(EXPORT_OF(host, __mCore_check_plugin_compatibility)(invalid, "GRAPHICS"));
