@@ -44,11 +44,11 @@ private:
     using Clock = std::chrono::steady_clock;
 
     struct CloseDevice {
-        void operator()(ALCdevice* device) const { alcCloseDevice(device); }
+        void operator()(ALCdevice* opened) const { alcCloseDevice(opened); }
     };
 
     struct DestroyContext {
-        void operator()(ALCcontext* context) const { alcDestroyContext(context); }
+        void operator()(ALCcontext* made) const { alcDestroyContext(made); }
     };
 
     enum class Kind { Device, Offline, Silence };
