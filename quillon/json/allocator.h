@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 
 namespace quillon::json {
 
@@ -30,5 +31,18 @@ void* reallocate(void* block, std::size_t bytes, const char* tag);
 
 // Frees a block; null and the shared constants are ignored.
 void free(void* block, const char* tag);
+
+struct BlockDeleter {
+    void operator()(unsigned char* block) const { free(block, tag); }
+
+    const char* tag = nullptr;
+};
+
+using Block = std::unique_ptr<unsigned char, BlockDeleter>;
+
+// A block that frees itself, or null without memory.
+inline Block make_block(std::size_t bytes, const char* tag) {
+    return {static_cast<unsigned char*>(reallocate(nullptr, bytes, tag)), {tag}};
+}
 
 } // namespace quillon::json

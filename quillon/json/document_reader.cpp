@@ -1,20 +1,18 @@
 #include "quillon/json/document_reader.h"
 
+#include "quillon/json/allocator.h"
 #include "quillon/json/escape.h"
 #include "quillon/json/number.h"
 #include "quillon/json/swar.h"
 
 #include <clocale>
 #include <cstring>
-#include <memory>
 #include <string_view>
 
 namespace quillon::json {
 namespace {
 
 using BytesAt = const unsigned char*;
-
-constexpr const char* SCRATCH_TAG = "cson_scratch";
 
 bool is_white(unsigned char c) {
     return c == ' ' || c == '\n' || c == '\r' || c == '\t';
@@ -28,10 +26,6 @@ std::uint64_t special_in(std::uint64_t bytes) {
 bool is_special(unsigned char c) {
     return c < 0x20 || c == '"' || c == '\\';
 }
-
-struct BlockDeleter {
-    void operator()(unsigned char* block) const { free(block, SCRATCH_TAG); }
-};
 
 // Every operation returns false where the text isn't plain.
 //
@@ -188,7 +182,7 @@ private:
     unsigned char closing = 0; // bracket of the innermost container
     // A decimal point of several bytes is cut off by the push parser.
     const bool knows_point = std::strlen(std::localeconv()->decimal_point) == 1;
-    std::unique_ptr<unsigned char, BlockDeleter> scratch; // the decoded text of one string
+    Block scratch; // the decoded text of one string
 };
 
 // No text becomes longer by decoding, so the rest of the document has room for every string in it,
@@ -196,10 +190,8 @@ private:
 // never touched.
 bool DocumentReader::decode_text(BytesAt first, std::string_view& text) {
     constexpr std::size_t margin = 16;
-    if (scratch == nullptr) {
-        const std::size_t bytes = static_cast<std::size_t>(end - first) + margin;
-        scratch.reset(static_cast<unsigned char*>(reallocate(nullptr, bytes, SCRATCH_TAG)));
-    }
+    if (scratch == nullptr)
+        scratch = make_block(static_cast<std::size_t>(end - first) + margin, "cson_scratch");
     if (scratch == nullptr)
         return false;
     at = first;

@@ -1,3 +1,4 @@
+#include "quillon/json/allocator.h"
 #include "quillon/json/document_reader.h"
 #include "quillon/json/parser.h"
 #include "quillon/json/tree_builder.h"
@@ -195,12 +196,6 @@ std::uint32_t bytes_left(std::FILE* stream, long position) {
     return has_returned && fits ? static_cast<std::uint32_t>(left) : 0;
 }
 
-constexpr const char* FILE_TAG = "cson_file";
-
-struct FileDeleter {
-    void operator()(unsigned char* block) const { free(block, FILE_TAG); }
-};
-
 // Reads a stream that can seek as one text. False, with the stream where it was, for all others.
 bool read_ahead(cson_value** out, std::FILE* stream, const cson_read_options* options,
                 cson_read_info* info) {
@@ -210,8 +205,7 @@ bool read_ahead(cson_value** out, std::FILE* stream, const cson_read_options* op
         return false;
     // The byte more is never there but in a file that grows meanwhile.
     const std::size_t asked = std::size_t{expected} + 1;
-    const std::unique_ptr<unsigned char, FileDeleter> block(
-        static_cast<unsigned char*>(reallocate(nullptr, asked, FILE_TAG)));
+    const Block block = make_block(asked, "cson_file");
     const std::size_t count = block != nullptr ? std::fread(block.get(), 1, asked, stream) : 0;
     const bool is_whole = count < asked && std::feof(stream) != 0;
     if (is_whole &&
