@@ -1,6 +1,7 @@
 #include "quillon/json/allocator.h"
 #include "quillon/json/value.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <limits>
@@ -48,7 +49,8 @@ int cson_buffer_reserve_bytes(cson_buffer* buffer, std::uint32_t capacity) {
     if (grown == nullptr)
         return cson_AllocError;
     buffer->mem = static_cast<unsigned char*>(grown);
-    std::memset(buffer->mem + buffer->used, 0, capacity - buffer->used);
+    const std::uint32_t kept = std::min(buffer->used, capacity);
+    std::memset(buffer->mem + kept, 0, capacity - kept);
     buffer->capacity = capacity;
     ++buffer->times_expanded;
     return cson_OK;

@@ -48,35 +48,6 @@ std::string entries_text(const List& list) {
     return made + "of " + std::to_string(list.capacity);
 }
 
-unsigned below(std::mt19937& engine, unsigned limit) {
-    return static_cast<unsigned>(engine() % limit);
-}
-
-std::string random_text(std::mt19937& engine) {
-    constexpr const char* pieces[] = {"a", "Z", " ", "\"", "\\", "/", "\n", "é", "€", "word"};
-    std::string text;
-    for (unsigned left = below(engine, 12); left != 0; --left)
-        text += pieces[below(engine, std::size(pieces))];
-    return text;
-}
-
-Value scalar(std::mt19937& engine) {
-    const std::string text = random_text(engine);
-    const auto number = static_cast<std::int32_t>(engine());
-    switch (below(engine, 5)) {
-    case 0:
-        return Value(cson_value_from_bool(number < 0));
-    case 1:
-        return Value(cson_value_from_int(number));
-    case 2:
-        return Value(cson_value_from_double(number / 64.0));
-    case 3:
-        return Value(cson_value_null_constant());
-    default:
-        return Value(cson_value_from_text(text.data(), static_cast<std::uint32_t>(text.size())));
-    }
-}
-
 } // namespace
 
 Outcome read_whole(std::string_view text, const cson_read_options& options) {
@@ -145,19 +116,26 @@ std::string text_of(const cson_value* value, const cson_write_options& options) 
     return text;
 }
 
-Value random_tree(std::mt19937& engine, int depth) {
-    const unsigned count = below(engine, 9);
-    Value made(below(engine, 2) != 0 ? cson_value_make_array() : cson_value_make_object());
-    for (unsigned i = 0; i < count; ++i) {
-        const bool nested = depth > 0 && below(engine, 3) == 0;
-        cson_value* entry = (nested ? random_tree(engine, depth - 1) : scalar(engine)).release();
-        const std::string key = std::to_string(i) + random_text(engine);
-        if (cson_value_is_array(made.get()))
-            cson_array_push(cson_value_array(made.get()), entry);
-        else
-            cson_object_put_text(cson_value_object(made.get()), key.c_str(), entry);
+std::string random_json(std::mt19937& engine, int depth) {
+    constexpr const char* pieces[] = {"", "Z", " ", "\\\"", "\\\\", "/", "\\n", "é", "€", "word"};
+    constexpr const char* keywords[] = {"true", "false", "null"};
+    constexpr const char* separators[] = {",", ", ", "\n\t,", " , \r\n    "};
+    const auto pick = [&](const auto& texts) {
+        return std::string(texts[engine() % std::size(texts)]);
+    };
+    const bool is_array = engine() % 2 != 0;
+    std::string text = is_array ? "[" : "{";
+    for (auto left = engine() % 9; left != 0; --left) {
+        if (!is_array)
+            text += '"' + std::to_string(left) + pick(pieces) + (left % 2 != 0 ? "\":" : "\": ");
+        const auto number = static_cast<std::int32_t>(engine());
+        const std::string scalars[] = {pick(keywords), std::to_string(number),
+                                       std::to_string(number / 64.0),
+                                       '"' + pick(pieces) + pick(pieces) + pick(pieces) + '"'};
+        text += depth > 0 && engine() % 3 == 0 ? random_json(engine, depth - 1) : pick(scalars);
+        text += left != 1 ? pick(separators) : "";
     }
-    return made;
+    return text + (is_array ? "]" : "}");
 }
 
 } // namespace json_testing

@@ -52,7 +52,7 @@ Value tree(std::string_view text);
 std::string text_of(const quillon::cson_value* value,
                     const quillon::cson_write_options& options = {});
 
-// A random tree whose numbers and strings survive being written and read.
-Value random_tree(std::mt19937& engine, int depth);
+// A random text of an array or object, whose numbers and strings survive being written and read.
+std::string random_json(std::mt19937& engine, int depth);
 
 } // namespace json_testing

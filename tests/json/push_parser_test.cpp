@@ -3,74 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <clocale>
-#include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <functional>
-#include <iterator>
 #include <regex>
-#include <unistd.h>
-#include <vector>
 
 using namespace quillon;
 using namespace json_testing;
 
 namespace {
-
-// --- Corpus: the verdict is in the file's name, as accept_NAME, with the tree in NAME.tree, or
-// reject_CODE_LINE_COLUMN_NAME; line 0 means that the parser itself found nothing wrong. "comments"
-// in the name allows them.
-
-std::vector<std::filesystem::path> corpus() {
-    std::vector<std::filesystem::path> paths;
-    for (const auto& entry : std::filesystem::directory_iterator(JSON_CORPUS))
-        if (entry.path().extension() == ".json")
-            paths.push_back(entry.path());
-    return paths;
-}
-
-std::string content(const std::filesystem::path& path) {
-    std::ifstream stream(path, std::ios::binary);
-    EXPECT_TRUE(stream) << path;
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-class Corpus : public testing::TestWithParam<std::filesystem::path> {};
-
-TEST_P(Corpus, VerdictHoldsForEveryWayToRead) {
-    const std::string path = GetParam().string();
-    const cson_read_options options{25, path.find("comments") != std::string::npos};
-    const std::string text = content(path);
-    const Outcome outcome = outcome_of([&](cson_value** out, cson_read_info* info) {
-        return cson_read_path(out, path.c_str(), &options, info);
-    });
-    EXPECT_EQ(text_of(outcome), text_of(read_bytewise(text, options)));
-    EXPECT_EQ(text_of(outcome), text_of(read_whole(text, options)));
-    const cson_read_info& info = outcome.info;
-    const std::string name = GetParam().stem().string();
-    std::smatch verdict;
-    if (!std::regex_match(name, verdict, std::regex("reject_(\\d+)_(\\d+)_(\\d+)_.*"))) {
-        EXPECT_EQ(cson_OK, outcome.code);
-        EXPECT_EQ(text.size(), info.length);
-        const auto expected = std::filesystem::path(path).replace_extension(".tree");
-        EXPECT_EQ(content(expected), tree_text(outcome.value.get()) + "\n");
-        return;
-    }
-    EXPECT_STREQ(cson_error_name(std::stoi(verdict[1])), cson_error_name(outcome.code));
-    EXPECT_EQ(nullptr, outcome.value);
-    const bool by_parser = verdict[2] != "0";
-    EXPECT_EQ(by_parser ? outcome.code : 0, static_cast<int>(info.error_code));
-    EXPECT_TRUE(!by_parser ||
-                (std::stoul(verdict[2]) == info.line && std::stoul(verdict[3]) == info.column))
-        << info.line << ":" << info.column;
-}
-
-INSTANTIATE_TEST_SUITE_P(Json, Corpus, testing::ValuesIn(corpus()),
-                         [](const auto& instance) { return instance.param.stem().string(); });
-
-// --- Push parser -------------------------------------------------------------------------------
 
 // Records its events as a text: codes, with an integer, float or text after a colon.
 struct Parser {
@@ -284,133 +224,6 @@ TEST(PushParser, Blankness) {
     EXPECT_NE(0, cson_push_parser_is_blank(""));
     EXPECT_NE(0, cson_push_parser_is_blank(" \t\r\n"));
     EXPECT_EQ(0, cson_push_parser_is_blank(" \v"));
-}
-
-// --- Reading -----------------------------------------------------------------------------------
-
-TEST(Read, ArgumentsAreChecked) {
-    cson_value* out = nullptr;
-    cson_buffer buffer;
-    EXPECT_EQ(cson_ArgError, cson_read_text(nullptr, "[]", 2, nullptr, nullptr));
-    EXPECT_EQ(cson_ArgError, cson_read_text(&out, nullptr, 2, nullptr, nullptr));
-    EXPECT_EQ(cson_RangeError, cson_read_text(&out, "[", 1, nullptr, nullptr));
-    EXPECT_EQ(cson_RangeError, cson_read_text(&out, "\0]", 2, nullptr, nullptr));
-    EXPECT_EQ(cson_ArgError, cson_read(&out, nullptr, nullptr, nullptr, nullptr));
-    EXPECT_EQ(cson_ArgError, cson_read_stream(&out, nullptr, nullptr, nullptr));
-    EXPECT_EQ(cson_ArgError, cson_read_path(&out, nullptr, nullptr, nullptr));
-    EXPECT_EQ(cson_IOError, cson_read_path(&out, "no such file", nullptr, nullptr));
-    EXPECT_EQ(cson_IOError, cson_read_path(&out, JSON_CORPUS, nullptr, nullptr)) << "a folder";
-    EXPECT_EQ(cson_ArgError, cson_read_buffer(&out, &buffer, nullptr, nullptr));
-    EXPECT_EQ(nullptr, out);
-}
-
-TEST(Read, OptionsHoldForEveryWayToRead) {
-    const struct {
-        const char* text;
-        std::uint16_t max_depth;
-        int code;
-    } rows[] = {{"[[1/**/]]", 2, cson_OK},
-                {"[[[1]]]", 2, cson_Parse_NESTING_DEPTH_REACHED},
-                {"[[1]]", 0, cson_Parse_NESTING_DEPTH_REACHED}};
-
-    for (const auto& row : rows) {
-        std::string text = row.text;
-        const cson_read_options options{row.max_depth, 1};
-        const cson_buffer buffer{8, static_cast<std::uint32_t>(text.size()), 0,
-                                 reinterpret_cast<unsigned char*>(text.data())};
-        const Outcome outcome = outcome_of([&](cson_value** out, cson_read_info* info) {
-            return cson_read_buffer(out, &buffer, &options, info);
-        });
-        EXPECT_EQ(row.code, outcome.code);
-        EXPECT_EQ(text_of(outcome), text_of(read_whole(text, options)));
-        EXPECT_EQ(text_of(outcome), text_of(read_bytewise(text, options)));
-    }
-}
-
-// A reading asks for no byte after the one that ends it.
-TEST(Read, StreamIsLeftAfterTheLastByteAskedFor) {
-    const struct {
-        const char* text;
-        int code;
-        long position;
-    } rows[] = {{"..[x,1]...", cson_Parse_UNBALANCED_COLLECTION, 4},
-                {"..[1]  tail", cson_Parse_INVALID_CHAR, 8},
-                {"..[1,\n[]] \n", cson_OK, 11},
-                {"..[1", cson_Parse_UNBALANCED_COLLECTION, 4},
-                {"..", cson_UnknownError, 2}};
-
-    for (const auto& row : rows) {
-        std::FILE* stream = std::tmpfile();
-        std::fputs(row.text, stream);
-        std::fseek(stream, 2, SEEK_SET);
-        cson_value* out = nullptr;
-        EXPECT_EQ(row.code, cson_read_stream(&out, stream, nullptr, nullptr)) << row.text;
-        EXPECT_EQ(row.position, std::ftell(stream)) << row.text;
-        cson_value_release(out);
-        std::fclose(stream);
-    }
-}
-
-TEST(Read, PipeWhoseWriterWaitsGetsItsAnswer) {
-    int ends[2];
-    ASSERT_EQ(0, pipe(ends));
-    ASSERT_EQ(2, write(ends[1], "[x", 2));
-    std::FILE* stream = fdopen(ends[0], "r");
-    cson_value* out = nullptr;
-    EXPECT_EQ(cson_Parse_UNBALANCED_COLLECTION, cson_read_stream(&out, stream, nullptr, nullptr));
-    std::fclose(stream);
-    close(ends[1]);
-}
-
-TEST(Read, InfoGoesOnFromTheCallersRecord) {
-    Outcome outcome;
-    outcome.info = {7, 3, 100, 15, 9, 9};
-    cson_value* out = nullptr;
-    outcome.code = cson_read_text(&out, "{\"a\":[1,2]}", 11, nullptr, &outcome.info);
-    outcome.value.reset(out);
-    EXPECT_EQ("0 7 14 111 0 1 4 {\"a\":[1 2 of 7] of 5}", text_of(outcome));
-    const cson_kvp* pair = cson_value_object(out)->list.items[0];
-    EXPECT_EQ(0u, out->refcount);
-    EXPECT_EQ(1u, pair->key->refcount);
-    EXPECT_EQ(1u, pair->value->refcount);
-}
-
-TEST(Read, ReadersCodeEndsIt) {
-    const auto fail_third = [](void* state, void* destination, std::uint32_t* count) -> int {
-        EXPECT_EQ(1u, *count);
-        *static_cast<char*>(destination) = '[';
-        return ++*static_cast<int*>(state) == 3 ? cson_NYIError : cson_OK;
-    };
-    int calls = 0;
-    cson_value* out = nullptr;
-    cson_read_info info;
-    EXPECT_EQ(cson_NYIError, cson_read(&out, fail_third, &calls, nullptr, &info));
-    EXPECT_EQ(2u, info.length);
-    EXPECT_EQ(0u, info.error_code);
-}
-
-// A comma as decimal point on both sides; and one of several bytes, of which the first alone comes
-// before the conversion. `scripts/setup test` makes both locales.
-TEST(Locale, DecimalPoint) {
-    const struct {
-        const char* locale;
-        const char* written;
-        const char* tree;
-    } rows[] = {{"de_DE.UTF-8", "[1,5, -22,5, 2,, 100000000000000000000,]",
-                 "[0x1.8p+0 -0x1.68p+4 0x1p+1 0x1.5af1d78b58c4p+66 of 7]"},
-                {"ps_AF.UTF-8", nullptr, "[0x1p+0 -0x1p+1 0x1p+1 0x1.5af1d78b58c4p+66 of 7]"}};
-
-    for (const auto& row : rows) {
-        ASSERT_NE(nullptr, std::setlocale(LC_NUMERIC, row.locale)) << row.locale;
-        const std::string text = "[1.5,-2.25e1,2.0,1e20]";
-        const Outcome whole = read_whole(text);
-        const Outcome bytewise = read_bytewise(text);
-        const std::string written = text_of(whole.value.get());
-        std::setlocale(LC_NUMERIC, "C");
-        EXPECT_EQ(row.tree, tree_text(whole.value.get()));
-        EXPECT_EQ(row.tree, tree_text(bytewise.value.get()));
-        EXPECT_TRUE(row.written == nullptr || row.written == written) << written;
-    }
 }
 
 } // namespace

@@ -156,7 +156,7 @@ Value tree_with_bytes(std::mt19937& engine) {
         bytes += static_cast<char>(engine() % 3 != 0 ? 'a' : engine() % 0x100);
     const auto length = static_cast<std::uint32_t>(bytes.size());
     cson_array* array = cson_value_array(value.get());
-    cson_array_push(array, random_tree(engine, 2).release());
+    cson_array_push(array, tree(random_json(engine, 2)).release());
     cson_array_push(array, cson_value_from_text(bytes.data(), length));
     return value;
 }
