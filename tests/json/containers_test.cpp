@@ -329,7 +329,7 @@ Value chain(int doublings) {
 }
 
 TEST(Deep, NothingRecurses) {
-    constexpr int doublings = 20; // a recursion would fill the stack with 16 bytes for each
+    constexpr int doublings = 20; // 16 bytes of stack for each object would be too many
     const Value root = chain(doublings);
     const Value copy(cson_value_copy(root.get()));
     ASSERT_NE(nullptr, copy);

@@ -2,7 +2,6 @@
 
 #include "quillon/json/record.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <iterator>
 #include <stdexcept>
