@@ -138,10 +138,9 @@ int cson_object_from_args(int argc, const char* const* argv, cson_object** targe
         return cson_ArgError;
     const bool is_new = *target == nullptr;
     cson_object* object = is_new ? cson_value_object(cson_value_make_object()) : *target;
-    if (object == nullptr)
-        return cson_AllocError;
     std::uint32_t put = 0;
-    const int code = put_arguments(object, argc, argv, put);
+    const int code =
+        object != nullptr ? put_arguments(object, argc, argv, put) : int{cson_AllocError};
     if (count != nullptr)
         *count = put;
     if (code == cson_OK)
