@@ -44,7 +44,7 @@ private:
     using Clock = std::chrono::steady_clock;
 
     struct CloseDevice {
-        void operator()(ALCdevice* opened) const { alcCloseDevice(opened); }
+        void operator()(ALCdevice* unused) const { alcCloseDevice(unused); }
     };
 
     struct DestroyContext {
