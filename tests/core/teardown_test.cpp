@@ -4,28 +4,14 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
-
-#include <unistd.h>
 
 using testing::ElementsAre;
 
 namespace {
 
-long open_files() {
-    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
-}
-
-double resident_mebibytes() {
-    long pages[2];
-    std::ifstream("/proc/self/statm") >> pages[0] >> pages[1];
-    return static_cast<double>(pages[1] * sysconf(_SC_PAGESIZE)) / (1024 * 1024);
-}
-
-void run_cycles(int count) {
-    for (int i = 0; i < count; ++i)
-        EXPORT_OF(LoadedLibrary(), __mCore_open)();
+// Runs a program of the build folder and returns its status.
+int run(const std::string& command) {
+    return std::system((PROGRAM_FOLDER "/" + command).c_str());
 }
 
 } // namespace
@@ -73,25 +59,12 @@ TEST(Teardown, AnOrdinaryExitShutsDownBeforeStaticObjectsDie) {
         SCOPED_TRACE(mode);
         const Host folder({"all_five", "tool"});
         copy_fixture("late/idle.so", "serves_nothing");
-        EXPECT_EQ(
-            std::system((PROGRAM_FOLDER "/linked_host 2> trace " + std::string(mode)).c_str()), 0);
+        EXPECT_EQ(run("linked_host 2> trace " + std::string(mode)), 0);
         EXPECT_EQ(text_of("trace"), expected);
     }
 }
 
 TEST(Teardown, ThousandCyclesLeaveNothing) {
-    Host host({"all_five", "needs_graphics", "refuses"});
-    host.unload();
-    testing::internal::CaptureStdout();
-    run_cycles(50);
-    const long files = open_files();
-    const double memory = resident_mebibytes();
-    run_cycles(1000);
-    const long more_files = open_files() - files;
-    const double more_memory = resident_mebibytes() - memory;
-    testing::internal::GetCapturedStdout();
-    EXPECT_EQ(more_files, 0);
-    EXPECT_LT(more_memory, MOST_GROWTH);
-    EXPECT_FALSE(is_mapped("libquillon"));
-    EXPECT_FALSE(is_mapped(std::filesystem::current_path()));
+    const Host folder({"all_five", "needs_graphics", "refuses"});
+    EXPECT_EQ(run("reloading_host > /dev/null"), 0);
 }
