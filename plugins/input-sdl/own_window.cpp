@@ -28,6 +28,8 @@ void OwnWindow::handle(const SDL_WindowEvent& event) {
 }
 
 void OwnWindow::paint() const {
+    // A plain window needs no graphics driver, which SDL would load to copy the surface.
+    SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");
     SDL_Surface* const surface = SDL_GetWindowSurface(window);
     if (surface == nullptr)
         return;
