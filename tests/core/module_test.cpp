@@ -44,11 +44,13 @@ auto offsets(Members... members) {
 // The other five are the ones that a plug-in connects.
 TEST(Modules, EachAccessorReturnsOneObject) {
     const LoadedLibrary library;
-    for (const char* name : {"__mCore_instance", "__mPhysics_instance", "__mFileOps_instance"}) {
-        auto* const instance = library.function<void*()>(name);
-        EXPECT_NE(instance(), nullptr) << name;
-        EXPECT_EQ(instance(), instance()) << name;
-    }
+    const auto expect_one = [](auto* accessor) {
+        EXPECT_NE(accessor(), nullptr);
+        EXPECT_EQ(accessor(), accessor());
+    };
+    expect_one(EXPORT_OF(library, __mCore_instance));
+    expect_one(EXPORT_OF(library, __mPhysics_instance));
+    expect_one(EXPORT_OF(library, __mFileOps_instance));
 }
 
 TEST(Modules, ViewsSeeTheTableOfTheirModule) {
