@@ -26,12 +26,12 @@ public:
 
     SoundHandle add_sound(std::span<const std::int16_t> samples, std::uint32_t channels,
                           std::uint32_t frames_per_second);
-    void release_sound(SoundHandle sound);
+    void release_sound(SoundHandle handle);
 
-    VoiceHandle play(SoundHandle sound, const Playing& playing);
-    void change(VoiceHandle voice, const Playing& playing);
-    bool is_playing(VoiceHandle voice);
-    void stop(VoiceHandle voice);
+    VoiceHandle play(SoundHandle handle, const Playing& playing);
+    void change(VoiceHandle handle, const Playing& playing);
+    bool is_playing(VoiceHandle handle);
+    void stop(VoiceHandle handle);
 
     void set_listener(const cVector3D& position, const cVector3D& velocity,
                       const cMatrix3D& orientation);

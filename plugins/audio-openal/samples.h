@@ -16,6 +16,6 @@ struct Samples {
 //
 // Throws Failure for a file that cannot be read, for one that has no samples or more than 256 MiB
 // of them, and for one of more than two channels.
-Samples read_sound(const char* file);
+Samples read_sound(const char* name);
 
 } // namespace quillon::audio_openal

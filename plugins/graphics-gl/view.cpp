@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <stdexcept>
+#include <utility>
 
 namespace quillon::graphics_gl {
 namespace {
@@ -21,7 +22,7 @@ float to_linear(float component) {
 
 } // namespace
 
-View::View(const Camera& seen_from, double aspect) : camera(seen_from) {
+View::View(Camera seen_from, double aspect) : camera(std::move(seen_from)) {
     const double angle = camera.vertical_field_of_view;
     if (!(angle > 0.0 && angle < HALF_TURN))
         throw std::runtime_error("the camera's field of view is not between 0 and half a turn");

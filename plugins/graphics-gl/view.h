@@ -20,7 +20,7 @@ public:
     View() = default;
 
     // Throws std::runtime_error for a camera that sees nothing. `aspect` is width by height.
-    View(const Camera& seen_from, double aspect);
+    View(Camera seen_from, double aspect);
 
     Float3 relative(const cVector3D& place) const;
 

@@ -25,8 +25,8 @@ public:
     ~Session() { leave(); }
 
     // `address` is the one to listen on; null for all of this machine's.
-    void host(const char* address, std::uint16_t port, std::uint32_t max_peers,
-              std::uint32_t protocol);
+    void host(const char* address, std::uint16_t port, std::uint32_t peer_count,
+              std::uint32_t game_protocol);
     PeerHandle join(const char* address, std::uint16_t port, std::uint32_t protocol,
                     double seconds);
     void leave();
@@ -35,7 +35,7 @@ public:
     void send(PeerHandle handle, std::span<const std::uint8_t> data, bool reliable);
     bool poll(NetworkEvent& event);
 
-    std::uint32_t get_peers(PeerHandle* peers, std::uint32_t capacity) const;
+    std::uint32_t get_peers(PeerHandle* handles, std::uint32_t capacity) const;
     double get_round_trip(PeerHandle handle) const;
     std::uint16_t get_port() const;
     void get_traffic(std::uint64_t& sent, std::uint64_t& received) const;

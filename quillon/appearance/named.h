@@ -26,20 +26,20 @@ constexpr std::uint32_t upper_case_key(std::string_view name) {
 }
 
 // The name_hash of every row's name, computed by the compiler.
-template <typename Row, std::size_t N, typename NameOf = std::identity>
-consteval std::array<std::uint32_t, N> keys_of(const std::array<Row, N>& rows,
-                                               NameOf name_of = {}) {
-    std::array<std::uint32_t, N> keys{};
-    for (std::size_t i = 0; i < N; ++i)
+template <typename Row, std::size_t count, typename NameOf = std::identity>
+consteval std::array<std::uint32_t, count> keys_of(const std::array<Row, count>& rows,
+                                                   NameOf name_of = {}) {
+    std::array<std::uint32_t, count> keys{};
+    for (std::size_t i = 0; i < count; ++i)
         keys[i] = name_hash(std::invoke(name_of, rows[i]));
     return keys;
 }
 
 // The row whose key is `key`, or null; names are not compared.
-template <typename Row, std::size_t N>
-constexpr const Row* find_by_key(const std::array<std::uint32_t, N>& keys,
-                                 const std::array<Row, N>& rows, std::uint32_t key) {
-    for (std::size_t i = 0; i < N; ++i)
+template <typename Row, std::size_t count>
+constexpr const Row* find_by_key(const std::array<std::uint32_t, count>& keys,
+                                 const std::array<Row, count>& rows, std::uint32_t key) {
+    for (std::size_t i = 0; i < count; ++i)
         if (keys[i] == key)
             return &rows[i];
     return nullptr;

@@ -91,13 +91,15 @@ public:
     cMessageRouter router; // the library's only one
 
     // For host code, which reaches them through the paired views.
-    std::uintptr_t firstWord;
-    std::uintptr_t secondWord;
+    std::uintptr_t first_word;
+    std::uintptr_t second_word;
 
     std::unique_ptr<cInterfaceView> view0 = detail::view_of(interface);
-    std::unique_ptr<cPairedInterfaceView> view1 = detail::view_of(firstWord, secondWord, interface);
+    std::unique_ptr<cPairedInterfaceView> view1 =
+        detail::view_of(first_word, second_word, interface);
     std::unique_ptr<cInterfaceView> view2 = detail::view_of(interface);
-    std::unique_ptr<cPairedInterfaceView> view3 = detail::view_of(firstWord, secondWord, interface);
+    std::unique_ptr<cPairedInterfaceView> view3 =
+        detail::view_of(first_word, second_word, interface);
     std::unique_ptr<cInterfaceView> view4 = detail::view_of(interface);
     std::unique_ptr<cInterfaceView> view5 = detail::view_of(interface);
     std::unique_ptr<cInterfaceView> view6 = detail::view_of(interface);
@@ -174,7 +176,7 @@ public:
     virtual ~modNetwork() { ::operator delete(interface); }
 
     bool statusFlag = false; // for host code, like the next word
-    std::uintptr_t spareWord;
+    std::uintptr_t spare_word;
     void** interface = nullptr;
     std::unique_ptr<cInterfaceView> view0 = detail::view_of(interface);
     std::unique_ptr<cInterfaceView> view1 = detail::view_of(interface);

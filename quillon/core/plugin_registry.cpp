@@ -35,8 +35,8 @@ std::uint32_t __mCore_get_plugin_count() {
 
 std::int16_t __mCore_get_first_valid_plugin(const char* purpose, const char* compatibility) {
     // Further plug-ins have no index.
-    constexpr std::uint32_t INDEX_LIMIT = std::numeric_limits<std::int16_t>::max() + 1;
-    for (std::uint32_t i = 0; i < plugins().count() && i < INDEX_LIMIT; ++i) {
+    constexpr std::uint32_t index_limit = std::numeric_limits<std::int16_t>::max() + 1;
+    for (std::uint32_t i = 0; i < plugins().count() && i < index_limit; ++i) {
         const cPlugin* const plugin = plugins().get(i);
         if (plugin != nullptr && matches(*plugin, purpose, compatibility))
             return static_cast<std::int16_t>(i);

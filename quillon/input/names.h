@@ -37,7 +37,7 @@ private:
 using Text = std::array<char, 20>;
 
 // Appends texts to a table. One too long or too many fails to compile, and so does one missing.
-template <std::size_t Count>
+template <std::size_t count>
 class Writer {
 public:
     constexpr void row(std::initializer_list<std::string_view> parts) {
@@ -75,12 +75,12 @@ public:
                 row({device, "Hat ", Number(hat), direction});
     }
 
-    constexpr std::array<Text, Count> finish() const {
-        return used == Count ? texts : throw "a table has too few rows";
+    constexpr std::array<Text, count> finish() const {
+        return used == count ? texts : throw "a table has too few rows";
     }
 
 private:
-    std::array<Text, Count> texts{};
+    std::array<Text, count> texts{};
     std::size_t used = 0;
 };
 
@@ -146,17 +146,17 @@ inline constexpr auto PAD = make_pad();
 inline constexpr auto PAD_AXIS = make_pad_axes();
 inline constexpr auto LOGIC = make_logic();
 
-template <std::size_t Count>
-constexpr std::array<const char*, Count> rows_of(const std::array<Text, Count>& texts) {
-    std::array<const char*, Count> rows{};
-    for (std::size_t row = 0; row < Count; ++row)
+template <std::size_t count>
+constexpr std::array<const char*, count> rows_of(const std::array<Text, count>& texts) {
+    std::array<const char*, count> rows{};
+    for (std::size_t row = 0; row < count; ++row)
         rows[row] = texts[row].data();
     return rows;
 }
 
-template <std::size_t Count>
-constexpr std::int16_t find(const std::array<const char*, Count>& table, std::string_view name) {
-    for (std::size_t row = 0; row < Count; ++row)
+template <std::size_t count>
+constexpr std::int16_t find(const std::array<const char*, count>& table, std::string_view name) {
+    for (std::size_t row = 0; row < count; ++row)
         if (name == table[row])
             return static_cast<std::int16_t>(row);
     return NO_INPUT;
@@ -180,9 +180,9 @@ inline constexpr auto pad_axis_names = input_names::rows_of(input_names::PAD_AXI
 inline constexpr auto input_logic_names = input_names::rows_of(input_names::LOGIC);
 
 // The row at `code`, or INVALID_INPUT_NAME for one that the table does not have.
-template <std::size_t Count>
-constexpr const char* name_at(const std::array<const char*, Count>& table, int code) {
-    const bool inside = code >= 0 && code < static_cast<int>(Count);
+template <std::size_t count>
+constexpr const char* name_at(const std::array<const char*, count>& table, int code) {
+    const bool inside = code >= 0 && code < static_cast<int>(count);
     return inside ? table[static_cast<std::size_t>(code)] : INVALID_INPUT_NAME;
 }
 

@@ -44,8 +44,9 @@ std::string start_display() {
     std::FILE* const server = popen("exec setpriv --pdeathsig TERM Xvfb -displayfd 1 -screen 0 "
                                     "640x480x24 -nolisten tcp -nocursor",
                                     "r");
-    int number = 0;
-    return std::fscanf(server, "%d", &number) == 1 ? ":" + std::to_string(number) : "";
+    std::array<char, 16> number{};
+    const bool is_up = std::fgets(number.data(), number.size(), server) != nullptr;
+    return is_up ? ":" + std::to_string(std::stoi(number.data())) : "";
 }
 
 // One host for all tests, with the plug-ins of the build tree.
@@ -64,7 +65,7 @@ public:
     }
 };
 
-const auto* const host = testing::AddGlobalTestEnvironment(new Host);
+const auto* const HOST = testing::AddGlobalTestEnvironment(new Host);
 
 // Updates once a frame until `seen`, for at most five seconds.
 bool eventually(const std::function<bool()>& seen) {
@@ -213,20 +214,20 @@ TEST_F(SdlEvents, HostThatPollsTheQueueTakesNoKeyAndLosesNone) {
 }
 
 TEST_F(SdlEvents, ComeFromAnyThread) {
-    constexpr int MOTIONS = 2000;
+    constexpr int motions = 2000;
     std::thread mouse([] {
         SDL_Event motion{.type = SDL_MOUSEMOTION};
         motion.motion.xrel = 1;
-        for (int i = 0; i < MOTIONS; ++i)
+        for (int i = 0; i < motions; ++i)
             push(motion);
     });
     float moved = 0;
     EXPECT_TRUE(eventually([&] {
         moved += __mInput_instance()->axis_value(quillon::MOUSE_X);
-        return moved >= MOTIONS;
+        return moved >= motions;
     }));
     mouse.join();
-    EXPECT_EQ(MOTIONS, moved);
+    EXPECT_EQ(motions, moved);
 }
 
 TEST_F(SdlEvents, TooManyBetweenUpdatesReleaseAllKeys) {
