@@ -29,10 +29,12 @@ if(QUILLON_SANITIZE)
     add_compile_options(-fsanitize=${QUILLON_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     add_link_options(-fsanitize=${QUILLON_SANITIZE})
 endif()
-# Clang links its runtime into each program, with an operator new; tests that count allocations have
-# their own, which comes first and is taken.
+# Where clang links C++ it puts an operator new of the sanitizer into each program, before the one of a
+# test that counts allocations or lets them fail; so it links as for C. The library's own operator new
+# calls malloc, which the sanitizer watches.
 if(QUILLON_SANITIZE STREQUAL "thread" AND CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
-    add_link_options(LINKER:--allow-multiple-definition)
+    add_link_options(--driver-mode=gcc)
+    string(APPEND CMAKE_CXX_STANDARD_LIBRARIES " -lstdc++ -lm")
 endif()
 
 # Flags that the results, the speed and the unloading of `target` rest on. Contraction travels to the
