@@ -24,26 +24,23 @@ static_assert(!std::is_convertible_v<cMaterial*, quillon::cSerializable*>);
 static_assert(!std::has_virtual_destructor_v<cMaterial> && !std::has_virtual_destructor_v<cLight>);
 
 #pragma GCC diagnostic ignored "-Winvalid-offsetof"
-constexpr std::size_t FIELDS_OF_COLOR[] = {offsetof(cColor, r), offsetof(cColor, g),
-                                           offsetof(cColor, b), offsetof(cColor, a)};
-constexpr std::size_t FIELDS_OF_LIGHT[] = {offsetof(cLight, diffuse),
-                                           offsetof(cLight, specular),
-                                           offsetof(cLight, ambient),
-                                           offsetof(cLight, position),
-                                           offsetof(cLight, direction),
-                                           offsetof(cLight, spot_cutoff),
-                                           offsetof(cLight, spot_exponent),
-                                           offsetof(cLight, constant_attenuation),
-                                           offsetof(cLight, linear_attenuation),
-                                           offsetof(cLight, quadratic_attenuation),
-                                           offsetof(cLight, intensity),
-                                           offsetof(cLight, light_flag)};
-constexpr std::size_t FIELDS_OF_MATERIAL[] = {
-    offsetof(cMaterial, ambient), offsetof(cMaterial, diffuse), offsetof(cMaterial, specular),
-    offsetof(cMaterial, emission), offsetof(cMaterial, shininess)};
-static_assert(FIELDS_OF_COLOR[0] == sizeof(void*) && std::ranges::is_sorted(FIELDS_OF_COLOR));
-static_assert(FIELDS_OF_LIGHT[0] == sizeof(void*) && std::ranges::is_sorted(FIELDS_OF_LIGHT));
-static_assert(FIELDS_OF_MATERIAL[0] == sizeof(void*) && std::ranges::is_sorted(FIELDS_OF_MATERIAL));
+
+constexpr bool are_in_order(auto... offsets) {
+    return std::ranges::is_sorted(std::array{sizeof(void*), offsets...});
+}
+
+static_assert(are_in_order(offsetof(cColor, r), offsetof(cColor, g), offsetof(cColor, b),
+                           offsetof(cColor, a)));
+static_assert(are_in_order(offsetof(cLight, diffuse), offsetof(cLight, specular),
+                           offsetof(cLight, ambient), offsetof(cLight, position),
+                           offsetof(cLight, direction), offsetof(cLight, spot_cutoff),
+                           offsetof(cLight, spot_exponent), offsetof(cLight, constant_attenuation),
+                           offsetof(cLight, linear_attenuation),
+                           offsetof(cLight, quadratic_attenuation), offsetof(cLight, intensity),
+                           offsetof(cLight, light_flag)));
+static_assert(are_in_order(offsetof(cMaterial, ambient), offsetof(cMaterial, diffuse),
+                           offsetof(cMaterial, specular), offsetof(cMaterial, emission),
+                           offsetof(cMaterial, shininess)));
 static_assert(offsetof(quillon::cGradient, name) == 0);
 
 // The bytes of the parts, one after the other.

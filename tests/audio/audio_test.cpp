@@ -1,6 +1,7 @@
 // The plug-in "audio-openal", rendered into memory.
 #include "plugins/contracts/audio.h"
 #include "tests/plugins/loaded_plugin.h"
+#include "tests/scratch_folder.h"
 
 #include <gmock/gmock.h>
 
@@ -13,7 +14,6 @@
 #include <numbers>
 #include <thread>
 #include <tuple>
-#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -157,23 +157,17 @@ TEST_F(Sounds, VoicesEndWithTheirSoundAndFollowChanges) {
     EXPECT_NE(voice, audio->play(tone, {})) << "a handle is not used for another voice";
 }
 
-class SoundFiles : public Sounds {
+class SoundFiles : public Sounds, ScratchFolder {
 protected:
-    SoundFiles() { std::filesystem::create_directory(folder); }
-
-    ~SoundFiles() override { std::filesystem::remove_all(folder); }
-
-    std::string write(const std::string& name, int format, int channels, sf_count_t frames) {
+    static std::string write(const std::string& name, int format, int channels, sf_count_t frames) {
         SF_INFO info{0, 22050, channels, format, 0, 0};
-        SNDFILE* const out = sf_open((folder + name).c_str(), SFM_WRITE, &info);
+        SNDFILE* const out = sf_open(name.c_str(), SFM_WRITE, &info);
         sf_command(out, SFC_SET_SCALE_INT_FLOAT_WRITE, nullptr, SF_TRUE);
         const auto samples = sine(11025, static_cast<std::uint32_t>(channels));
         EXPECT_EQ(frames, sf_writef_short(out, samples.data(), frames));
         sf_close(out);
-        return folder + name;
+        return name;
     }
-
-    const std::string folder = testing::TempDir() + "quillon-" + std::to_string(getpid()) + "/";
 };
 
 TEST_F(SoundFiles, OfAllFormatsLoadWhole) {
@@ -197,13 +191,13 @@ TEST_F(SoundFiles, OfAllFormatsLoadWhole) {
 }
 
 TEST_F(SoundFiles, ThatCannotBePlayedSayWhy) {
-    std::ofstream(folder + "text.wav") << "hello";
+    std::ofstream("text.wav") << "hello";
 
     constexpr int WAV = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
     const std::pair<std::string, const char*> rows[] = {
-        {folder + "nothing.wav", "nothing.wav': No such file or directory"},
+        {"nothing.wav", "nothing.wav': No such file or directory"},
         {"/dev/zero", "cannot read '/dev/zero': not a file"},
-        {folder + "text.wav", "text.wav': "},
+        {"text.wav", "text.wav': "},
         {write("three.wav", WAV, 3, 100), "3 channels; 1 or 2"},
         {write("empty.wav", WAV, 1, 0), "it has no samples"}};
 

@@ -1,8 +1,6 @@
 #include "loaded_library.h"
 
-#include <cstdlib>
 #include <fstream>
-#include <iterator>
 #include <stdexcept>
 
 namespace fs = std::filesystem;
@@ -16,17 +14,6 @@ void pass_on(const std::string& event) {
 }
 
 } // namespace
-
-ScratchFolder::ScratchFolder() {
-    std::string name = (fs::temp_directory_path() / "quillon-XXXXXX").string();
-    fs::current_path(mkdtemp(name.data()));
-}
-
-ScratchFolder::~ScratchFolder() {
-    const fs::path folder = fs::current_path();
-    fs::current_path(before);
-    fs::remove_all(folder);
-}
 
 std::vector<std::string> Host::events(const std::string& unwanted) {
     std::vector<std::string> lines;
@@ -57,11 +44,6 @@ void copy_fixtures(const std::vector<std::string>& names, const std::string& fol
     int number = 0;
     for (const std::string& name : names)
         copy_fixture(folder + "/" + std::to_string(number++) + "_" + name + ".so", name);
-}
-
-std::string text_of(const fs::path& file) {
-    std::ifstream stream(file);
-    return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 bool is_mapped(const std::string& text) {

@@ -4,6 +4,7 @@
 #include "quillon/core/modules.h"
 #include "quillon/core/plugin_registry.h"
 #include "quillon/core/worker.h"
+#include "tests/scratch_folder.h"
 
 #include <filesystem>
 #include <functional>
@@ -35,16 +36,6 @@ private:
     std::unique_ptr<void, int (*)(void*)> handle;
 };
 
-// Makes a fresh folder the current one as long as it lives.
-class ScratchFolder {
-public:
-    ScratchFolder();
-    ~ScratchFolder();
-
-private:
-    std::filesystem::path before = std::filesystem::current_path();
-};
-
 // Copies a fixture to `file`.
 void copy_fixture(const std::filesystem::path& file, const std::string& name);
 
@@ -70,8 +61,6 @@ struct Host : ScratchFolder, LoadedLibrary {
     decltype(&__mCore_get_plugin_function) plugin_function =
         EXPORT_OF(*this, __mCore_get_plugin_function);
 };
-
-std::string text_of(const std::filesystem::path& file);
 
 // Whether a mapping of this process names `text`.
 bool is_mapped(const std::string& text);

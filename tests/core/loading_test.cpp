@@ -55,7 +55,8 @@ TEST(Loading, RefusesFilesThatAreNoLibrariesAndGoesOn) {
         });
 }
 
-TEST(Loading, ARefusedFileIsNamedBeforeItIsReleased) {
+TEST(Loading, APluginIsAskedForItsNameOnceAndReleasedAfterItsLine) {
+    EXPECT_EQ(scan(Host({"tells_questions"}), "plugin"), "asked\nloading plugin: Asked\n");
     EXPECT_EQ(scan(Host({"says_farewell"}), "plugin"),
               "ERROR: Attempt to load module 0_says_farewell.so failed\nfarewell\n");
 }

@@ -1,9 +1,10 @@
 #include "quillon/files/files.h"
 
+#include "tests/scratch_folder.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -24,53 +25,38 @@ namespace {
 namespace fs = std::filesystem;
 
 // A folder of its own for each test, which the test runs in; "folder" and "pipe" are there.
-class Files : public testing::Test {
+class Files : public testing::Test, ScratchFolder {
 protected:
     Files() {
-        fs::current_path(mkdtemp(name.data()));
         fs::create_directory("folder");
         EXPECT_EQ(0, mkfifo("pipe", 0600));
-    }
-
-    ~Files() override {
-        fs::current_path(before);
-        fs::remove_all(name);
     }
 
     static void write(const std::string& path, const std::string& bytes) {
         std::ofstream(path, std::ios::binary) << bytes;
     }
 
-    static std::string read(const std::string& path) {
-        std::ifstream file(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
-
     // The text that create_string returns; nothing for null.
-    static std::optional<std::string> text_of(const std::string& path) {
+    static std::optional<std::string> string_from(const std::string& path) {
         const std::unique_ptr<char[]> text(__mFileOps_create_string_from_file(path.c_str()));
         return text != nullptr ? std::optional<std::string>(text.get()) : std::nullopt;
     }
-
-private:
-    fs::path before = fs::current_path();
-    std::string name = fs::temp_directory_path() / "quillon_files_XXXXXX";
 };
 
 TEST_F(Files, TextIsReadToTheLengthOfTheFile) {
     for (const std::string& bytes :
          {std::string(), std::string("one\ntwo\n"), std::string(100'000, 'x')}) {
         write("text", bytes);
-        EXPECT_EQ(bytes, text_of("text"));
+        EXPECT_EQ(bytes, string_from("text"));
     }
-    EXPECT_EQ("", text_of("/dev/zero")); // endless, and without a length
-    EXPECT_EQ("", text_of("/proc/self/status"));
+    EXPECT_EQ("", string_from("/dev/zero")); // endless, and without a length
+    EXPECT_EQ("", string_from("/proc/self/status"));
 }
 
 TEST_F(Files, TextThatCannotBeReadIsRefusedWithOneLine) {
     for (const std::string path : {"missing", "folder", "pipe"}) {
         testing::internal::CaptureStderr();
-        EXPECT_EQ(std::nullopt, text_of(path));
+        EXPECT_EQ(std::nullopt, string_from(path));
         EXPECT_EQ("Can't open file '" + path + "' for reading\n",
                   testing::internal::GetCapturedStderr());
     }
@@ -80,7 +66,7 @@ TEST_F(Files, TextThatCannotBeReadIsRefusedWithOneLine) {
     if (failed)
         GTEST_SKIP() << "the file system has no sparse files of this size";
     testing::internal::CaptureStderr();
-    EXPECT_EQ(std::nullopt, text_of("huge"));
+    EXPECT_EQ(std::nullopt, string_from("huge"));
     EXPECT_THAT(testing::internal::GetCapturedStderr(),
                 testing::EndsWith("Can't new space for 'huge'\n"));
 }
@@ -103,7 +89,7 @@ TEST_F(Files, StreamsOpenOrAreNull) {
     __mFileOps_open_for_read(stream, "file");
     EXPECT_EQ('\r', std::fgetc(stream));
     __mFileOps_close(stream);
-    EXPECT_EQ("\r\n", read("file"));
+    EXPECT_EQ("\r\n", text_of("file"));
 }
 
 TEST_F(Files, CopyTakesEveryByteAndReportsNothing) {
@@ -114,7 +100,7 @@ TEST_F(Files, CopyTakesEveryByteAndReportsNothing) {
         write("source", bytes);
         write("destination", std::string(200'000, 'x'));
         __mFileOps_file_copy("destination", "source");
-        EXPECT_EQ(bytes, read("destination")) << size;
+        EXPECT_EQ(bytes, text_of("destination")) << size;
     }
     __mFileOps_file_copy("nowhere/destination", "source");
     EXPECT_FALSE(fs::exists("nowhere"));

@@ -2,8 +2,7 @@
 #pragma once
 
 #include "quillon/quillon.h"
-
-#include <gtest/gtest.h>
+#include "table_entries.h"
 
 #include <bit>
 #include <cmath>
@@ -62,12 +61,8 @@ testing::AssertionResult close_to(const Object& a, const Object& b, int count, d
 }
 
 // Tests with filled tables and random numbers.
-class Rotations : public testing::Test {
+class Rotations : public FilledTables {
 protected:
-    static void SetUpTestSuite() { __init_trig_tables(); }
-
-    static void TearDownTestSuite() { __clear_trig_tables(); }
-
     Numbers numbers;
 };
 

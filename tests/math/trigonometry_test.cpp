@@ -1,8 +1,5 @@
-#include "quillon/math/trigonometry.h"
+#include "table_entries.h"
 
-#include <gtest/gtest.h>
-
-#include <bit>
 #include <cmath>
 #include <limits>
 #include <numbers>
@@ -16,12 +13,7 @@ namespace {
 const double BEFORE_THE_TABLES[] = {cosTD(0), sinTD(90), tanTD(45), cosTR(0), sinTR(1),
                                     tanTR(1), acosT(0),  asinT(1),  atanT(1), cosTD(NAN)};
 
-class TrigTables : public testing::Test {
-protected:
-    static void SetUpTestSuite() { __init_trig_tables(); }
-
-    static void TearDownTestSuite() { __clear_trig_tables(); }
-};
+using TrigTables = FilledTables;
 
 template <typename Float>
 Float bound(Float angle) {
@@ -79,31 +71,11 @@ TEST(TrigTablesLifecycle, FillsAndClearsInAnyNumber) {
     EXPECT_EQ(1.0, cosTD(0.0));
 }
 
-// The runtime's functions in a plain loop, against every entry, through the functions that read
-// them.
-TEST_F(TrigTables, ForwardTablesEqualTheRuntimeInEveryEntry) {
-    const double wide_pi = PI;
-    for (int i = 0; i < 72000; ++i) {
-        ASSERT_EQ(std::cos(i * wide_pi / 36000.0), cosTD(i / 200.0)) << i;
-        ASSERT_EQ(std::sin(i * wide_pi / 36000.0), sinTD(i / 200.0)) << i;
-    }
-    for (int i = 0; i < 3600; ++i)
-        ASSERT_EQ(std::tan(i * wide_pi / 1800.0), tanTD(i / 10.0)) << i;
-}
-
-TEST_F(TrigTables, InverseTablesEqualTheRuntimeInEveryEntry) {
-    const auto bits = [](float value) { return std::bit_cast<std::uint32_t>(value); };
-    for (int i = 0; i <= 20000; ++i) {
-        const double x = static_cast<float>(i / 10000.0 - 1.0);
-        const double inside = (i + 0.5) / 10000.0 - 1.0;
-        ASSERT_EQ(bits(static_cast<float>(std::acos(x))), bits(acosT(inside))) << i;
-        ASSERT_EQ(bits(static_cast<float>(std::asin(x))), bits(asinT(inside))) << i;
-    }
-    for (int i = -1000000; i <= 1000000; ++i) {
-        const double x = static_cast<float>(i / 50000.0);
-        const double inside = (i + (i < 0 ? -0.5 : i > 0 ? 0.5 : 0.0)) / 50000.0;
-        ASSERT_EQ(bits(static_cast<float>(std::atan(x))), bits(atanT(inside))) << i;
-    }
+TEST_F(TrigTables, EveryEntryEqualsTheRuntimes) {
+    expect_entries_of({[](double x) { return std::cos(x); }, [](double x) { return std::sin(x); },
+                       [](double x) { return std::tan(x); }, [](double x) { return std::acos(x); },
+                       [](double x) { return std::asin(x); },
+                       [](double x) { return std::atan(x); }});
 }
 
 TEST_F(TrigTables, ReadsTheEntryThatTheRuleNames) {

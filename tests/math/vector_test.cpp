@@ -17,13 +17,7 @@ using namespace quillon;
 namespace {
 
 template <typename Object>
-constexpr int COMPONENTS = 2;
-template <>
-constexpr int COMPONENTS<cVector3D> = 3;
-template <>
-constexpr int COMPONENTS<cQuaternion> = 4;
-template <>
-constexpr int COMPONENTS<cMatrix3D> = 9;
+constexpr int COMPONENTS = (sizeof(Object) - sizeof(void*)) / sizeof(Object()[0]);
 
 template <typename Stored>
 std::vector<std::uint8_t> bytes_of(std::initializer_list<Stored> values) {

@@ -8,7 +8,6 @@
 #include <array>
 #include <cstdlib>
 #include <fstream>
-#include <iterator>
 #include <new>
 
 #include <sys/stat.h>
@@ -44,8 +43,8 @@ std::string stored(const std::string& name) {
 }
 
 Bytes bytes_of(const std::string& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
+    const std::string text = text_of(file);
+    return {text.begin(), text.end()};
 }
 
 void expect_failure(const Loaded& loaded, const std::string& reason) {
