@@ -1,18 +1,15 @@
 #include "tests/appearance/expect_color.h"
+#include "tests/flat_form.h"
 
 #include <array>
 #include <cmath>
-#include <utility>
 
 using quillon::cColor;
 
 TEST(Color, FlatFormClampsAndTruncates) {
-    std::array<std::uint8_t, 4> bytes{};
-    EXPECT_EQ(4U, cColor(1.5F, -0.25F, 0.5F, 1).serialize(bytes.data()));
-    EXPECT_EQ((std::array<std::uint8_t, 4>{255, 0, 127, 255}), bytes);
-
     cColor back(9, 9, 9, 9);
-    EXPECT_EQ(4U, back.deserialize(bytes.data()));
+    expect_flat_form(cColor(1.5F, -0.25F, 0.5F, 1), back,
+                     bytes_of(std::array<std::uint8_t, 4>{255, 0, 127, 255}));
     expect_color(back, 1, 0, 127.0F / 255.0F, 1);
 }
 
@@ -41,39 +38,6 @@ TEST(Color, ComponentsOutsideOfAByteAreDefined) {
     for (const auto& row : cases) {
         EXPECT_EQ(row.clamped, quillon::clamped_byte_from_component(row.component)) << row.name;
         EXPECT_EQ(row.wrapped, quillon::wrapped_byte_from_component(row.component)) << row.name;
-    }
-}
-
-TEST(Color, BadIndexGivesAScratchZero) {
-    cColor color(1, 2, 3, 4);
-    for (const int index : {-1, 4}) {
-        color[index] = 9;
-        EXPECT_EQ(0, color[index]);
-        EXPECT_EQ(0, std::as_const(color)[index]);
-    }
-    expect_color(color, 1, 2, 3, 4);
-    EXPECT_EQ(4, std::as_const(color)[3]);
-}
-
-TEST(Color, TextIsReadFieldByField) {
-    const struct {
-        const char* name;
-        const char* text;
-        cColor expected;
-    } cases[] = {
-        {"open last field", "0.5#1#0#0.1", {0.5F, 1, 0, 40}},
-        {"empty field", "#0.25##", {0, 0.25F, 0, 40}},
-        {"surplus fields", "1#2#3#4#5#6#", {1, 2, 3, 4}},
-        {"not a number", "red#-2e1#", {0, -20, 30, 40}},
-        {"beyond the buffer", "0.500000000000000000000000000000009#1#", {0.5F, 1, 30, 40}},
-        {"empty text", "", {10, 20, 30, 40}},
-    };
-
-    for (const auto& row : cases) {
-        SCOPED_TRACE(row.name);
-        cColor color(10, 20, 30, 40);
-        __nsColor_color_from_string(color, row.text);
-        expect_color(color, row.expected);
     }
 }
 

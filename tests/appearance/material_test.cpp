@@ -3,18 +3,16 @@
 #include "quillon/appearance/light.h"
 #include "quillon/appearance/material_names.h"
 #include "tests/appearance/expect_color.h"
+#include "tests/flat_form.h"
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <cstring>
 #include <type_traits>
-#include <vector>
 
 using quillon::cColor;
 using quillon::cLight;
 using quillon::cMaterial;
-using Bytes = std::vector<std::uint8_t>;
 
 // The contract is theirs alone: callers use the operations, and convert nothing.
 static_assert(!std::is_convertible_v<cColor*, quillon::cSerializable*>);
@@ -43,28 +41,6 @@ static_assert(are_in_order(offsetof(cMaterial, ambient), offsetof(cMaterial, dif
                            offsetof(cMaterial, shininess)));
 static_assert(offsetof(quillon::cGradient, name) == 0);
 
-// The bytes of the parts, one after the other.
-template <typename... Parts>
-Bytes bytes_of(const Parts&... parts) {
-    Bytes bytes((sizeof parts + ...));
-    std::uint8_t* cursor = bytes.data();
-    const auto append = [&](const auto& part) {
-        std::memcpy(cursor, &part, sizeof part);
-        cursor += sizeof part;
-    };
-    (append(parts), ...);
-    return bytes;
-}
-
-template <typename Value>
-Bytes flat_form_of(const Value& value) {
-    Bytes bytes(value.serialized_size() + 1, 77);
-    EXPECT_EQ(bytes.size() - 1, value.serialize(bytes.data()));
-    EXPECT_EQ(77, bytes.back());
-    bytes.pop_back();
-    return bytes;
-}
-
 using Rgba = std::array<std::uint8_t, 4>;
 
 TEST(Light, FieldsHaveTheirOffsetsAndComeBack) {
@@ -73,14 +49,12 @@ TEST(Light, FieldsHaveTheirOffsetsAndComeBack) {
     light.set_position({1, 2, 3});
     light.set_direction({0, 0, -8});
     light.set_spot_and_attenuation(10, 11, 12, 13, 14, 16);
-    const Bytes bytes = bytes_of(Rgba{0, 255, 102, 0}, Rgba{51, 0, 255, 153}, Rgba{255, 0, 51, 255},
-                                 1.0F, 2.0F, 3.0F, 0.0F, 0.0F, -1.0F, 10.0F, 11.0F, 12.0F, 13.0F,
-                                 14.0F, 15.0F, std::uint8_t{16});
+    const auto bytes = bytes_of(Rgba{0, 255, 102, 0}, Rgba{51, 0, 255, 153}, Rgba{255, 0, 51, 255},
+                                1.0F, 2.0F, 3.0F, 0.0F, 0.0F, -1.0F, 10.0F, 11.0F, 12.0F, 13.0F,
+                                14.0F, 15.0F, std::uint8_t{16});
     EXPECT_EQ(61U, bytes.size());
-    EXPECT_EQ(bytes, flat_form_of(light));
     cLight back;
-    EXPECT_EQ(61U, back.deserialize(bytes.data()));
-    EXPECT_EQ(bytes, flat_form_of(back));
+    expect_flat_form(light, back, bytes);
     expect_color(back.ambient, 1, 0, 0.2F, 1);
     EXPECT_EQ(3, back.position.z);
     EXPECT_EQ(13, back.linear_attenuation);
@@ -94,12 +68,10 @@ TEST(Light, FieldsHaveTheirOffsetsAndComeBack) {
 TEST(Material, FieldsHaveTheirOffsetsAndColorsClamp) {
     const cMaterial material({1, 0, 0.2F, 1}, {0, 1, 0.4F, 0}, {-1, 0.6F, 2, 0.8F},
                              {0.4F, 0.2F, 0, 0.6F}, 8);
-    const Bytes bytes = bytes_of(Rgba{255, 0, 51, 255}, Rgba{0, 255, 102, 0},
-                                 Rgba{0, 153, 255, 204}, Rgba{102, 51, 0, 153}, 8.0F);
-    EXPECT_EQ(bytes, flat_form_of(material));
+    const auto bytes = bytes_of(Rgba{255, 0, 51, 255}, Rgba{0, 255, 102, 0}, Rgba{0, 153, 255, 204},
+                                Rgba{102, 51, 0, 153}, 8.0F);
     cMaterial back = quillon::MATERIAL_DEFAULT;
-    EXPECT_EQ(20U, back.deserialize(bytes.data()));
-    EXPECT_EQ(bytes, flat_form_of(back));
+    expect_flat_form(material, back, bytes);
     expect_color(back.get_ambient(), 1, 0, 0.2F, 1);
     expect_color(back.get_diffuse(), 0, 1, 0.4F, 0);
     expect_color(back.get_specular(), 0, 0.6F, 1, 0.8F);

@@ -4,12 +4,10 @@
 #include "quillon/containers/name_hash.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cstring>
 #include <memory>
 #include <stdexcept>
-#include <string>
 #include <vector>
 
 namespace {

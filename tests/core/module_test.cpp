@@ -1,7 +1,6 @@
 #include "loaded_library.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <array>
 #include <chrono>

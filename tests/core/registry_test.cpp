@@ -3,7 +3,6 @@
 #include "quillon/containers/name_hash.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <new>
 

@@ -3,7 +3,6 @@
 #include "tests/scratch_folder.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>

@@ -5,7 +5,6 @@
 #include "quillon/platform/random.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <array>
 #include <cmath>

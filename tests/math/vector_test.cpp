@@ -1,8 +1,10 @@
 // Vectors, and what all classes of components have in common.
 #include "quillon/math/vector.h"
 
+#include "quillon/appearance/color.h"
 #include "quillon/platform/random.h"
 #include "random_values.h"
+#include "tests/flat_form.h"
 
 #include <algorithm>
 #include <array>
@@ -17,33 +19,8 @@ using namespace quillon;
 namespace {
 
 template <typename Object>
-constexpr int COMPONENTS = (sizeof(Object) - sizeof(void*)) / sizeof(Object()[0]);
-
-template <typename Stored>
-std::vector<std::uint8_t> bytes_of(std::initializer_list<Stored> values) {
-    std::vector<std::uint8_t> bytes(values.size() * sizeof(Stored));
-    std::memcpy(bytes.data(), values.begin(), bytes.size());
-    return bytes;
-}
-
-// Writes `source` at every alignment, reads it back into `target`, and holds the bytes against
-// `expected`; the bytes around it must stay.
-void expect_flat_form(const cSerializable& source, cSerializable&& target,
-                      const std::vector<std::uint8_t>& expected) {
-    const std::size_t size = expected.size();
-    ASSERT_EQ(size, source.serialized_size());
-    for (std::size_t offset = 1; offset <= 8; ++offset) {
-        std::vector<std::uint8_t> buffer(size + 16, 0xAA);
-        std::vector<std::uint8_t> whole = buffer;
-        EXPECT_EQ(size, source.serialize(buffer.data() + offset));
-        std::copy(expected.begin(), expected.end(), whole.begin() + offset);
-        EXPECT_EQ(whole, buffer) << offset;
-        EXPECT_EQ(size, target.deserialize(buffer.data() + offset));
-        std::vector<std::uint8_t> again(size);
-        target.serialize(again.data());
-        EXPECT_EQ(expected, again) << offset;
-    }
-}
+constexpr int COMPONENTS = (sizeof(Object) - sizeof(void*)) /
+                           sizeof(std::declval<const Object&>()[0]);
 
 // The components that were -1, -2 and so on before the text was read.
 template <auto from_string, typename Object>
@@ -62,23 +39,22 @@ class RandomValues : public Rotations {};
 } // namespace
 
 TEST(Serializable, FlatFormsAtAnyAlignment) {
-    expect_flat_form(cVector3D(1, -0.1, 1e30), cVector3D(), bytes_of({1.0F, -0.1F, 1e30F}));
-    expect_flat_form(cVector2D<double>(0.1, -1e300), cVector2D<double>(), bytes_of({0.1, -1e300}));
+    expect_flat_form(cVector3D(1, -0.1, 1e30), cVector3D(), bytes_of(1.0F, -0.1F, 1e30F));
+    expect_flat_form(cVector2D<double>(0.1, -1e300), cVector2D<double>(), bytes_of(0.1, -1e300));
     expect_flat_form(cVector2D<long>(-2147483647 - 1, 7), cVector2D<long>(),
-                     bytes_of({-2147483647 - 1, 7}));
+                     bytes_of(-2147483647 - 1, 7));
     expect_flat_form(cZone3D(1, 2, 3), cZone3D(0, 0, 0),
-                     bytes_of({-1.0F, -2.0F, -3.0F, 1.0F, 2.0F, 3.0F}));
-    expect_flat_form(cQuaternion(0.1, 2, 3, -4), cQuaternion(),
-                     bytes_of({0.1F, 2.0F, 3.0F, -4.0F}));
+                     bytes_of(-1.0F, -2.0F, -3.0F, 1.0F, 2.0F, 3.0F));
+    expect_flat_form(cQuaternion(0.1, 2, 3, -4), cQuaternion(), bytes_of(0.1F, 2.0F, 3.0F, -4.0F));
     expect_flat_form(cMatrix3D(1, 0.1, 3, 4, 5, 6, 7, 8, 9), cMatrix3D(),
-                     bytes_of({1.0F, 0.1F, 3.0F, 4.0F, 5.0F, 6.0F, 7.0F, 8.0F, 9.0F}));
+                     bytes_of(1.0F, 0.1F, 3.0F, 4.0F, 5.0F, 6.0F, 7.0F, 8.0F, 9.0F));
 }
 
 template <typename Object>
 class IndexedAccess : public testing::Test {};
 
 using IndexedObjects =
-    testing::Types<cVector3D, cVector2D<double>, cVector2D<long>, cQuaternion, cMatrix3D>;
+    testing::Types<cVector3D, cVector2D<double>, cVector2D<long>, cQuaternion, cMatrix3D, cColor>;
 TYPED_TEST_SUITE(IndexedAccess, IndexedObjects);
 
 TYPED_TEST(IndexedAccess, BadIndicesReachAScratchZeroAndNoComponent) {
@@ -141,6 +117,10 @@ TEST(TextForm, IsReadFieldByField) {
         return read<__cMatrix3d_from_string>(text, cMatrix3D());
     };
 
+    const auto color = [](const char* text) {
+        return read<__nsColor_color_from_string>(text, cColor());
+    };
+
     const struct {
         const char* name;
         std::vector<double> actual, expected;
@@ -156,6 +136,9 @@ TEST(TextForm, IsReadFieldByField) {
         {"matrix cut at 15",
          matrix("8#x#123456789012345678#8"),
          {8, 0, 123456789012345, -4, -5, -6, -7, -8, -9}},
+        {"colour", color("red#-2e1##0.1"), {0, -20, 0, -4}},
+        {"cut colour", color("0.500000000000000000000000000000009#1#"), {0.5, 1, -3, -4}},
+        {"surplus for a colour", color("1#2#3#4#5#6#"), {1, 2, 3, 4}},
         {"matrix row by row", matrix("9#8#7#6#5#4#3#2#1.5#0#"), {9, 8, 7, 6, 5, 4, 3, 2, 1.5}},
     };
 

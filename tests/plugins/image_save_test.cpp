@@ -2,7 +2,6 @@
 #include "loaded_library.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <fstream>
 

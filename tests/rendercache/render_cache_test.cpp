@@ -3,7 +3,6 @@
 #include "quillon/appearance/color_names.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstddef>

@@ -1,7 +1,6 @@
 #include "quillon/rendercache/tangents.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
