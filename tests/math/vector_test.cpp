@@ -11,12 +11,18 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <numeric>
 #include <string>
 #include <vector>
 
 using namespace quillon;
 
 namespace {
+
+// With a value to start from, as the others have.
+struct Color : cColor {
+    Color() : cColor(0, 0, 0, 0) {}
+};
 
 template <typename Object>
 constexpr int COMPONENTS = (sizeof(Object) - sizeof(void*)) /
@@ -26,7 +32,7 @@ constexpr int COMPONENTS = (sizeof(Object) - sizeof(void*)) /
 template <auto from_string, typename Object>
 std::vector<double> read(const char* text, Object object) {
     for (int i = 0; i < COMPONENTS<Object>; ++i)
-        object[i] = -1 - i;
+        object[i] = static_cast<float>(-1 - i);
     from_string(object, text);
     std::vector<double> components;
     for (int i = 0; i < COMPONENTS<Object>; ++i)
@@ -54,15 +60,14 @@ template <typename Object>
 class IndexedAccess : public testing::Test {};
 
 using IndexedObjects =
-    testing::Types<cVector3D, cVector2D<double>, cVector2D<long>, cQuaternion, cMatrix3D, cColor>;
+    testing::Types<cVector3D, cVector2D<double>, cVector2D<long>, cQuaternion, cMatrix3D, Color>;
 TYPED_TEST_SUITE(IndexedAccess, IndexedObjects);
 
 TYPED_TEST(IndexedAccess, BadIndicesReachAScratchZeroAndNoComponent) {
     constexpr int count = COMPONENTS<TypeParam>;
     TypeParam object;
     const TypeParam& read_only = object;
-    for (int i = 0; i < count; ++i)
-        object[i] = i + 1;
+    std::iota(&object[0], &object[0] + count, 1);
     for (const int index : {-1, count, 1000, std::numeric_limits<int>::min()}) {
         object[index] = 5;
         EXPECT_EQ(0, object[index]) << "cleared on each access";
@@ -118,7 +123,7 @@ TEST(TextForm, IsReadFieldByField) {
     };
 
     const auto color = [](const char* text) {
-        return read<__nsColor_color_from_string>(text, cColor());
+        return read<__nsColor_color_from_string>(text, Color());
     };
 
     const struct {
