@@ -1,40 +1,13 @@
 #include "model.h"
 
 #include "quillon/messages/router.h"
+#include "tests/limited_memory.h"
 
 #include <gmock/gmock.h>
 
 #include <cstddef>
-#include <cstdlib>
-#include <new>
 #include <set>
 #include <string>
-
-namespace {
-
-std::size_t allocations = 0;
-std::size_t allocations_left = SIZE_MAX; // how many succeed before one fails
-
-} // namespace
-
-// gcc would take an inlined one for a mismatch with the other.
-[[gnu::noinline]] void* operator new(std::size_t size) {
-    ++allocations;
-    if (allocations_left == 0)
-        throw std::bad_alloc();
-    --allocations_left;
-    if (void* const block = std::malloc(size))
-        return block;
-    throw std::bad_alloc();
-}
-
-[[gnu::noinline]] void operator delete(void* block) noexcept {
-    std::free(block);
-}
-
-[[gnu::noinline]] void operator delete(void* block, std::size_t) noexcept {
-    std::free(block);
-}
 
 namespace {
 

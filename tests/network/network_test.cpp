@@ -65,8 +65,8 @@ protected:
                 return false;
             if (proxy)
                 proxy->update();
-            host.update();
-            peer.update();
+            for (Side* side : {&host, &peer, &second, &third})
+                side->update();
             std::this_thread::sleep_for(1ms);
         }
         return true;
@@ -84,6 +84,8 @@ protected:
     std::optional<LossyProxy> proxy;
     Side host;
     Side peer;
+    Side second;
+    Side third;
 };
 
 // A message that begins with its number, and is long enough to travel in parts now and then.
@@ -142,14 +144,10 @@ TEST_F(Net, PeersThatVanishAreReported) {
 }
 
 TEST_F(Net, PeersComeAndGoUnderNumbersOfTheirOwn) {
-    Side second;
     join_through({});
     second->join("localhost", host->get_port(), PROTOCOL, 5);
     const auto both_logged = [&](std::size_t hosts, std::size_t seconds) {
-        return until([&] {
-            second.update();
-            return host.log.size() == hosts && second.log.size() == seconds;
-        });
+        return until([&] { return host.log.size() == hosts && second.log.size() == seconds; });
     };
     EXPECT_TRUE(both_logged(2, 1));
     PeerHandle peers[1];
@@ -173,10 +171,9 @@ TEST_F(Net, PeersComeAndGoUnderNumbersOfTheirOwn) {
 }
 
 TEST_F(Net, JoiningFailsWithItsReason) {
-    Side silent;
-    silent->host(0, 1, PROTOCOL);
-    const std::uint16_t unused = silent->get_port();
-    silent->leave();
+    second->host(0, 1, PROTOCOL);
+    const std::uint16_t unused = second->get_port();
+    second->leave();
     const std::uint16_t port = host->get_port();
 
     const std::string nobody = "127.0.0.1:" + std::to_string(unused);
@@ -190,15 +187,9 @@ TEST_F(Net, JoiningFailsWithItsReason) {
         EXPECT_TRUE(until([&] { return !peer.log.empty(); }));
         EXPECT_THAT(peer.log, ElementsAre(reason));
     }
-    Side second;
-    Side third;
     second->join(LOCAL, port, PROTOCOL, 5);
     third->join(LOCAL, port, PROTOCOL, 5);
-    EXPECT_TRUE(until([&] {
-        second.update();
-        third.update();
-        return !second.log.empty() && !third.log.empty();
-    }));
+    EXPECT_TRUE(until([&] { return !second.log.empty() && !third.log.empty(); }));
     EXPECT_EQ("joined 1: ", std::min(second.log[0], third.log[0]));
     EXPECT_EQ("left 1: is full", std::max(second.log[0], third.log[0]));
 }

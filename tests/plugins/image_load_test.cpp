@@ -2,39 +2,16 @@
 // pixels in each row, and flat JPEG of 19 x 17.
 #include "image_plugin.h"
 #include "loaded_library.h"
+#include "tests/limited_memory.h" // the plug-in allocates by it too
 
 #include <gmock/gmock.h>
 
 #include <array>
-#include <cstdlib>
 #include <fstream>
-#include <new>
 
 #include <sys/stat.h>
 
 using testing::HasSubstr;
-
-namespace {
-
-constexpr int UNLIMITED = -1;
-int allocations_left = UNLIMITED;
-
-} // namespace
-
-// The plug-in takes this one too.
-[[gnu::noinline]] void* operator new(std::size_t size) {
-    void* const memory = allocations_left == 0 ? nullptr : std::malloc(size);
-    allocations_left -= allocations_left > 0 ? 1 : 0;
-    return memory != nullptr ? memory : throw std::bad_alloc();
-}
-
-[[gnu::noinline]] void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-
-[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
 
 namespace {
 
@@ -158,7 +135,7 @@ TEST(ImageLoad, NoLoadNorSaveThrowsWhereMemoryEnds) {
     const std::string files[] = {stored("Rgba8.png"), stored("text.png"), "missing"};
     image();
     int refused = 0;
-    for (int granted = 0; granted < 40; ++granted) {
+    for (std::size_t granted = 0; granted < 40; ++granted) {
         std::uint8_t pixel[4] = {};
         for (const std::string& file : files) {
             std::uint16_t width = 1;
@@ -166,7 +143,7 @@ TEST(ImageLoad, NoLoadNorSaveThrowsWhereMemoryEnds) {
             std::uint8_t* pixels = pixel;
             allocations_left = granted;
             image()->load_bitmap(file.c_str(), &width, &height, &pixels);
-            allocations_left = UNLIMITED;
+            allocations_left = SIZE_MAX;
             refused += pixels == nullptr ? 1 : 0;
             EXPECT_EQ(pixels == nullptr, width == 0 && height == 0);
             EXPECT_EQ(pixels == nullptr, *image()->last_error() != '\0');
@@ -174,7 +151,7 @@ TEST(ImageLoad, NoLoadNorSaveThrowsWhereMemoryEnds) {
         }
         allocations_left = granted;
         const bool is_saved = image()->save_bitmap("saved.png", 1, 1, pixel);
-        allocations_left = UNLIMITED;
+        allocations_left = SIZE_MAX;
         refused += is_saved ? 0 : 1;
         EXPECT_EQ(is_saved, std::filesystem::remove("saved.png"));
     }
