@@ -44,7 +44,7 @@ TEST(Bitmap, PixelsAreWrittenAndReadByNumber) {
     pixels[7] = 51;
     cColor color = quillon::WHITE;
     __cBitmap_get_pixel(color, pixels.data(), 1);
-    expect_color(color, 127 / 255.0F, 126 / 255.0F, 129 / 255.0F, 0.2F);
+    expect_color(color, {127 / 255.0F, 126 / 255.0F, 129 / 255.0F, 0.2F});
 }
 
 TEST(Bitmap, SetToColorFillsTheCountedPixels) {
@@ -81,7 +81,7 @@ TEST(Bitmap, AverageEqualsThePlainReading) {
     for (const auto& [width, height] : {std::pair{0, 3}, {3, 0}, {-1, 2}, {2, -1}}) {
         cColor average = quillon::RED;
         __cBitmap_get_average_color(average, nullptr, width, height);
-        expect_color(average, 0, 0, 0, 1);
+        expect_color(average, {0, 0, 0, 1});
     }
 }
 
@@ -96,7 +96,7 @@ TEST(Bitmap, TheLargestSizesDoNotOverflow) {
     EXPECT_THAT(Bytes(last, last + 4), ElementsAre(255, 255, 255, 255));
     cColor color = quillon::BLACK;
     __cBitmap_get_pixel(color, bitmap.pixels(), static_cast<int32_t>(last_index));
-    expect_color(color, 1, 1, 1, 1);
+    expect_color(color, {1, 1, 1, 1});
 
     std::fill_n(last, 4, uint8_t{0});
     __cBitmap_gauss_brush(quillon::WHITE, bitmap.pixels(), size - 1, size - 1, size, size, 0, 0);

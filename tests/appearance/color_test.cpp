@@ -10,7 +10,7 @@ TEST(Color, FlatFormClampsAndTruncates) {
     cColor back(9, 9, 9, 9);
     expect_flat_form(cColor(1.5F, -0.25F, 0.5F, 1), back,
                      bytes_of(std::array<std::uint8_t, 4>{255, 0, 127, 255}));
-    expect_color(back, 1, 0, 127.0F / 255.0F, 1);
+    expect_color(back, {1, 0, 127.0F / 255.0F, 1});
 }
 
 TEST(Color, ComponentsOutsideOfAByteAreDefined) {
@@ -60,7 +60,7 @@ TEST(Color, HueFollowsTheCircleAndGoesOnBeyond) {
         SCOPED_TRACE(row.name);
         cColor color(9, 9, 9, 9);
         __nsColor_hue_function(color, row.hue, row.saturation, row.value);
-        expect_color(color, row.r, row.g, row.b, 1);
+        expect_color(color, {row.r, row.g, row.b, 1});
     }
     cColor color(9, 9, 9, 9);
     __nsColor_hue_function(color, 1.5F, 1, 1);

@@ -55,7 +55,7 @@ TEST(Light, FieldsHaveTheirOffsetsAndComeBack) {
     EXPECT_EQ(61U, bytes.size());
     cLight back;
     expect_flat_form(light, back, bytes);
-    expect_color(back.ambient, 1, 0, 0.2F, 1);
+    expect_color(back.ambient, {1, 0, 0.2F, 1});
     EXPECT_EQ(3, back.position.z);
     EXPECT_EQ(13, back.linear_attenuation);
 
@@ -72,10 +72,10 @@ TEST(Material, FieldsHaveTheirOffsetsAndColorsClamp) {
                                 Rgba{102, 51, 0, 153}, 8.0F);
     cMaterial back = quillon::MATERIAL_DEFAULT;
     expect_flat_form(material, back, bytes);
-    expect_color(back.get_ambient(), 1, 0, 0.2F, 1);
-    expect_color(back.get_diffuse(), 0, 1, 0.4F, 0);
-    expect_color(back.get_specular(), 0, 0.6F, 1, 0.8F);
-    expect_color(back.get_emission(), 0.4F, 0.2F, 0, 0.6F);
+    expect_color(back.get_ambient(), {1, 0, 0.2F, 1});
+    expect_color(back.get_diffuse(), {0, 1, 0.4F, 0});
+    expect_color(back.get_specular(), {0, 0.6F, 1, 0.8F});
+    expect_color(back.get_emission(), {0.4F, 0.2F, 0, 0.6F});
     EXPECT_EQ(flat_form_of(*__nsMaterial_material_table("WHITE")),
               flat_form_of(quillon::MATERIAL_DEFAULT));
 }
@@ -84,10 +84,10 @@ TEST(Material, OpaquifyFoldsAlphaOnce) {
     cMaterial material({1, 0.5F, 2, 0.5F}, {1, 2, 3, 0.25F}, {4, 6, -8, 2}, {8, 4, 2, 0.125F}, 76);
     for (int i = 0; i < 2; ++i) {
         __mMaterial_opaquify(material);
-        expect_color(material.ambient, 0.5F, 0.25F, 1, 1);
-        expect_color(material.diffuse, 0.25F, 0.5F, 0.75F, 1);
-        expect_color(material.specular, 8, 12, -16, 1);
-        expect_color(material.emission, 1, 0.5F, 0.25F, 1);
+        expect_color(material.ambient, {0.5F, 0.25F, 1, 1});
+        expect_color(material.diffuse, {0.25F, 0.5F, 0.75F, 1});
+        expect_color(material.specular, {8, 12, -16, 1});
+        expect_color(material.emission, {1, 0.5F, 0.25F, 1});
         EXPECT_EQ(76, material.shininess);
     }
 }

@@ -69,10 +69,10 @@ TEST(Named, ColorsAreThePublishedOnes) {
 TEST(Named, MaterialsAreThePublishedOnes) {
     EXPECT_EQ(27, for_each_row("materials.txt", [](const std::string& name, const auto& n) {
                   const cMaterial& material = *__nsMaterial_material_table(lower_case(name));
-                  expect_color(material.ambient, n.at(0), n.at(1), n.at(2), n.at(9));
-                  expect_color(material.diffuse, n.at(3), n.at(4), n.at(5), n.at(9));
-                  expect_color(material.specular, n.at(6), n.at(7), n.at(8), n.at(9));
-                  expect_color(material.emission, 0, 0, 0, n.at(9));
+                  expect_color(material.ambient, {n.at(0), n.at(1), n.at(2), n.at(9)});
+                  expect_color(material.diffuse, {n.at(3), n.at(4), n.at(5), n.at(9)});
+                  expect_color(material.specular, {n.at(6), n.at(7), n.at(8), n.at(9)});
+                  expect_color(material.emission, {0, 0, 0, n.at(9)});
                   EXPECT_EQ(n.at(10), material.shininess);
               }));
 }
