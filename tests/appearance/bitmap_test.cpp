@@ -47,20 +47,6 @@ TEST(Bitmap, PixelsAreWrittenAndReadByNumber) {
     expect_color(color, {127 / 255.0F, 126 / 255.0F, 129 / 255.0F, 0.2F});
 }
 
-TEST(Bitmap, SetToColorFillsTheCountedPixels) {
-    for (const int32_t count : {1, 15, 16, 17, 100}) {
-        GuardedBitmap bitmap(static_cast<std::size_t>(count) * 4, Place::AtTheBack);
-        __cBitmap_set_to_color(cColor(0.5F, 1, 0, 2), bitmap.pixels(), count);
-        const Bytes bytes = bitmap.bytes();
-        for (std::size_t i = 0; i < bytes.size(); i += 4)
-            EXPECT_THAT(Bytes(bytes.begin() + i, bytes.begin() + i + 4),
-                        ElementsAre(127, 255, 0, 254));
-        EXPECT_TRUE(bitmap.is_margin_clean());
-    }
-    __cBitmap_set_to_color(quillon::RED, nullptr, 0);
-    __cBitmap_set_to_color(quillon::RED, nullptr, -5);
-}
-
 TEST(Bitmap, AverageEqualsThePlainReading) {
     std::mt19937 generator(5);
     for (const auto& [width, height] :

@@ -1,3 +1,4 @@
+#include "quillon/appearance/bitmap.h"
 #include "quillon/appearance/color_names.h"
 #include "quillon/appearance/filters.h"
 #include "tests/appearance/guarded_bitmap.h"
@@ -68,6 +69,15 @@ Case brush(const char* name, const cColor& color, int32_t x, int32_t y, float ra
             }};
 }
 
+// Against pixels that are set one by one.
+Case fill(const cColor& color) {
+    const auto set_each = [](const cColor& with, uint8_t* p, int32_t count) {
+        for (int32_t i = 0; i < count; ++i)
+            __cBitmap_set_pixel(with, p, i);
+    };
+    return counted("fill", __cBitmap_set_to_color, set_each, color);
+}
+
 Case normals(const char* name, float scale) {
     return {
         name,
@@ -79,6 +89,7 @@ std::vector<Case> all_filters() {
     const cColor glow(0.3F, -0.2F, 1.5F, 0.01F);
     const cColor wild(NAN, INFINITY, -INFINITY, 3e38F);
     return {
+        fill({0.5F, 1, 0, 2}),
         counted("key", __cBitmap_color_key_mask, plain::color_key_mask, quillon::BLACK),
         counted("green", __cBitmap_monochrome_saturate_by_channel, plain::channel_mask, uint8_t{1}),
         {"alpha", [](uint8_t* p, int32_t w, int32_t h) { __cBitmap_alpha_mask(p, w * h); },

@@ -20,19 +20,13 @@ constexpr double TURN = TWO_PI;
 } // namespace
 
 TEST(PhysicsAngles, OfAVectorLieWithinOneTurn) {
-    const struct {
-        const char* name;
-        double x, y, expected;
-    } cases[] = {
-        {"up", 0, 2, HALF_PI},
-        {"nowhere", 0, 0, 4.71238911151886},
-        {"left", -1, 0, PI},
-        {"down to the left", -1, -1, std::atan(1.0) + PI},
-        {"down to the right", 1, -1, std::atan(-1.0) + TURN},
-    };
-
-    for (const auto& row : cases)
-        EXPECT_DOUBLE_EQ(row.expected, __mPhysics_angle_from_vector(row.x, row.y)) << row.name;
+    EXPECT_DOUBLE_EQ(HALF_PI, __mPhysics_angle_from_vector(0, 2)) << "up";
+    EXPECT_DOUBLE_EQ(4.71238911151886, __mPhysics_angle_from_vector(0, 0)) << "nowhere";
+    EXPECT_DOUBLE_EQ(PI, __mPhysics_angle_from_vector(-1, 0)) << "left";
+    EXPECT_DOUBLE_EQ(std::atan(1.0) + PI, __mPhysics_angle_from_vector(-1, -1))
+        << "down to the left";
+    EXPECT_DOUBLE_EQ(std::atan(-1.0) + TURN, __mPhysics_angle_from_vector(1, -1))
+        << "down to the right";
 }
 
 TEST(PhysicsAngles, InterpolateTheShortWayRound) {

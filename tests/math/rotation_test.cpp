@@ -144,21 +144,19 @@ TEST_F(Rotation, MatricesHaveTheirWorkedValues) {
     __cMatrix3d_add(combined, combined);
     __cMatrix3d_subtract(combined, cMatrix3D(1, 1, 1, 1, 1, 1, 1, 1, 0));
 
-    const struct {
-        const char* name;
-        cMatrix3D actual, expected;
-    } cases[] = {
-        {"normalised", normalized, {0.6, 0, 1 / 3.0, 0, 0, 2 / 3.0, 0.8, 0, 2 / 3.0}},
-        {"zero", MATRIX3D_ZERO, {0, 0, 0, 0, 0, 0, 0, 0, 0}},
-        {"transposed", COUNTING.transposed(), {1, 4, 7, 2, 5, 8, 3, 6, 9}},
-        {"sum and difference", combined, {1, 3, 5, 7, 9, 11, 13, 15, 18}},
-        {"forward and up", looking({0, 0, 1}, {0, 1, 0}), MATRIX3D_IDENTITY},
-        {"up at a slant", looking({5, 0, 0}, {3, 2, 0}), {0, 0, 1, 0, 1, 0, -1, 0, 0}},
-        {"up along forward", looking({0, 2, 0}, {0, 2, 0}), {0, 0, 0, 0, 0, 1, 0, 0, 0}},
+    const auto same = [](const cMatrix3D& expected, const cMatrix3D& actual) {
+        return close_to(expected, actual, 9, 0.0);
     };
-
-    for (const auto& row : cases)
-        EXPECT_TRUE(close_to(row.expected, row.actual, 9, 0.0)) << row.name;
+    EXPECT_TRUE(same({0.6, 0, 1 / 3.0, 0, 0, 2 / 3.0, 0.8, 0, 2 / 3.0}, normalized))
+        << "normalised";
+    EXPECT_TRUE(same({0, 0, 0, 0, 0, 0, 0, 0, 0}, MATRIX3D_ZERO)) << "zero";
+    EXPECT_TRUE(same({1, 4, 7, 2, 5, 8, 3, 6, 9}, COUNTING.transposed())) << "transposed";
+    EXPECT_TRUE(same({1, 3, 5, 7, 9, 11, 13, 15, 18}, combined)) << "sum and difference";
+    EXPECT_TRUE(same(MATRIX3D_IDENTITY, looking({0, 0, 1}, {0, 1, 0}))) << "forward and up";
+    EXPECT_TRUE(same({0, 0, 1, 0, 1, 0, -1, 0, 0}, looking({5, 0, 0}, {3, 2, 0})))
+        << "up at a slant";
+    EXPECT_TRUE(same({0, 0, 0, 0, 0, 1, 0, 0, 0}, looking({0, 2, 0}, {0, 2, 0})))
+        << "up along forward";
     EXPECT_EQ(-12.0, __cMatrix3d_get_determinant(combined));
     // Summed from the left, the small product drowns in the great ones.
     EXPECT_EQ(0.0, __cMatrix3d_get_determinant(cMatrix3D(1e20, 0, 1, 1, 1, 1, 0, 1, 1)));

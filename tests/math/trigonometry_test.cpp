@@ -80,31 +80,22 @@ TEST_F(TrigTables, EveryEntryEqualsTheRuntimes) {
 
 TEST_F(TrigTables, ReadsTheEntryThatTheRuleNames) {
     const auto cosine = [](int entry) { return cosTD(entry / 200.0); };
-
-    const struct {
-        const char* name;
-        double expected, actual;
-    } cases[] = {
-        {"rounds up to a whole turn", 0.0, sinTD(359.998)},
-        {"halves go upward", cosine(1), cosTD(0.0025)},
-        {"negative, less than a step", 0.0, sinTD(-0.001)},
-        {"negative reads one nearer to zero", cosine(70001), cosTD(-10.0)},
-        {"three turns back", cosine(70001), cosTD(-1090.0)},
-        {"beyond 32-bit steps", cosine(16000), cosTD(36e9 + 80.0)},
-        {"negative beyond 32-bit steps", cosine(56001), cosTD(-36e9 - 80.0)},
-        {"radians by the 32-bit inverse of pi", cosTD(2.0 * 180.0 * INV_PI), cosTR(2.0)},
-        {"tangent to the nearest tenth", tanTD(45.3), tanTD(45.25)},
-        {"tangent of a negative angle", tanTD(350.1), tanTD(-10.0)},
-        {"arc cosine does not round up", acosT(0.9999), acosT(0.99995)},
-        {"arc sine above the range", HALF_PI, asinT(3.0)},
-        {"arc tangent above the range", 1.5208379030227661, atanT(25.0)},
-        {"arc tangent toward zero", 0.0, atanT(-0.000019)},
-        {"not a number, cosine", 1.0, cosTD(NAN)},
-        {"not a number, arc tangent", atanT(-20.0), atanT(NAN)},
-    };
-
-    for (const auto& row : cases)
-        EXPECT_EQ(row.expected, row.actual) << row.name;
+    EXPECT_EQ(0.0, sinTD(359.998)) << "rounds up to a whole turn";
+    EXPECT_EQ(cosine(1), cosTD(0.0025)) << "halves go upward";
+    EXPECT_EQ(0.0, sinTD(-0.001)) << "negative, less than a step";
+    EXPECT_EQ(cosine(70001), cosTD(-10.0)) << "negative reads one nearer to zero";
+    EXPECT_EQ(cosine(70001), cosTD(-1090.0)) << "three turns back";
+    EXPECT_EQ(cosine(16000), cosTD(36e9 + 80.0)) << "beyond 32-bit steps";
+    EXPECT_EQ(cosine(56001), cosTD(-36e9 - 80.0)) << "negative beyond 32-bit steps";
+    EXPECT_EQ(cosTD(2.0 * 180.0 * INV_PI), cosTR(2.0)) << "radians by the 32-bit inverse of pi";
+    EXPECT_EQ(tanTD(45.3), tanTD(45.25)) << "tangent to the nearest tenth";
+    EXPECT_EQ(tanTD(350.1), tanTD(-10.0)) << "tangent of a negative angle";
+    EXPECT_EQ(acosT(0.9999), acosT(0.99995)) << "arc cosine does not round up";
+    EXPECT_EQ(HALF_PI, asinT(3.0)) << "arc sine above the range";
+    EXPECT_EQ(1.5208379030227661, atanT(25.0)) << "arc tangent above the range";
+    EXPECT_EQ(0.0, atanT(-0.000019)) << "arc tangent toward zero";
+    EXPECT_EQ(1.0, cosTD(NAN)) << "not a number, cosine";
+    EXPECT_EQ(atanT(-20.0), atanT(NAN)) << "not a number, arc tangent";
     EXPECT_NEAR(-22877332.43, tanTD(90.0), 0.01);
 }
 

@@ -6,6 +6,8 @@
 #include "random_values.h"
 #include "tests/flat_form.h"
 
+#include <gmock/gmock.h>
+
 #include <algorithm>
 #include <array>
 #include <cstdlib>
@@ -16,6 +18,7 @@
 #include <vector>
 
 using namespace quillon;
+using testing::ElementsAre;
 
 namespace {
 
@@ -126,29 +129,26 @@ TEST(TextForm, IsReadFieldByField) {
         return read<__nsColor_color_from_string>(text, Color());
     };
 
-    const struct {
-        const char* name;
-        std::vector<double> actual, expected;
-    } cases[] = {
-        {"open last field", vector("1.5#2#3"), {1.5, 2, -3}},
-        {"empty text", vector(""), {-1, -2, -3}},
-        {"surplus field", vector("1#2#3#4#"), {1, 2, 3}},
-        {"does not parse, nothing, blanks", vector("a## 3e2#"), {0, 0, 300}},
-        {"cut at 23", vector("12345678901234567890123999#2#3#"), {12345678901234567890123.0, 2, 3}},
-        {"endless", vector(endless.c_str()), {77777777777777777777777.0, 2, 3}},
-        {"cut at 15", quaternion("x#123456789012345678#7"), {0, 123456789012345, -3, -4}},
-        {"surplus for a quaternion", quaternion("0#0#0#1#5#"), {0, 0, 0, 1}},
-        {"matrix cut at 15",
-         matrix("8#x#123456789012345678#8"),
-         {8, 0, 123456789012345, -4, -5, -6, -7, -8, -9}},
-        {"colour", color("red#-2e1##0.1"), {0, -20, 0, -4}},
-        {"cut colour", color("0.500000000000000000000000000000009#1#"), {0.5, 1, -3, -4}},
-        {"surplus for a colour", color("1#2#3#4#5#6#"), {1, 2, 3, 4}},
-        {"matrix row by row", matrix("9#8#7#6#5#4#3#2#1.5#0#"), {9, 8, 7, 6, 5, 4, 3, 2, 1.5}},
-    };
-
-    for (const auto& row : cases)
-        EXPECT_EQ(row.expected, row.actual) << row.name;
+    EXPECT_THAT(vector("1.5#2#3"), ElementsAre(1.5, 2, -3)) << "open last field";
+    EXPECT_THAT(vector(""), ElementsAre(-1, -2, -3)) << "empty text";
+    EXPECT_THAT(vector("1#2#3#4#"), ElementsAre(1, 2, 3)) << "surplus field";
+    EXPECT_THAT(vector("a## 3e2#"), ElementsAre(0, 0, 300)) << "does not parse, nothing, blanks";
+    EXPECT_THAT(vector("12345678901234567890123999#2#3#"),
+                ElementsAre(12345678901234567890123.0, 2, 3))
+        << "cut at 23";
+    EXPECT_THAT(vector(endless.c_str()), ElementsAre(77777777777777777777777.0, 2, 3)) << "endless";
+    EXPECT_THAT(quaternion("x#123456789012345678#7"), ElementsAre(0, 123456789012345, -3, -4))
+        << "cut at 15";
+    EXPECT_THAT(quaternion("0#0#0#1#5#"), ElementsAre(0, 0, 0, 1)) << "surplus for a quaternion";
+    EXPECT_THAT(matrix("8#x#123456789012345678#8"),
+                ElementsAre(8, 0, 123456789012345, -4, -5, -6, -7, -8, -9))
+        << "matrix cut at 15";
+    EXPECT_THAT(color("red#-2e1##0.1"), ElementsAre(0, -20, 0, -4)) << "colour";
+    EXPECT_THAT(color("0.000000000000000000000000000000009#1#"), ElementsAre(0, 1, -3, -4))
+        << "cut colour";
+    EXPECT_THAT(color("1#2#3#4#5#6#"), ElementsAre(1, 2, 3, 4)) << "surplus for a colour";
+    EXPECT_THAT(matrix("9#8#7#6#5#4#3#2#1.5#0#"), ElementsAre(9, 8, 7, 6, 5, 4, 3, 2, 1.5))
+        << "matrix row by row";
 }
 
 TEST(Vector3D, ComputesByComponents) {
@@ -160,24 +160,23 @@ TEST(Vector3D, ComputesByComponents) {
     cVector3D expected_turn = a;
     __cVector3d_rotate_by_quaternion(expected_turn, q);
 
-    const struct {
-        const char* name;
-        cVector3D actual, expected;
-    } cases[] = {
-        {"sum and difference", a + b - a * 2.0, {3, -7, -2.5}},
-        {"divided, not scaled by the reciprocal", a / 49.0, {1 / 49.0, 2 / 49.0, 3 / 49.0}},
-        {"divided by zero", a / 0.0, {INFINITY, INFINITY, INFINITY}},
-        {"cross", a.cross(b), {2 * 0.5 + 15, 12 - 0.5, -5 - 8}},
-        {"in place", ((((changed += b) -= a) *= 3.0) /= 9.0), {12 / 9.0, -15 / 9.0, 1.5 / 9.0}},
-        {"turned", turned *= q, expected_turn},
-        {"normalised", cVector3D(0, -3, 4).normalized(), {0, -3 / 5.0, 4 / 5.0}},
-        {"no tolerance for nearly unit", cVector3D(1.0000001, 0, 0).normalized(), {1, 0, 0}},
-        {"zero stays", cVector3D().normalized(), {0, 0, 0}},
-        {"and what squares to zero", cVector3D(1e-200, 0, 0).normalized(), {1e-200, 0, 0}},
+    const auto same = [](const cVector3D& expected, const cVector3D& actual) {
+        return same_bits(expected, actual, 3);
     };
-
-    for (const auto& row : cases)
-        EXPECT_TRUE(same_bits(row.expected, row.actual, 3)) << row.name;
+    EXPECT_TRUE(same({3, -7, -2.5}, a + b - a * 2.0)) << "sum and difference";
+    EXPECT_TRUE(same({1 / 49.0, 2 / 49.0, 3 / 49.0}, a / 49.0))
+        << "divided, not scaled by the reciprocal";
+    EXPECT_TRUE(same({INFINITY, INFINITY, INFINITY}, a / 0.0)) << "divided by zero";
+    EXPECT_TRUE(same({2 * 0.5 + 15, 12 - 0.5, -5 - 8}, a.cross(b))) << "cross";
+    EXPECT_TRUE(same({12 / 9.0, -15 / 9.0, 1.5 / 9.0}, (((changed += b) -= a) *= 3.0) /= 9.0))
+        << "in place";
+    EXPECT_TRUE(same(expected_turn, turned *= q)) << "turned";
+    EXPECT_TRUE(same({0, -3 / 5.0, 4 / 5.0}, cVector3D(0, -3, 4).normalized())) << "normalised";
+    EXPECT_TRUE(same({1, 0, 0}, cVector3D(1.0000001, 0, 0).normalized()))
+        << "no tolerance for nearly unit";
+    EXPECT_TRUE(same({0, 0, 0}, cVector3D().normalized())) << "zero stays";
+    EXPECT_TRUE(same({1e-200, 0, 0}, cVector3D(1e-200, 0, 0).normalized()))
+        << "and what squares to zero";
     EXPECT_EQ(4.0 - 10.0 + 1.5, a.dot(b));
     EXPECT_EQ(std::sqrt(14.0), a.length());
 }
