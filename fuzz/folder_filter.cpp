@@ -8,7 +8,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <memory>
 #include <string>
 
 namespace {
@@ -46,15 +45,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const PreparedFolder prepared;
     const std::string folder = prepared.path + '/' + tail;
 
-    auto* entry = __mFileOps_collect_files(folder.c_str(), filter.c_str());
-    while (entry != nullptr) {
-        const std::unique_ptr<quillon::cFileListEntry> owner(entry);
-        const std::unique_ptr<char[]> name(entry->name);
-        const bool is_folder = fs::is_directory(fs::path(folder) / name.get());
+    const quillon::FileListOwner files(__mFileOps_collect_files(folder.c_str(), filter.c_str()));
+    for (const auto* entry = files.get(); entry != nullptr; entry = entry->next)
         // A tail may lead out of the folder, and with a "\" in it to where we would not look.
-        if (tail.empty())
-            check(is_folder == folders, "a filter lists files, none lists folders");
-        entry = entry->next;
-    }
+        check(!tail.empty() || fs::is_directory(fs::path(folder) / entry->name) == folders,
+              "a filter lists files, none lists folders");
     return 0;
 }

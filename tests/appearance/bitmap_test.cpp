@@ -1,8 +1,6 @@
 #include "quillon/appearance/bitmap.h"
 #include "quillon/appearance/color_names.h"
 #include "quillon/appearance/filters.h"
-#include "quillon/core/interfaces.h"
-#include "quillon/core/modules.h"
 #include "tests/appearance/expect_color.h"
 #include "tests/appearance/guarded_bitmap.h"
 #include "tests/reference/filters.h"
@@ -87,28 +85,4 @@ TEST(Bitmap, TheLargestSizesDoNotOverflow) {
     std::fill_n(last, 4, uint8_t{0});
     __cBitmap_gauss_brush(quillon::WHITE, bitmap.pixels(), size - 1, size - 1, size, size, 0, 0);
     EXPECT_THAT(Bytes(last - 4, last + 4), ElementsAre(0, 0, 0, 0, 255, 255, 255, 255));
-}
-
-TEST(Bitmap, LoadAndSaveReachThePluginIfThereIsOne) {
-    int32_t width = 1;
-    int32_t height = 2;
-    uint8_t pixel = 9;
-    __cBitmap_load("in.png", &width, &height, &pixel);
-    EXPECT_FALSE(__cBitmap_save("out.png", 65535, 40000, &pixel));
-    EXPECT_TRUE(width == 1 && height == 2 && pixel == 9);
-
-    quillon::GraphicsTable table{};
-    table.load_bitmap = [](const char* name, void* w, void* h, void* pixels) {
-        *static_cast<int32_t*>(w) = 65535;
-        *static_cast<int32_t*>(h) = 40000;
-        *static_cast<char*>(pixels) = name[0];
-    };
-    table.save_bitmap = [](const char* name, std::uint16_t w, std::uint16_t h, uint8_t* pixels) {
-        return std::string("out.png") == name && w == 65535 && h == 40000 && *pixels == 'i';
-    };
-    __mGraphics_instance()->interface = reinterpret_cast<void**>(&table);
-    __cBitmap_load("in.png", &width, &height, &pixel);
-    EXPECT_TRUE(width == 65535 && height == 40000 && pixel == 'i');
-    EXPECT_TRUE(__cBitmap_save("out.png", 65535, 40000, &pixel));
-    __mGraphics_instance()->interface = nullptr;
 }

@@ -1,5 +1,7 @@
 #include "loaded_library.h"
 
+#include "quillon/appearance/bitmap.h"
+
 #include <gmock/gmock.h>
 
 #include <array>
@@ -62,23 +64,26 @@ TEST(Modules, AreOneObjectEachWhoseViewsSeeItsTable) {
 
 TEST(Modules, CallEntriesThatAreFilledOfTablesThatAreConnected) {
     const Host host({"all_five"});
-    const auto& graphics = *EXPORT_OF(host, __mGraphics_instance)();
     const auto& input = *EXPORT_OF(host, __mInput_instance)();
     const auto& system = *EXPORT_OF(host, __mSystem_instance)();
     std::uint8_t pixel = 200;
     for (const bool connected : {false, true}) {
-        EXPECT_EQ(graphics.save_bitmap("a.png", 65535, 2, &pixel), connected);
+        EXPECT_EQ(EXPORT_OF(host, __cBitmap_save)("a.png", 65535, 40000, &pixel), connected);
+        char width[] = "1";
+        char height[] = "2";
+        char loaded[20] = "";
+        EXPORT_OF(host, __cBitmap_load)("b.png", width, height, loaded);
+        EXPECT_STREQ(loaded, connected ? "b.png 1 2" : "");
         EXPECT_EQ(input.axis_value(65535), connected ? 32767.5F : 0.0F);
         EXPECT_EQ(input.axis_delta(65535), 0.0F) << "left unfilled";
         EXPECT_FALSE(input.key_press(3));
-        graphics.load_bitmap("x", nullptr, nullptr, nullptr);
         system.pause(0.5);
         if (!connected)
             host.open();
     }
     EXPECT_THAT(
         Host::events("connect"),
-        testing::IsSupersetOf({"All: save_bitmap a.png 65535 2 200", "All: pause 0.500000"}));
+        testing::IsSupersetOf({"All: save_bitmap a.png 65535 40000 200", "All: pause 0.500000"}));
 }
 
 TEST(Worker, PausesAfterTheWorkUntilItIsStopped) {
