@@ -31,16 +31,16 @@ template <typename Object>
 constexpr int COMPONENTS = (sizeof(Object) - sizeof(void*)) /
                            sizeof(std::declval<const Object&>()[0]);
 
-// The components that were -1, -2 and so on before the text was read.
-template <auto from_string, typename Object>
-std::vector<double> read(const char* text, Object object) {
-    for (int i = 0; i < COMPONENTS<Object>; ++i)
-        object[i] = static_cast<float>(-1 - i);
-    from_string(object, text);
-    std::vector<double> components;
-    for (int i = 0; i < COMPONENTS<Object>; ++i)
-        components.push_back(object[i]);
-    return components;
+// Reads a text into an object whose components are -1, -2 and so on, and returns its components.
+template <typename Object, typename Read>
+auto reader(void (*from_string)(Read&, const char*)) {
+    return [from_string](const char* text) {
+        Object object;
+        for (int i = 0; i < COMPONENTS<Object>; ++i)
+            object[i] = static_cast<float>(-1 - i);
+        from_string(object, text);
+        return std::vector<double>(&object[0], &object[0] + COMPONENTS<Object>);
+    };
 }
 
 class RandomValues : public Rotations {};
@@ -115,20 +115,10 @@ TEST(Serializable, OperationsComeInTheirOrder) {
 
 TEST(TextForm, IsReadFieldByField) {
     const std::string endless = std::string(100000, '7') + "#2#3#" + std::string(100000, '#');
-    const auto vector = [](const char* text) {
-        return read<__cVector3d_vector_from_string>(text, cVector3D());
-    };
-    const auto quaternion = [](const char* text) {
-        return read<__cQuaternion_from_string>(text, cQuaternion());
-    };
-    const auto matrix = [](const char* text) {
-        return read<__cMatrix3d_from_string>(text, cMatrix3D());
-    };
-
-    const auto color = [](const char* text) {
-        return read<__nsColor_color_from_string>(text, Color());
-    };
-
+    const auto vector = reader<cVector3D>(__cVector3d_vector_from_string);
+    const auto quaternion = reader<cQuaternion>(__cQuaternion_from_string);
+    const auto matrix = reader<cMatrix3D>(__cMatrix3d_from_string);
+    const auto color = reader<Color>(__nsColor_color_from_string);
     EXPECT_THAT(vector("1.5#2#3"), ElementsAre(1.5, 2, -3)) << "open last field";
     EXPECT_THAT(vector(""), ElementsAre(-1, -2, -3)) << "empty text";
     EXPECT_THAT(vector("1#2#3#4#"), ElementsAre(1, 2, 3)) << "surplus field";
