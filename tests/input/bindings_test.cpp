@@ -27,42 +27,40 @@ static_assert(offsetof(cInputAnalog, pad) == 2 && offsetof(cInputAnalog, dead_zo
 
 using Question = std::pair<char, std::uint16_t>; // the first letter of the entry, and the code
 
-// An input table, connected while it lives, whose answers a test sets and whose questions it sees.
-class FakeTable {
-public:
-    FakeTable() {
+std::vector<Question> asked;
+std::map<Question, float> answers;
+
+template <typename Answer, char entry>
+Answer answer(std::uint16_t code) {
+    asked.emplace_back(entry, code);
+    return static_cast<Answer>(answers[asked.back()]);
+}
+
+// With an input table whose answers a test sets and whose questions it sees.
+class Bindings : public testing::Test {
+protected:
+    Bindings() { __mInput_instance()->interface = reinterpret_cast<void**>(&table); }
+
+    ~Bindings() override {
+        __mInput_instance()->interface = nullptr;
         asked.clear();
-        yes.clear();
-        values.clear();
-        __mInput_instance()->interface = reinterpret_cast<void**>(new quillon::InputTable{
-            {}, key<'D'>, key<'P'>, key<'H'>, key<'R'>, key<'C'>, axis<'V'>, axis<'M'>, {}});
+        answers.clear();
     }
-
-    FakeTable(const FakeTable&) = delete;
-    FakeTable& operator=(const FakeTable&) = delete;
-
-    ~FakeTable() {
-        delete reinterpret_cast<quillon::InputTable*>(
-            std::exchange(__mInput_instance()->interface, nullptr));
-    }
-
-    static inline std::vector<Question> asked;
-    static inline std::map<Question, bool> yes;
-    static inline std::map<Question, float> values;
 
 private:
-    template <char entry>
-    static bool key(std::uint16_t code) {
-        asked.emplace_back(entry, code);
-        return yes[{entry, code}];
-    }
-
-    template <char entry>
-    static float axis(std::uint16_t code) {
-        asked.emplace_back(entry, code);
-        return values[{entry, code}];
-    }
+    quillon::InputTable table{{},
+                              answer<bool, 'D'>,
+                              answer<bool, 'P'>,
+                              answer<bool, 'H'>,
+                              answer<bool, 'R'>,
+                              answer<bool, 'C'>,
+                              answer<float, 'V'>,
+                              answer<float, 'M'>,
+                              {}};
 };
+
+using InputDigital = Bindings;
+using InputAnalog = Bindings;
 
 constexpr std::uint16_t FIRST = 85;   // "Left Control"
 constexpr std::uint16_t SECOND = 198; // any button of pad 2
@@ -88,8 +86,7 @@ bool plain_answer(char edge, int logic, const Ask& ask) {
 }
 
 // Every query with every logic, each input set or not, and every pair of answers for each.
-TEST(InputDigital, QueriesFollowTheRulesAndAskNothingElse) {
-    const FakeTable table;
+TEST_F(InputDigital, QueriesFollowTheRulesAndAskNothingElse) {
     using Query = std::pair<char, bool (cInputDigital::*)() const>;
     for (const auto& [edge, query] :
          {Query('D', &cInputDigital::query_down), Query('P', &cInputDigital::query_press),
@@ -103,26 +100,25 @@ TEST(InputDigital, QueriesFollowTheRulesAndAskNothingElse) {
                                         .code2 = static_cast<std::int16_t>(bit(1) ? 0 : -1),
                                         .pad2 = 2,
                                         .logic = static_cast<InputLogic>(logic)};
-            FakeTable::yes = {{{edge, FIRST}, bit(2)}, {{edge, SECOND}, bit(3)}};
+            const auto yes = [&](int index) { return bit(index) ? 1.0F : 0.0F; };
+            answers = {{{edge, FIRST}, yes(2)}, {{edge, SECOND}, yes(3)}};
             if (edge != 'D')
-                FakeTable::yes.insert({{{'D', FIRST}, bit(4)}, {{'D', SECOND}, bit(5)}});
+                answers.insert({{{'D', FIRST}, yes(4)}, {{'D', SECOND}, yes(5)}});
             std::vector<Question> needed;
             const bool expected = plain_answer(edge, logic, [&](char letter, int input) {
                 if (!bit(input - 1))
                     return false;
                 needed.emplace_back(letter, input == 1 ? FIRST : SECOND);
-                return FakeTable::yes[needed.back()];
+                return answers[needed.back()] != 0;
             });
-            FakeTable::asked.clear();
+            asked.clear();
             EXPECT_EQ(expected, (binding.*query)()) << edge << " " << bits;
-            EXPECT_EQ(needed, FakeTable::asked) << edge << " " << bits;
+            EXPECT_EQ(needed, asked) << edge << " " << bits;
         }
     }
 }
 
-TEST(InputDigital, CodesReachThePlugInUntested) {
-    const FakeTable table;
-
+TEST_F(InputDigital, CodesReachThePlugInUntested) {
     struct Row {
         cInputDigital binding;
         std::uint16_t code;
@@ -137,9 +133,9 @@ TEST(InputDigital, CodesReachThePlugInUntested) {
                            Row{{0, 1457}, 137, "INVALID"}, Row{{32767, 32767}, wrapped, "INVALID"},
                            // A pad below -1 counts for queries and not for names.
                            Row{{45, -2}, 63, "3"}}) {
-        FakeTable::asked.clear();
+        asked.clear();
         row.binding.query_down();
-        EXPECT_THAT(FakeTable::asked, ElementsAre(Question('D', row.code))) << row.name;
+        EXPECT_THAT(asked, ElementsAre(Question('D', row.code))) << row.name;
         EXPECT_STREQ(row.name, row.binding.display_name1());
         const cInputDigital second{.code2 = row.binding.code1, .pad2 = row.binding.pad1};
         EXPECT_STREQ(row.name, second.display_name2());
@@ -157,13 +153,11 @@ cInputAnalog bind(float dead_zone, float saturation_zone = 0, bool inverted = fa
 }
 
 float response(const cInputAnalog& binding, float value) {
-    FakeTable::values[{'V', PAD_AXIS}] = value;
+    answers[{'V', PAD_AXIS}] = value;
     return binding.query();
 }
 
-TEST(InputAnalog, ShapesTheAxisBitForBit) {
-    const FakeTable table;
-
+TEST_F(InputAnalog, ShapesTheAxisBitForBit) {
     const struct {
         const char* name;
         cInputAnalog binding;
@@ -196,9 +190,7 @@ TEST(InputAnalog, ShapesTheAxisBitForBit) {
             << row.name;
 }
 
-TEST(InputAnalog, CodesReachThePlugInUntestedAndOnlyTheMouseCountsATenth) {
-    const FakeTable table;
-
+TEST_F(InputAnalog, CodesReachThePlugInUntestedAndOnlyTheMouseCountsATenth) {
     const struct {
         std::int16_t code;
         std::int16_t pad;
@@ -217,18 +209,16 @@ TEST(InputAnalog, CodesReachThePlugInUntestedAndOnlyTheMouseCountsATenth) {
 
     for (const auto& row : rows) {
         const cInputAnalog binding{row.code, row.pad, 0, 0, false};
-        FakeTable::asked.clear();
-        FakeTable::values = {{{'V', row.asked}, 3.0F}};
+        asked.clear();
+        answers = {{{'V', row.asked}, 3.0F}};
         EXPECT_FLOAT_EQ(row.expected, binding.query());
-        EXPECT_THAT(FakeTable::asked, ElementsAre(Question('V', row.asked)));
+        EXPECT_THAT(asked, ElementsAre(Question('V', row.asked)));
         EXPECT_STREQ(row.name, binding.display_name()) << row.code << " of pad " << row.pad;
     }
     EXPECT_STREQ("[NONE]", cInputAnalog{.pad = 2}.display_name());
 }
 
-TEST(InputAnalog, CrossingsCompareTheLastTwoPositions) {
-    const FakeTable table;
-
+TEST_F(InputAnalog, CrossingsCompareTheLastTwoPositions) {
     const struct {
         const char* name;
         float dead_zone;
@@ -257,22 +247,21 @@ TEST(InputAnalog, CrossingsCompareTheLastTwoPositions) {
             // Neither saturation nor inversion plays a part.
             const cInputAnalog binding{static_cast<std::int16_t>(code), -1, row.dead_zone, 1, true};
             const float raw = code == PAD_AXIS ? 1.0F : 10.0F;
-            FakeTable::values = {{{'V', code}, row.current * raw}, {{'M', code}, row.delta * raw}};
-            FakeTable::asked.clear();
+            answers = {{{'V', code}, row.current * raw}, {{'M', code}, row.delta * raw}};
+            asked.clear();
             std::string fired = binding.query_up() ? "up" : "";
-            EXPECT_THAT(FakeTable::asked, ElementsAre(Question('V', code), Question('M', code)));
+            EXPECT_THAT(asked, ElementsAre(Question('V', code), Question('M', code)));
             fired += binding.query_down() ? "down" : "";
             fired += binding.query_center() ? "center" : "";
             EXPECT_EQ(row.fired, fired) << row.name << ", code " << code;
         }
 }
 
-TEST(InputAnalog, UnsetAsksNothing) {
-    const FakeTable table;
+TEST_F(InputAnalog, UnsetAsksNothing) {
     const cInputAnalog unset{.pad = 1, .dead_zone = -1};
     EXPECT_EQ(0, unset.query());
     EXPECT_FALSE(unset.query_up() || unset.query_down() || unset.query_center());
-    EXPECT_TRUE(FakeTable::asked.empty());
+    EXPECT_TRUE(asked.empty());
 }
 
 } // namespace
