@@ -14,6 +14,8 @@ namespace {
 
 using BytesAt = const unsigned char*;
 
+constexpr std::ptrdiff_t ESCAPE_BYTES = 6; // of "\\uXXXX"
+
 bool is_white(unsigned char c) {
     return c == ' ' || c == '\n' || c == '\r' || c == '\t';
 }
@@ -27,233 +29,219 @@ bool is_special(unsigned char c) {
     return c < 0x20 || c == '"' || c == '\\';
 }
 
-// Every operation returns false where the text isn't plain.
+// Every operation takes a position and returns the one after what it took, or null where the text
+// isn't plain: a position in a register, as values are written through pointers to anywhere.
 //
-// The text begins with no blank and ends in a closing bracket. So every scan but that of a string
-// ends within the text by itself: no blank, digit or letter is a bracket.
+// The text ends in a closing bracket. So every scan but that of a string ends within the text by
+// itself: no blank, digit or letter is a bracket.
 class DocumentReader {
 public:
-    DocumentReader(TreeBuilder& used_builder, BytesAt text, BytesAt text_end,
-                   std::uint32_t most_containers)
-        : builder(used_builder), at(text), end(text_end), max_depth(most_containers) {}
+    DocumentReader(TreeBuilder& used_builder, BytesAt text_end, std::uint32_t most_containers)
+        : builder(used_builder), end(text_end), max_depth(most_containers) {}
 
-    bool read() {
-        do {
-            if (closing == '}' && !take_key())
+    // Begins at the first bracket.
+    bool read(BytesAt at) {
+        for (;;) {
+            if (closing == '}' && (at = take_key(at)) == nullptr)
                 return false;
             if (*at == '[' || *at == '{') {
-                if (!enter())
+                if (!enter(*at))
                     return false;
+                at = skip_blanks(at + 1);
                 if (*at != closing)
                     continue;
-            } else if (!take_scalar()) {
+            } else if ((at = take_scalar(at)) == nullptr) {
                 return false;
             }
-            if (!pass_to_next_entry())
-                return at == end && builder.depth() == 0;
-        } while (true);
+            for (at = skip_blanks(at); *at == closing; at = skip_blanks(at)) {
+                ++at;
+                if (!leave() || at == end || builder.depth() == 0)
+                    return at == end && builder.depth() == 0;
+            }
+            if (*at != ',')
+                return false;
+            at = skip_blanks(at + 1);
+        }
     }
 
 private:
-    void skip_blanks() {
+    BytesAt skip_blanks(BytesAt at) const {
         while (*at <= ' ' && is_white(*at))
-            skip_row(at + 1);
+            at = skip_row(at + 1);
+        return at;
     }
 
     // Indentation, eight blanks at a time.
-    void skip_row(BytesAt from) {
+    BytesAt skip_row(BytesAt at) const {
         constexpr std::uint64_t blanks = ONES * ' ';
-        while (end - from >= 8 && load_text(from) == blanks)
-            from += 8;
-        while (*from == ' ')
-            ++from;
-        at = from;
+        while (end - at >= 8 && load_text(at) == blanks)
+            at += 8;
+        while (*at == ' ')
+            ++at;
+        return at;
     }
 
-    // Ends the containers that end here. False after the outermost, and where no comma follows.
-    bool pass_to_next_entry() {
-        skip_blanks();
-        while (*at != ',') {
-            if (*at != closing || !leave())
-                return false;
-            skip_blanks();
-        }
-        ++at;
-        skip_blanks();
-        return true;
+    bool enter(unsigned char bracket) {
+        closing = bracket == '[' ? ']' : '}';
+        return builder.depth() != max_depth &&
+               builder.begin_container(bracket == '[' ? cson_kind_array : cson_kind_object) ==
+                   cson_OK;
     }
 
-    bool enter() {
-        if (builder.depth() == max_depth ||
-            builder.begin_container(*at == '[' ? cson_kind_array : cson_kind_object) != cson_OK)
-            return false;
-        closing = *at == '[' ? ']' : '}';
-        ++at;
-        skip_blanks();
-        return true;
-    }
-
-    // False also after the outermost container, where nothing may follow, and at the text's end.
     bool leave() {
-        ++at;
-        if (builder.end_container() != cson_OK || builder.depth() == 0 || at == end)
+        if (builder.end_container() != cson_OK)
             return false;
-        closing = builder.is_in_array() ? ']' : '}';
+        if (builder.depth() != 0)
+            closing = builder.is_in_array() ? ']' : '}';
         return true;
     }
 
-    bool take_key() {
+    BytesAt take_key(BytesAt at) {
         std::string_view text;
-        if (*at != '"' || !take_text(text) ||
+        if (*at != '"' || (at = take_text(at, text)) == nullptr ||
             builder.key(text.data(), static_cast<std::uint32_t>(text.size())) != cson_OK)
-            return false;
-        skip_blanks();
-        if (*at != ':')
-            return false;
-        ++at;
-        skip_blanks();
-        return true;
+            return nullptr;
+        at = skip_blanks(at);
+        return *at == ':' ? skip_blanks(at + 1) : nullptr;
     }
 
-    bool take_scalar() {
+    BytesAt take_scalar(BytesAt at) {
         switch (*at) {
         case '"':
-            return take_string();
+            return take_string(at);
         case 't':
-            return take_keyword("true", shared_constants.true_value);
+            return take_keyword(at, "true", shared_constants.true_value);
         case 'f':
-            return take_keyword("false", shared_constants.false_value);
+            return take_keyword(at, "false", shared_constants.false_value);
         case 'n':
-            return take_keyword("null", shared_constants.null);
+            return take_keyword(at, "null", shared_constants.null);
         default:
-            return take_number();
+            return take_number(at);
         }
     }
 
-    bool take_keyword(std::string_view keyword, cson_value& value) {
-        if (static_cast<std::size_t>(end - at) < keyword.size() ||
-            std::memcmp(at, keyword.data(), keyword.size()) != 0)
-            return false;
-        at += keyword.size();
-        return builder.constant(&value) == cson_OK;
+    BytesAt take_keyword(BytesAt at, std::string_view keyword, cson_value& value) {
+        const bool is_there = static_cast<std::size_t>(end - at) >= keyword.size() &&
+                              std::memcmp(at, keyword.data(), keyword.size()) == 0;
+        return is_there && builder.constant(&value) == cson_OK ? at + keyword.size() : nullptr;
     }
 
-    bool take_number() {
+    BytesAt take_number(BytesAt at) {
         NumberToken token;
         if (!token.scan(at, end))
-            return false;
-        at = token.end;
+            return nullptr;
         if (!token.is_float)
-            return builder.integer(token.to_integer()) == cson_OK;
+            return builder.integer(token.to_integer()) == cson_OK ? token.end : nullptr;
         double number = 0.0;
-        return knows_point && token.to_double(number) && builder.number(number) == cson_OK;
+        const bool is_added =
+            knows_point && token.to_double(number) && builder.number(number) == cson_OK;
+        return is_added ? token.end : nullptr;
     }
 
-    bool take_string() {
+    BytesAt take_string(BytesAt at) {
         std::string_view text;
-        return take_text(text) &&
-               builder.string(text.data(), static_cast<std::uint32_t>(text.size())) == cson_OK;
+        at = take_text(at, text);
+        const bool is_added =
+            at != nullptr &&
+            builder.string(text.data(), static_cast<std::uint32_t>(text.size())) == cson_OK;
+        return is_added ? at : nullptr;
     }
 
     // Takes a quoted text. Without escapes it is a part of the document, else of the scratch
     // buffer.
-    bool take_text(std::string_view& text) {
+    BytesAt take_text(BytesAt at, std::string_view& text) {
         const BytesAt first = at + 1;
         at = skip_until(first, end, special_in, is_special);
         if (at == end)
-            return false;
-        if (*at == '\\')
-            return decode_text(first, text);
+            return nullptr;
+        if (*at == '\\') {
+            at = decode_text(first);
+            text = {reinterpret_cast<const char*>(scratch.get()), decoded_bytes};
+            return at;
+        }
         text = {reinterpret_cast<const char*>(first), reinterpret_cast<const char*>(at)};
-        return *at++ == '"';
+        return *at == '"' ? at + 1 : nullptr;
     }
 
-    // Decodes a text that begins at `first` and has its first escape at `at`.
-    bool decode_text(BytesAt first, std::string_view& text);
-    unsigned char* copy_plain(unsigned char* to);
-    bool decode_escape(unsigned char*& to);
-    bool decode_unicode(unsigned char*& to);
-    std::uint32_t take_code_unit();
+    BytesAt decode_text(BytesAt first);
+    BytesAt copy_plain(BytesAt at, unsigned char*& to) const;
+    BytesAt decode_escape(BytesAt at, unsigned char*& to) const;
+    BytesAt decode_unicode(BytesAt at, unsigned char*& to) const;
+    std::uint32_t code_unit_at(BytesAt at) const;
 
     TreeBuilder& builder;
-    BytesAt at;
     BytesAt end;
     std::uint32_t max_depth;
     unsigned char closing = 0; // bracket of the innermost container
     // A decimal point of several bytes is cut off by the push parser.
     const bool knows_point = std::strlen(std::localeconv()->decimal_point) == 1;
     Block scratch; // the decoded text of one string
+    std::size_t decoded_bytes = 0;
 };
 
 // No text becomes longer by decoding, so the rest of the document has room for every string in it,
 // with what the last word and the last escape may write after it. Memory that no string reaches is
 // never touched.
-bool DocumentReader::decode_text(BytesAt first, std::string_view& text) {
+BytesAt DocumentReader::decode_text(BytesAt at) {
     constexpr std::size_t margin = 16;
     if (scratch == nullptr)
-        scratch = make_block(static_cast<std::size_t>(end - first) + margin, "cson_scratch");
+        scratch = make_block(static_cast<std::size_t>(end - at) + margin, "cson_scratch");
     if (scratch == nullptr)
-        return false;
-    at = first;
+        return nullptr;
     unsigned char* to = scratch.get();
-    for (to = copy_plain(to); at != end && *at == '\\'; to = copy_plain(to))
-        if (!decode_escape(to))
-            return false;
-    text = {reinterpret_cast<const char*>(scratch.get()), reinterpret_cast<const char*>(to)};
-    return at != end && *at++ == '"';
+    for (at = copy_plain(at, to); at != end && *at == '\\'; at = copy_plain(at, to))
+        if ((at = decode_escape(at, to)) == nullptr)
+            return nullptr;
+    decoded_bytes = static_cast<std::size_t>(to - scratch.get());
+    return at != end && *at == '"' ? at + 1 : nullptr;
 }
 
 // Copies up to the next special byte, whole words at a time.
-unsigned char* DocumentReader::copy_plain(unsigned char* to) {
-    BytesAt from = at;
-    const BytesAt limit = end; // both in registers, as `to` may point anywhere
-    for (; limit - from >= 8; from += 8, to += 8) {
-        const std::uint64_t bytes = load_text(from);
+BytesAt DocumentReader::copy_plain(BytesAt at, unsigned char*& to) const {
+    for (; end - at >= 8; at += 8, to += 8) {
+        const std::uint64_t bytes = load_text(at);
         store_text(to, bytes);
         const std::uint64_t found = special_in(bytes);
         if (found != 0) {
             const int count = std::countr_zero(found) / 8;
-            at = from + count;
-            return to + count;
+            to += count;
+            return at + count;
         }
     }
-    while (from != limit && !is_special(*from))
-        *to++ = *from++;
-    at = from;
-    return to;
+    while (at != end && !is_special(*at))
+        *to++ = *at++;
+    return at;
 }
 
 // A backslash is never the last byte, which is a bracket.
-bool DocumentReader::decode_escape(unsigned char*& to) {
+BytesAt DocumentReader::decode_escape(BytesAt at, unsigned char*& to) const {
     const unsigned char meaning = ESCAPES[at[1]];
     if (meaning == 0)
-        return decode_unicode(to);
+        return decode_unicode(at, to);
     *to++ = meaning;
-    at += 2;
-    return true;
+    return at + 2;
 }
 
-bool DocumentReader::decode_unicode(unsigned char*& to) {
-    std::uint32_t code = take_code_unit();
+BytesAt DocumentReader::decode_unicode(BytesAt at, unsigned char*& to) const {
+    std::uint32_t code = code_unit_at(at);
     if (code == NO_CODE_UNIT || is_low_surrogate(code))
-        return false;
+        return nullptr;
+    at += ESCAPE_BYTES;
     if (is_high_surrogate(code)) {
-        const std::uint32_t low = take_code_unit();
+        const std::uint32_t low = code_unit_at(at);
         if (!is_low_surrogate(low))
-            return false;
+            return nullptr;
         code = code_point_of(code, low);
+        at += ESCAPE_BYTES;
     }
     to = put_utf8(to, code);
-    return true;
+    return at;
 }
 
-// Takes "\\uXXXX".
-std::uint32_t DocumentReader::take_code_unit() {
-    constexpr std::ptrdiff_t length = 6;
-    if (end - at < length || at[0] != '\\' || at[1] != 'u')
-        return NO_CODE_UNIT;
-    at += length;
-    return code_unit_of(at - 4);
+// That of "\\uXXXX".
+std::uint32_t DocumentReader::code_unit_at(BytesAt at) const {
+    const bool is_there = end - at >= ESCAPE_BYTES && at[0] == '\\' && at[1] == 'u';
+    return is_there ? code_unit_of(at + 2) : NO_CODE_UNIT;
 }
 
 } // namespace
@@ -267,7 +255,7 @@ bool read_document(TreeBuilder& builder, const unsigned char* text, std::uint32_
         --end;
     const bool is_container =
         end - text >= 2 && (*text == '[' || *text == '{') && (end[-1] == ']' || end[-1] == '}');
-    return is_container && DocumentReader(builder, text, end, max_depth).read();
+    return is_container && DocumentReader(builder, end, max_depth).read(text);
 }
 
 } // namespace quillon::json

@@ -64,7 +64,7 @@ inline const cson_string* key_of(const cson_kvp* pair) {
                : nullptr;
 }
 
-// Precedes a list's entries.
+// Precedes a list's entries in a block of their own.
 struct StorageHeader {
     std::uint32_t chunk_offset; // as in cson_value
     std::uint32_t unused;       // keeps the entries aligned
@@ -175,9 +175,15 @@ StorageHeader* header_of(const List* list) {
     return reinterpret_cast<StorageHeader*>(list->items) - 1;
 }
 
+// True if the entries are in the block of their container, directly after the list.
+template <typename List>
+bool has_inner_storage(const List* list) {
+    return static_cast<const void*>(list->items) == list + 1;
+}
+
 template <typename List>
 void free_storage(List* list) {
-    if (list->items != nullptr)
+    if (list->items != nullptr && !has_inner_storage(list))
         free(header_of(list), header_of(list)->chunk_offset, tag_of(list));
     *list = {};
 }

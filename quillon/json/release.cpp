@@ -36,27 +36,23 @@ public:
         return 0;
     }
 
-    void drop(cson_kvp* pair) {
-        drop(pair->key);
-        drop(pair->value);
-        free(pair, pair->chunk_offset, KVP_TAG);
-    }
+    void drop(cson_kvp* pair) { drop(take_apart(pair)); }
 
     void drain() {
         while (innermost != nullptr) {
-            cson_value* container = innermost;
-            if (empty(container)) {
-                innermost = static_cast<cson_value*>(container->value);
-                free_record(container);
-            }
+            if (innermost->api->kind == cson_kind_array)
+                empty(payload_of<cson_array>(innermost)->list);
+            else
+                empty(payload_of<cson_object>(innermost)->list);
         }
     }
 
-    // Drops entries; false if one of them, a container, has to be freed before the next.
-    bool empty(cson_value* container) {
-        return container->api->kind == cson_kind_array
-                   ? empty(&payload_of<cson_array>(container)->list)
-                   : empty(&payload_of<cson_object>(container)->list);
+    // Drops the last entry, which must be there.
+    template <typename List>
+    void drop_last(List& list) {
+        auto* entry = list.items[--list.count];
+        prefetch(entry, FETCH_DISTANCE);
+        drop(entry);
     }
 
 private:
@@ -64,29 +60,68 @@ private:
     // last entry to the first walks down; in bench_json this distance hides the misses.
     static constexpr std::intptr_t FETCH_DISTANCE = -1024;
 
+    // What an entry of a list refers to.
+    struct References {
+        cson_value* key;
+        cson_value* value;
+    };
+
+    static References take_apart(cson_value* element) { return {nullptr, element}; }
+
+    static References take_apart(cson_kvp* pair) {
+        if (pair == nullptr)
+            return {};
+        const auto [key, value, chunk_offset] = *pair;
+        free(pair, chunk_offset, KVP_TAG);
+        return {key, value};
+    }
+
+    void drop(References references) {
+        drop(references.key);
+        drop(references.value);
+    }
+
+    // Drops entries of the innermost container up to a container, which has to be freed before the
+    // next. It is freed itself before its last entry, so that the walk passes a chain of containers
+    // with one entry only once.
     template <typename List>
-    bool empty(List* list) {
-        const cson_value* before = innermost;
-        while (list->count != 0 && innermost == before) {
-            auto* entry = list->items[--list->count];
-            if (entry == nullptr)
-                continue;
-            prefetch(entry, FETCH_DISTANCE);
-            drop(entry);
+    void empty(List& list) {
+        cson_value* container = innermost;
+        while (list.count > 1 && innermost == container)
+            drop_last(list);
+        if (innermost != container)
+            return;
+        References last = {};
+        if (list.count != 0) {
+            prefetch(list.items[0], FETCH_DISTANCE);
+            last = take_apart(list.items[0]);
         }
-        if (innermost != before)
-            return false;
-        free_storage(list);
-        return true;
+        innermost = static_cast<cson_value*>(container->value);
+        free_storage(&list);
+        free_record(container);
+        drop(last);
     }
 
     cson_value* innermost = nullptr;
 };
 
-void clean_container(cson_value* value) {
+template <typename List>
+void clear(List& list) {
     ReleaseQueue queue;
-    while (!queue.empty(value))
+    while (list.count != 0) {
+        queue.drop_last(list);
         queue.drain();
+    }
+    free_storage(&list);
+}
+
+void clean_array(cson_value* value) {
+    clear(payload_of<cson_array>(value)->list);
+    make_undefined(value);
+}
+
+void clean_object(cson_value* value) {
+    clear(payload_of<cson_object>(value)->list);
     make_undefined(value);
 }
 
@@ -99,8 +134,8 @@ constinit const std::array<KindInfo, 8> json::KINDS = {{
     {{cson_kind_integer, make_undefined}, sizeof(std::int32_t), "cson_value:int"},
     {{cson_kind_double, make_undefined}, sizeof(double), "cson_value:double"},
     {{cson_kind_string, make_undefined}, sizeof(cson_string), "cson_value:string"},
-    {{cson_kind_array, clean_container}, sizeof(cson_array), "cson_value:array"},
-    {{cson_kind_object, clean_container}, sizeof(cson_object), "cson_value:object"},
+    {{cson_kind_array, clean_array}, sizeof(cson_array), "cson_value:array"},
+    {{cson_kind_object, clean_object}, sizeof(cson_object), "cson_value:object"},
 }};
 
 int cson_value_retain(cson_value* value) {

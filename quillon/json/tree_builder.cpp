@@ -2,8 +2,8 @@
 
 #include "quillon/json/swar.h"
 
-#include <algorithm>
 #include <bit>
+#include <cstring>
 #include <limits>
 #include <new>
 
@@ -47,23 +47,25 @@ std::uint32_t grown_capacity(std::size_t count, std::uint32_t first) {
                : 0;
 }
 
-// Makes a container with the storage of its list, both in one block with `extra` bytes after them.
-template <typename List>
-cson_value* build_filled(Pool& pool, std::uint32_t kind, std::uint32_t capacity, std::size_t count,
-                         std::size_t extra) {
+// Makes a container with the entries of its list, the first of them null, both in one block with
+// `extra` bytes after them.
+template <typename List, std::uint32_t first>
+cson_value* build_filled(Pool& pool, std::uint32_t kind, std::size_t count, std::size_t extra) {
+    const std::uint32_t capacity = grown_capacity(count, first);
     if (capacity == 0)
         return nullptr;
-    const std::size_t storage = sizeof(StorageHeader) + capacity * sizeof(void*);
+    const std::size_t storage = capacity * sizeof(void*);
     cson_value* value = build_record(&pool, kind, sizeof(List) + storage + extra);
     if (value == nullptr)
         return nullptr;
     auto* list = new (value->value) List;
-    auto* header = new (list + 1) StorageHeader{PART_OF_BLOCK, 0};
-    list->items = reinterpret_cast<decltype(list->items)>(header + 1);
+    list->items = reinterpret_cast<decltype(list->items)>(list + 1);
     list->count = static_cast<std::uint32_t>(count);
     list->capacity = capacity;
-    for (std::size_t i = count; i < capacity; ++i)
-        list->items[i] = nullptr;
+    // Most containers are small, and a size that is known takes no call.
+    std::memset(static_cast<void*>(list->items), 0, first * sizeof(void*));
+    if (capacity != first)
+        std::memset(static_cast<void*>(list->items + count), 0, storage - count * sizeof(void*));
     return value;
 }
 
@@ -92,10 +94,10 @@ cson_value* TreeBuilder::make_array(std::size_t first) {
     const std::size_t count = entries.size() - first;
     if (count == 0)
         return build_container(&pool, cson_kind_array);
-    cson_value* value =
-        build_filled<cson_value_list>(pool, cson_kind_array, grown_capacity(count, 7), count, 0);
+    cson_value* value = build_filled<cson_value_list, 7>(pool, cson_kind_array, count, 0);
     if (value != nullptr)
-        std::copy_n(entries.from(first), count, payload_of<cson_array>(value)->list.items);
+        copy_bytes(payload_of<cson_array>(value)->list.items, entries.from(first),
+                   count * sizeof(void*));
     return value;
 }
 
@@ -103,8 +105,8 @@ cson_value* TreeBuilder::make_object(std::size_t first) {
     const std::size_t count = (entries.size() - first) / 2;
     if (count == 0)
         return build_container(&pool, cson_kind_object);
-    cson_value* value = build_filled<cson_kvp_list>(
-        pool, cson_kind_object, grown_capacity(count, 5), count, count * sizeof(cson_kvp));
+    cson_value* value =
+        build_filled<cson_kvp_list, 5>(pool, cson_kind_object, count, count * sizeof(cson_kvp));
     if (value == nullptr)
         return nullptr;
     auto& list = payload_of<cson_object>(value)->list;
