@@ -1,4 +1,4 @@
-// Vectors, and what all classes of components have in common.
+// Vectors and zones, and what all classes of components have in common.
 #include "quillon/math/vector.h"
 
 #include "quillon/appearance/color.h"
@@ -41,6 +41,12 @@ auto reader(void (*from_string)(Read&, const char*)) {
         from_string(object, text);
         return std::vector<double>(&object[0], &object[0] + COMPONENTS<Object>);
     };
+}
+
+using Corners = std::array<double, 6>;
+
+Corners corners(const cZone3D& z) {
+    return {z.minimum.x, z.minimum.y, z.minimum.z, z.maximum.x, z.maximum.y, z.maximum.z};
 }
 
 class RandomValues : public Rotations {};
@@ -181,6 +187,27 @@ TEST(Vector3D, AnglesAndProjectionsAllowForZeroVectors) {
 
     EXPECT_EQ(0.5, __cVector3d_get_scalar_for_projection_onto({2, 2, 0}, {4, 0, 0}));
     EXPECT_EQ(0.0, __cVector3d_get_scalar_for_projection_onto(x, {0, 0, 0}));
+}
+
+TEST(Zone3D, SignsOfHalfExtentsAreIgnored) {
+    EXPECT_EQ((Corners{-1, -2, -3, 1, 2, 3}), corners(cZone3D(-1, 2, -3)));
+    EXPECT_EQ((Corners{-0.5, -0.5, -0.5, 0.5, 0.5, 0.5}), corners(ZONE3D_HALF));
+    EXPECT_FALSE(std::signbit(cZone3D(-0.0, 0.0, 0.0).maximum.x));
+}
+
+TEST(Zone3D, ExpandsComponentByComponent) {
+    cZone3D zone = ZONE3D_ZERO;
+    __cZone3d_expand_to_contain(zone, {1, -2, 3});
+    __cZone3d_expand_to_contain(zone, {0.5, -1, NAN});
+    EXPECT_EQ((Corners{0, -2, 0, 1, 0, 3}), corners(zone));
+}
+
+TEST(Zone3D, TextFormHasTheMinimumFirst) {
+    cZone3D zone = ZONE3D_ONE;
+    __cZone3d_zone_from_string(zone, "1#2#3#4#5");
+    EXPECT_EQ((Corners{1, 2, 3, 4, 1, 1}), corners(zone));
+    __cZone3d_zone_from_string(zone, "-1#-2#-3#6#5#4.25#99#99#");
+    EXPECT_EQ((Corners{-1, -2, -3, 6, 5, 4.25}), corners(zone));
 }
 
 TEST(RuntimeRand, HasFifteenBits) {
