@@ -119,7 +119,7 @@ int read_by_steps(cson_value** out, cson_reader reader, void* state,
     used.error_code = 0;
     const int code = step_through(*parser, receiver, reader, state, used);
     used.total_key_count = receiver.builder.key_count;
-    used.total_value_count = receiver.builder.value_count;
+    used.total_value_count = receiver.builder.value_count();
     if (info != nullptr)
         *info = used;
     if (code != cson_OK)
@@ -163,7 +163,7 @@ bool read_plain(cson_value** out, Text text, const cson_read_options* options,
         count_positions(*info, text);
         info->error_code = 0;
         info->total_key_count = builder.key_count;
-        info->total_value_count = builder.value_count;
+        info->total_value_count = builder.value_count();
     }
     *out = builder.take_root();
     return true;

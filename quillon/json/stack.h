@@ -25,48 +25,48 @@ public:
             free(entries, TAG);
     }
 
-    bool empty() const { return count == 0; }
+    bool empty() const { return next == entries; }
 
-    std::size_t size() const { return count; }
+    std::size_t size() const { return static_cast<std::size_t>(next - entries); }
 
     // Valid until the next push.
-    Entry& top() { return entries[count - 1]; }
+    Entry& top() { return next[-1]; }
 
-    void pop() { --count; }
+    void pop() { --next; }
 
     Entry* from(std::size_t position) { return entries + position; }
 
-    void shrink(std::size_t new_size) { count = new_size; }
+    void shrink(std::size_t new_size) { next = entries + new_size; }
 
     // False, with nothing changed, when memory runs out.
     bool push(const Entry& entry) {
-        if (count == capacity && !grow())
+        if (next == end && !grow())
             return false;
-        entries[count++] = entry;
+        *next++ = entry;
         return true;
     }
 
 private:
     static constexpr const char* TAG = "cson_stack";
-    static constexpr std::size_t ENTRY_BYTES = sizeof(std::array<Entry, 1>);
 
     bool grow() {
         const bool is_inner = entries == inner.data();
-        const std::size_t bytes = capacity * 2 * ENTRY_BYTES;
-        void* block = reallocate(is_inner ? nullptr : entries, bytes, TAG);
+        const std::size_t count = size();
+        void* block = reallocate(is_inner ? nullptr : entries, count * 2 * sizeof(inner[0]), TAG);
         if (block == nullptr)
             return false;
         if (is_inner)
             std::memcpy(block, inner.data(), sizeof(inner));
         entries = static_cast<Entry*>(block);
-        capacity *= 2;
+        next = entries + count;
+        end = next + count;
         return true;
     }
 
     std::array<Entry, 32> inner;
     Entry* entries = inner.data();
-    std::size_t count = 0;
-    std::size_t capacity = inner.size();
+    Entry* next = entries;
+    Entry* end = entries + inner.size();
 };
 
 } // namespace quillon::json

@@ -74,10 +74,15 @@ bool same_ends(const void* a, const void* b, std::size_t count) {
 
 // Compares bytes that mostly are few.
 inline bool same_bytes(const void* a, const void* b, std::size_t count) {
-    if (count > 16 || count < 4)
+    if (count > 16)
         return std::memcmp(a, b, count) == 0;
-    return count >= 8 ? same_ends<std::uint64_t>(a, b, count)
-                      : same_ends<std::uint32_t>(a, b, count);
+    if (count >= 8)
+        return same_ends<std::uint64_t>(a, b, count);
+    if (count >= 4)
+        return same_ends<std::uint32_t>(a, b, count);
+    if (count >= 2)
+        return same_ends<std::uint16_t>(a, b, count);
+    return count == 0 || same_ends<std::uint8_t>(a, b, count);
 }
 
 // Copies the first and the last `width` bytes of `count`, which may overlap.

@@ -26,10 +26,8 @@ public:
     ~TreeBuilder();
 
     int begin_container(std::uint32_t kind) {
-        if (!entries.push(nullptr) || !open.push({entries.size(), kind}))
-            return cson_AllocError;
-        ++value_count;
-        return cson_OK;
+        const bool is_open = open.push({entries.size() + 1, kind}) && entries.push(nullptr);
+        return is_open ? cson_OK : cson_AllocError;
     }
 
     // RangeError if no container is open.
@@ -41,6 +39,7 @@ public:
         if (made == nullptr)
             return cson_AllocError;
         add_owner(made);
+        ended_entries += static_cast<std::uint32_t>(entries.size() - first);
         entries.shrink(first);
         entries.top() = made;
         open.pop();
@@ -49,15 +48,15 @@ public:
 
     int key(const char* text, std::uint32_t length);
 
-    int integer(std::int32_t number) { return add(build_int(&pool, number)); }
+    int integer(std::int32_t number) { return push(build_int(&pool, number)); }
 
-    int number(double number) { return add(build_double(&pool, number)); }
+    int number(double number) { return push(build_double(&pool, number)); }
 
     int string(const char* text, std::uint32_t length) {
-        return add(build_string(&pool, text, length));
+        return push(build_string(&pool, text, length));
     }
 
-    int constant(cson_value* shared) { return add(shared); }
+    int constant(cson_value* shared) { return push(shared); }
 
     // How many containers are open.
     std::size_t depth() const { return open.size(); }
@@ -69,8 +68,12 @@ public:
     // container may be open.
     cson_value* take_root();
 
+    // Of all values up to now, those of containers that ended included; before `take_root`.
+    std::uint32_t value_count() const {
+        return ended_entries + static_cast<std::uint32_t>(entries.size()) - key_count;
+    }
+
     std::uint32_t key_count = 0;
-    std::uint32_t value_count = 0;
 
 private:
     static constexpr std::size_t KNOWN_KEYS = 256;
@@ -79,12 +82,6 @@ private:
         std::size_t first; // position of its first entry
         std::uint32_t kind;
     };
-
-    int add(cson_value* value) {
-        const int code = push(value);
-        value_count += code == cson_OK ? 1 : 0;
-        return code;
-    }
 
     // Puts a new or shared value on the stack, which owns it; a failure frees it.
     int push(cson_value* value) {
@@ -102,6 +99,7 @@ private:
 
     Stack<cson_value*> entries;
     Stack<OpenContainer> open;
+    std::uint32_t ended_entries = 0; // that are no longer on the stack, keys included
     Pool pool;
     // Keys of this tree that may come again, by a hash. No owners: their pairs live longer.
     std::array<cson_value*, KNOWN_KEYS> known_keys = {};
