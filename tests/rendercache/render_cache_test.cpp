@@ -171,16 +171,19 @@ TEST(RenderCache, CopiesWhatTheDestinationHolds) {
     const Cache full(__mGraphics_create_render_cache(2, 3, true, true, true, true));
     sources.fill(*full);
     std::fill_n(full->tangents, 18, 4.0F);
-    const Cache larger(__mGraphics_create_render_cache(3, 4, true, true, true, false));
+    const Cache larger(__mGraphics_create_render_cache(3, 4, true, true, true, true));
     __mGraphics_copy_render_cache(nullptr, larger.get(), full.get());
     for (float* cRenderCache::*array :
          {&cRenderCache::positions, &cRenderCache::normals, &cRenderCache::tangents})
         EXPECT_EQ(floats((*full).*array, 18), floats((*larger).*array, 18));
     EXPECT_EQ(floats(full->texcoords, 12), floats(larger->texcoords, 12));
+    EXPECT_EQ(floats(full->colors, 24), floats(larger->colors, 24));
     EXPECT_EQ(3U, larger->poly_count);
     EXPECT_EQ(4U, larger->verts_per_poly);
 
     const Cache bare(__mGraphics_create_render_cache(2, 3, false, false, false, false));
+    __mGraphics_copy_render_cache(nullptr, bare.get(), full.get());
+    EXPECT_EQ(floats(full->positions, 18), floats(bare->positions, 18));
     std::fill_n(bare->positions, 18, 5.0F);
     __mGraphics_copy_render_cache(nullptr, full.get(), nullptr);
     __mGraphics_copy_render_cache(nullptr, full.get(), bare.get());
