@@ -4,10 +4,14 @@
 # for export is visible, every symbol must resolve at link time, and the file can be unloaded.
 # A plug-in needs no library to be one; link quillon::quillon if it calls exports.
 
-include(CheckCXXCompilerFlag)
-check_cxx_compiler_flag(-fno-gnu-unique QUILLON_HAS_NO_GNU_UNIQUE)
-
 function(quillon_add_plugin name)
+    if(NOT CMAKE_CXX_COMPILER_LOADED)
+        message(FATAL_ERROR "quillon_add_plugin(${name}): a plug-in is C++; "
+            "add CXX to the languages of project()")
+    endif()
+    include(CheckCXXCompilerFlag)
+    check_cxx_compiler_flag(-fno-gnu-unique QUILLON_HAS_NO_GNU_UNIQUE)
+
     add_library(${name} MODULE ${ARGN})
     target_link_libraries(${name} PRIVATE quillon::headers)
     set_target_properties(${name} PROPERTIES
