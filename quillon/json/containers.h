@@ -18,7 +18,7 @@ struct cson_value_list {
 struct cson_kvp {
     cson_value* key;
     cson_value* value;
-    std::uint32_t chunk_offset; // as in cson_value
+    bool is_inner; // in the block of its object
 };
 
 struct cson_kvp_list {

@@ -4,6 +4,8 @@
 #include "quillon/json/stack.h"
 
 #include <algorithm>
+#include <cstring>
+#include <new>
 #include <utility>
 
 namespace quillon {
@@ -74,7 +76,7 @@ private:
             return copy_string(small, static_cast<const cson_string*>(source->value));
         case cson_kind_array: {
             const std::uint32_t count = payload_of<cson_array>(source)->list.count;
-            return begin_container<cson_value_list>(source, count);
+            return begin_container<cson_value_list>(source, count, 0);
         }
         case cson_kind_object:
             return begin_object(source, payload_of<cson_object>(source)->list);
@@ -88,24 +90,25 @@ private:
     }
 
     template <typename List>
-    cson_value* begin_container(const cson_value* source, std::uint32_t capacity) {
-        cson_value* made = build_container(&pool, source->api->kind);
+    cson_value* begin_container(const cson_value* source, std::uint32_t capacity,
+                                std::size_t extra) {
+        cson_value* made = build_filled<List>(pool, source->api->kind, capacity, extra);
         if (made == nullptr)
             return nullptr;
         auto* list = payload_of<List>(made);
-        if (capacity != 0)
-            list->items = build_storage(&pool, list, capacity);
-        if ((capacity == 0 || list->items != nullptr) && open.push({source, made, 0, 0, false})) {
-            list->capacity = capacity;
+        std::memset(static_cast<void*>(list->items), 0, capacity * sizeof(void*));
+        if (capacity == 0)
+            list->items = nullptr;
+        if (open.push({source, made, 0, 0, false}))
             return made;
-        }
         cson_value_release(made);
         return nullptr;
     }
 
     cson_value* begin_object(const cson_value* source, const cson_kvp_list& pairs) {
         const std::uint32_t capacity = pairs.count != 0 ? grown_capacity(pairs.count) : 0;
-        cson_value* made = begin_container<cson_kvp_list>(source, capacity);
+        cson_value* made =
+            begin_container<cson_kvp_list>(source, capacity, pairs.count * sizeof(cson_kvp));
         if (made == nullptr || copy_keys(pairs, payload_of<cson_object>(made)->list))
             return made;
         cson_value_release(made);
@@ -130,16 +133,15 @@ private:
         KeyTable::Slot& slot = slot_of(keys, source);
         open.top().repeats |= holds(keys, slot);
         slot.generation = keys.generation;
-        cson_kvp* pair = build_kvp(&pool, nullptr, nullptr);
-        if (pair == nullptr)
-            return false;
-        target.items[target.count++] = pair;
         if (slot.copy == nullptr)
             slot.copy = copy_string(&pool, source);
-        pair->key = slot.copy;
-        if (pair->key != nullptr)
-            add_owner(pair->key);
-        return pair->key != nullptr;
+        if (slot.copy == nullptr)
+            return false;
+        add_owner(slot.copy);
+        auto* pairs = reinterpret_cast<cson_kvp*>(target.items + target.capacity);
+        cson_kvp* pair = pairs + target.count;
+        target.items[target.count++] = new (pair) cson_kvp{slot.copy, nullptr, true};
+        return true;
     }
 
     // Both go on to the end of the container on top, or up to one within, which comes first.

@@ -12,13 +12,19 @@ namespace {
 
 template <typename List>
 void grow(List* list, std::uint32_t capacity) {
-    List grown = {build_storage(nullptr, list, capacity), list->count, capacity};
-    if (grown.items == nullptr)
+    const bool is_inner = has_inner_storage(list);
+    const std::size_t old_bytes = list->capacity * sizeof(void*);
+    const std::size_t bytes = capacity * sizeof(void*);
+    if (bytes / sizeof(void*) != capacity)
         return;
-    if (list->items != nullptr)
-        std::memcpy(grown.items, list->items, list->capacity * sizeof(void*));
-    free_storage(list);
-    *list = grown;
+    void* block = reallocate(is_inner ? nullptr : list->items, bytes, tag_of(list));
+    if (block == nullptr)
+        return;
+    if (is_inner)
+        std::memcpy(block, list->items, old_bytes);
+    std::memset(static_cast<unsigned char*>(block) + old_bytes, 0, bytes - old_bytes);
+    list->items = static_cast<decltype(list->items)>(block);
+    list->capacity = capacity;
 }
 
 template <typename List>

@@ -59,7 +59,7 @@ int take_out(cson_object* object, std::string_view key, cson_value*& member) {
     list.items[--list.count] = nullptr;
     member = pair->value;
     cson_value_release(pair->key);
-    free(pair, pair->chunk_offset, KVP_TAG);
+    free_pair(pair);
     return cson_OK;
 }
 
@@ -82,10 +82,10 @@ int json::append_pair(cson_object* object, cson_value* key, cson_value* value) {
         return cson_RangeError;
     if (!grow_for_one(&object->list, 6, cson_kvp_list_reserve))
         return cson_AllocError;
-    cson_kvp* pair = build_kvp(nullptr, key, value);
-    if (pair == nullptr)
+    void* block = reallocate(nullptr, sizeof(cson_kvp), KVP_TAG);
+    if (block == nullptr)
         return cson_AllocError;
-    object->list.items[object->list.count++] = pair;
+    object->list.items[object->list.count++] = new (block) cson_kvp{key, value, false};
     add_owner(key);
     add_owner(value);
     return cson_OK;

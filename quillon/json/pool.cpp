@@ -41,7 +41,8 @@ bool Pool::open_chunk() {
     close_chunk();
     chunk = new (block) Chunk{1}; // the pool's own hold
     next = static_cast<unsigned char*>(block) + HEADER_BYTES;
-    end = static_cast<unsigned char*>(block) + chunk_bytes;
+    // Nothing ends where another allocation may begin: a list knows its inner storage by address.
+    end = static_cast<unsigned char*>(block) + chunk_bytes - ALIGNMENT;
     chunk_bytes = std::min(chunk_bytes * GROWTH, LARGEST_CHUNK);
     return true;
 }

@@ -67,13 +67,8 @@ private:
 // Frees a chunk whose last block is back.
 void free_chunk(Chunk* chunk);
 
-// The `chunk_offset` of what is a part of another block, whose life is at least as long.
-inline constexpr std::uint32_t PART_OF_BLOCK = 0xFFFFFFFF;
-
 // Frees a block as its `chunk_offset` says.
 inline void free(void* block, std::uint32_t chunk_offset, const char* tag) {
-    if (chunk_offset == PART_OF_BLOCK)
-        return;
     if (chunk_offset == 0) {
         free(block, tag);
         return;

@@ -64,12 +64,6 @@ inline const cson_string* key_of(const cson_kvp* pair) {
                : nullptr;
 }
 
-// Precedes a list's entries in a block of their own.
-struct StorageHeader {
-    std::uint32_t chunk_offset; // as in cson_value
-    std::uint32_t unused;       // keeps the entries aligned
-};
-
 inline const char* tag_of(const cson_value_list*) {
     return "cson_value_list_reserve";
 }
@@ -78,20 +72,15 @@ inline const char* tag_of(const cson_kvp_list*) {
     return "cson_kvp_list_reserve";
 }
 
-// Memory from the pool, or for a null pool a block of its own; null without memory.
-inline void* allocate(Pool* pool, std::size_t bytes, const char* tag, std::uint32_t& chunk_offset) {
-    if (pool != nullptr)
-        return pool->allocate(bytes, tag, chunk_offset);
-    chunk_offset = 0;
-    return reallocate(nullptr, bytes, tag);
-}
-
-// A value whose payload of `bytes` bytes is still to be written, or null.
+// A value whose payload of `bytes` bytes is still to be written, in a block of the pool or, for a
+// null pool, of its own. Null without memory.
 inline cson_value* build_record(Pool* pool, std::uint32_t kind, std::size_t bytes) {
     if (bytes > std::numeric_limits<std::size_t>::max() - sizeof(cson_value))
         return nullptr;
     std::uint32_t chunk_offset = 0;
-    void* block = allocate(pool, sizeof(cson_value) + bytes, KINDS[kind].tag, chunk_offset);
+    bytes += sizeof(cson_value);
+    void* block = pool != nullptr ? pool->allocate(bytes, KINDS[kind].tag, chunk_offset)
+                                  : reallocate(nullptr, bytes, KINDS[kind].tag);
     if (block == nullptr)
         return nullptr;
     auto* value = static_cast<cson_value*>(block);
@@ -144,35 +133,18 @@ inline cson_value* build_double(Pool* pool, double number) {
     return build_number(pool, cson_kind_double, number, &shared_constants.double_zero);
 }
 
-// A pair whose two references are still to be counted, or null.
-inline cson_kvp* build_kvp(Pool* pool, cson_value* key, cson_value* value) {
-    std::uint32_t chunk_offset = 0;
-    void* block = allocate(pool, sizeof(cson_kvp), KVP_TAG, chunk_offset);
-    return block != nullptr ? new (block) cson_kvp{key, value, chunk_offset} : nullptr;
-}
-
-// Bytes of a list's storage; a size that no allocation can have where `capacity` is too large.
-inline std::size_t storage_bytes(std::uint32_t capacity) {
-    constexpr std::size_t most = std::numeric_limits<std::size_t>::max();
-    const bool fits = std::size_t{capacity} <= (most - sizeof(StorageHeader)) / sizeof(void*);
-    return fits ? sizeof(StorageHeader) + capacity * sizeof(void*) : most;
-}
-
-// Entries for a list, all null; or null without memory.
+// A container with a list of `capacity` entries that are still to be written, in one block with
+// `extra` bytes after them; or null.
 template <typename List>
-auto build_storage(Pool* pool, const List* list, std::uint32_t capacity) -> decltype(list->items) {
-    std::uint32_t chunk_offset = 0;
-    void* block = allocate(pool, storage_bytes(capacity), tag_of(list), chunk_offset);
-    if (block == nullptr)
-        return nullptr;
-    auto* items = new (block) StorageHeader{chunk_offset, 0} + 1;
-    std::memset(static_cast<void*>(items), 0, capacity * sizeof(void*));
-    return reinterpret_cast<decltype(list->items)>(items);
-}
-
-template <typename List>
-StorageHeader* header_of(const List* list) {
-    return reinterpret_cast<StorageHeader*>(list->items) - 1;
+cson_value* build_filled(Pool& pool, std::uint32_t kind, std::uint32_t capacity,
+                         std::size_t extra) {
+    cson_value* value = build_record(&pool, kind, sizeof(List) + capacity * sizeof(void*) + extra);
+    if (value != nullptr) {
+        auto* list = new (value->value) List;
+        list->items = reinterpret_cast<decltype(list->items)>(list + 1);
+        list->capacity = capacity;
+    }
+    return value;
 }
 
 // True if the entries are in the block of their container, directly after the list.
@@ -183,8 +155,8 @@ bool has_inner_storage(const List* list) {
 
 template <typename List>
 void free_storage(List* list) {
-    if (list->items != nullptr && !has_inner_storage(list))
-        free(header_of(list), header_of(list)->chunk_offset, tag_of(list));
+    if (!has_inner_storage(list))
+        free(list->items, tag_of(list));
     *list = {};
 }
 
@@ -211,6 +183,12 @@ inline bool can_own(const cson_value* value) {
 inline void add_owner(cson_value* value) {
     if (!cson_value_is_shared(value))
         ++value->refcount;
+}
+
+// Frees a pair, without its references, unless it is in the block of its object.
+inline void free_pair(cson_kvp* pair) {
+    if (!pair->is_inner)
+        free(pair, KVP_TAG);
 }
 
 // Releases key and member, and frees the pair.

@@ -36,30 +36,6 @@ public:
         return 0;
     }
 
-    void drop(cson_kvp* pair) { drop(take_apart(pair)); }
-
-    void drain() {
-        while (innermost != nullptr) {
-            if (innermost->api->kind == cson_kind_array)
-                empty(payload_of<cson_array>(innermost)->list);
-            else
-                empty(payload_of<cson_object>(innermost)->list);
-        }
-    }
-
-    // Drops the last entry, which must be there.
-    template <typename List>
-    void drop_last(List& list) {
-        auto* entry = list.items[--list.count];
-        prefetch(entry, FETCH_DISTANCE);
-        drop(entry);
-    }
-
-private:
-    // A tree of a reading or a copy is in memory in the order of its text, so a release from the
-    // last entry to the first walks down; in bench_json this distance hides the misses.
-    static constexpr std::intptr_t FETCH_DISTANCE = -1024;
-
     // What an entry of a list refers to.
     struct References {
         cson_value* key;
@@ -71,15 +47,37 @@ private:
     static References take_apart(cson_kvp* pair) {
         if (pair == nullptr)
             return {};
-        const auto [key, value, chunk_offset] = *pair;
-        free(pair, chunk_offset, KVP_TAG);
-        return {key, value};
+        const References references = {pair->key, pair->value};
+        free_pair(pair);
+        return references;
+    }
+
+    // Takes the last entry, which must be there, off a list.
+    template <typename List>
+    static References take_last(List& list) {
+        auto* entry = list.items[--list.count];
+        prefetch(entry, FETCH_DISTANCE);
+        return take_apart(entry);
     }
 
     void drop(References references) {
         drop(references.key);
         drop(references.value);
     }
+
+    void drain() {
+        while (innermost != nullptr) {
+            if (innermost->api->kind == cson_kind_array)
+                empty(payload_of<cson_array>(innermost)->list);
+            else
+                empty(payload_of<cson_object>(innermost)->list);
+        }
+    }
+
+private:
+    // A tree of a reading or a copy is in memory in the order of its text, so a release from the
+    // last entry to the first walks down; in bench_json this distance hides the misses.
+    static constexpr std::intptr_t FETCH_DISTANCE = -1024;
 
     // Drops entries of the innermost container up to a container, which has to be freed before the
     // next. It is freed itself before its last entry, so that the walk passes a chain of containers
@@ -88,14 +86,10 @@ private:
     void empty(List& list) {
         cson_value* container = innermost;
         while (list.count > 1 && innermost == container)
-            drop_last(list);
+            drop(take_last(list));
         if (innermost != container)
             return;
-        References last = {};
-        if (list.count != 0) {
-            prefetch(list.items[0], FETCH_DISTANCE);
-            last = take_apart(list.items[0]);
-        }
+        const References last = list.count != 0 ? take_last(list) : References{};
         innermost = static_cast<cson_value*>(container->value);
         free_storage(&list);
         free_record(container);
@@ -105,23 +99,15 @@ private:
     cson_value* innermost = nullptr;
 };
 
-template <typename List>
-void clear(List& list) {
+template <typename Container>
+void clean(cson_value* value) {
+    auto& list = payload_of<Container>(value)->list;
     ReleaseQueue queue;
     while (list.count != 0) {
-        queue.drop_last(list);
+        queue.drop(ReleaseQueue::take_last(list));
         queue.drain();
     }
     free_storage(&list);
-}
-
-void clean_array(cson_value* value) {
-    clear(payload_of<cson_array>(value)->list);
-    make_undefined(value);
-}
-
-void clean_object(cson_value* value) {
-    clear(payload_of<cson_object>(value)->list);
     make_undefined(value);
 }
 
@@ -134,8 +120,8 @@ constinit const std::array<KindInfo, 8> json::KINDS = {{
     {{cson_kind_integer, make_undefined}, sizeof(std::int32_t), "cson_value:int"},
     {{cson_kind_double, make_undefined}, sizeof(double), "cson_value:double"},
     {{cson_kind_string, make_undefined}, sizeof(cson_string), "cson_value:string"},
-    {{cson_kind_array, clean_array}, sizeof(cson_array), "cson_value:array"},
-    {{cson_kind_object, clean_object}, sizeof(cson_object), "cson_value:object"},
+    {{cson_kind_array, clean<cson_array>}, sizeof(cson_array), "cson_value:array"},
+    {{cson_kind_object, clean<cson_object>}, sizeof(cson_object), "cson_value:object"},
 }};
 
 int cson_value_retain(cson_value* value) {
@@ -156,7 +142,7 @@ std::uint32_t cson_value_release(cson_value* value) {
 
 void json::release_pair(cson_kvp* pair) {
     ReleaseQueue queue;
-    queue.drop(pair);
+    queue.drop(ReleaseQueue::take_apart(pair));
     queue.drain();
 }
 

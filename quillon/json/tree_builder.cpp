@@ -47,25 +47,19 @@ std::uint32_t grown_capacity(std::size_t count, std::uint32_t first) {
                : 0;
 }
 
-// Makes a container with the entries of its list, the first of them null, both in one block with
-// `extra` bytes after them.
+// Makes a container for `count` entries, which are still to be written, with nulls after them.
 template <typename List, std::uint32_t first>
-cson_value* build_filled(Pool& pool, std::uint32_t kind, std::size_t count, std::size_t extra) {
+cson_value* build_grown(Pool& pool, std::uint32_t kind, std::size_t count, std::size_t extra) {
     const std::uint32_t capacity = grown_capacity(count, first);
-    if (capacity == 0)
-        return nullptr;
-    const std::size_t storage = capacity * sizeof(void*);
-    cson_value* value = build_record(&pool, kind, sizeof(List) + storage + extra);
+    cson_value* value = capacity != 0 ? build_filled<List>(pool, kind, capacity, extra) : nullptr;
     if (value == nullptr)
         return nullptr;
-    auto* list = new (value->value) List;
-    list->items = reinterpret_cast<decltype(list->items)>(list + 1);
+    auto* list = payload_of<List>(value);
     list->count = static_cast<std::uint32_t>(count);
-    list->capacity = capacity;
     // Most containers are small, and a size that is known takes no call.
     std::memset(static_cast<void*>(list->items), 0, first * sizeof(void*));
     if (capacity != first)
-        std::memset(static_cast<void*>(list->items + count), 0, storage - count * sizeof(void*));
+        std::memset(static_cast<void*>(list->items + count), 0, (capacity - count) * sizeof(void*));
     return value;
 }
 
@@ -94,7 +88,7 @@ cson_value* TreeBuilder::make_array(std::size_t first) {
     const std::size_t count = entries.size() - first;
     if (count == 0)
         return build_container(&pool, cson_kind_array);
-    cson_value* value = build_filled<cson_value_list, 7>(pool, cson_kind_array, count, 0);
+    cson_value* value = build_grown<cson_value_list, 7>(pool, cson_kind_array, count, 0);
     if (value != nullptr)
         copy_bytes(payload_of<cson_array>(value)->list.items, entries.from(first),
                    count * sizeof(void*));
@@ -106,14 +100,14 @@ cson_value* TreeBuilder::make_object(std::size_t first) {
     if (count == 0)
         return build_container(&pool, cson_kind_object);
     cson_value* value =
-        build_filled<cson_kvp_list, 5>(pool, cson_kind_object, count, count * sizeof(cson_kvp));
+        build_grown<cson_kvp_list, 5>(pool, cson_kind_object, count, count * sizeof(cson_kvp));
     if (value == nullptr)
         return nullptr;
     auto& list = payload_of<cson_object>(value)->list;
     auto* pairs = reinterpret_cast<cson_kvp*>(list.items + list.capacity);
     cson_value* const* members = entries.from(first);
     for (std::size_t i = 0; i < count; ++i)
-        list.items[i] = new (pairs + i) cson_kvp{members[2 * i], members[2 * i + 1], PART_OF_BLOCK};
+        list.items[i] = new (pairs + i) cson_kvp{members[2 * i], members[2 * i + 1], true};
     return value;
 }
 

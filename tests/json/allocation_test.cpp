@@ -127,10 +127,10 @@ TEST(Allocator, EveryBlockHasItsTag) {
     cson_buffer buffer;
     cson_buffer_reserve_bytes(&buffer, 10);
     EXPECT_EQ("cson_buffer::mem: 10\ncson_kvp: 24\ncson_kvp: 24\ncson_kvp: 24\n"
-              "cson_kvp_list_reserve: 56\ncson_value:array: 40\ncson_value:double: 32\n"
+              "cson_kvp_list_reserve: 48\ncson_value:array: 40\ncson_value:double: 32\n"
               "cson_value:int: 28\ncson_value:object: 40\ncson_value:string: 31\n"
               "cson_value:string: 32\ncson_value:string: 33\ncson_value:string: 34\n"
-              "cson_value_list_reserve: 64\n",
+              "cson_value_list_reserve: 56\n",
               allocator.report());
     cson_release_object(object);
     cson_buffer_reserve_bytes(&buffer, 0);

@@ -44,6 +44,8 @@ std::string entries_text(const List& list) {
     std::string made;
     for (std::uint32_t i = 0; i < list.count; ++i)
         made += entry_text(list.items[i]) + " ";
+    for (std::uint32_t i = list.count; i < list.capacity; ++i)
+        made += list.items[i] != nullptr ? "left over " : "";
     return made + "of " + std::to_string(list.capacity);
 }
 
