@@ -2,6 +2,8 @@
 // names that a plug-in defines.
 #pragma once
 
+#include "quillon/core/abi.h"
+// The check of the compiler comes first.
 #include "quillon/appearance/bitmap.h"
 #include "quillon/appearance/color.h"
 #include "quillon/appearance/color_names.h"

@@ -28,6 +28,8 @@
 // such calls to a library.
 #pragma once
 
+#include "quillon/core/abi.h"
+// The check of the compiler comes first.
 #include "quillon/containers/list.h"
 #include "quillon/containers/map.h"
 #include "quillon/containers/name_hash.h"
@@ -57,7 +59,7 @@ QUILLON_PLUGIN_VISIBLE void shutdown() __asm__("shutdown");
 QUILLON_PLUGIN_EXPORT const char* get_plugin_name();
 QUILLON_PLUGIN_EXPORT const char* get_plugin_purpose();
 // True for the keywords "GRAPHICS", "INPUT", "SYSTEM", "NET", "AUDIO" of the modules that it
-// serves.
+// serves. QUILLON_PLUGIN_SERVES also answers the keywords of quillon/core/abi.h.
 QUILLON_PLUGIN_EXPORT bool get_plugin_compatibility(const char* word);
 // Appends to the empty list the names, made with `new`, of plug-ins that must be initialised first.
 // The list lives until the plug-in has been offered the modules.
@@ -98,7 +100,8 @@ inline void add_name(DSParray<std::string>& names, const char* name) {
     }                                                                                              \
     bool get_plugin_compatibility(const char* word) {                                              \
         const std::initializer_list<std::string_view> keywords = {__VA_ARGS__};                    \
-        return std::find(keywords.begin(), keywords.end(), word) != keywords.end();                \
+        return quillon::is_own_abi(word) ||                                                        \
+               std::find(keywords.begin(), keywords.end(), word) != keywords.end();                \
     }
 
 // Defines get_plugin_prereqs with the names of the plug-ins that must be initialised first.

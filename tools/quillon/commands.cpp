@@ -5,6 +5,7 @@ namespace tool {
 Action declare_adjust(CLI::App& arguments);
 Action declare_average(CLI::App& arguments);
 Action declare_brush(CLI::App& arguments);
+Action declare_check(CLI::App& arguments);
 Action declare_convert(CLI::App& arguments);
 Action declare_inputs(CLI::App& arguments);
 Action declare_mask(CLI::App& arguments);
@@ -25,6 +26,7 @@ constexpr Command COMMANDS[] = {
     {"palette", "Print or draw the named colours, gradients and materials", declare_palette},
     {"plugins", "List the plug-ins of a folder, and what is wrong with those that do not work",
      declare_plugins},
+    {"check", "Check a plug-in against the contracts of the modules that it serves", declare_check},
 };
 
 } // namespace

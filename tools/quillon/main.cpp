@@ -1,3 +1,4 @@
+#include "child.h"
 #include "command.h"
 #include "nearest_word.h"
 
@@ -88,6 +89,8 @@ ExitCode parse_and_run(int argc, char** argv) {
 } // namespace
 
 int main(int argc, char** argv) {
+    if (argc > 1 && argv[1] == std::string_view(CHILD_ARGUMENT))
+        return run_as_child({argv + 2, argv + argc});
     const ExitCode code = parse_and_run(argc, argv);
     if (!std::cout.flush()) {
         std::cerr << "quillon: cannot write to the standard output\n";

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace tool::platform {
 
@@ -13,6 +14,34 @@ std::filesystem::path executable();
 
 // Whether a person reads the standard output as it is written.
 bool output_is_terminal();
+
+// The columns of the terminal behind the standard output; 80 if there is none.
+int output_columns();
+
+// A new empty folder, to be removed by the caller.
+std::filesystem::path make_scratch_folder();
+
+// How a process of this program ended.
+struct ProcessRun {
+    std::string out;
+    std::string error;
+    int exit_code = 0;
+    std::string fate; // in words if a signal or the time limit ended it; else empty
+};
+
+// Runs this program with `arguments` and without input; ends it, and what it started, after
+// `seconds` and where the user interrupts.
+//
+// Throws Failure if it cannot be started and after an interruption.
+ProcessRun run_self(const std::vector<std::string>& arguments, double seconds);
+
+// In such a process: keeps the standard output for `write_report` and sends what others print to
+// the error stream. A crash then leaves no core file.
+void prepare_child();
+void write_report(const std::string& text);
+
+// Keeps windows off the user's desktop for the rest of the process.
+void hide_display();
 
 // Catches what the process writes to its standard output as long as the object lives.
 class OutputCapture {
@@ -33,6 +62,10 @@ private:
     std::unique_ptr<std::FILE, CloseFile> kept;
     int output;
 };
+
+// Why a file is not to be handed to the system's loader, which waits at a pipe and ends the process
+// on some damaged files; empty if it may be.
+std::string file_fault(const std::filesystem::path& file);
 
 // A library that the tool loads by itself, as the host does not report why it refused a file.
 class LibraryFile {

@@ -5,6 +5,7 @@
 
 #include <dlfcn.h>
 #include <link.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -20,14 +21,6 @@ const char* plain_reason(const std::string& loader_text) {
     return "does not load: ";
 }
 
-// Why the file cannot be handed to the system's loader; a pipe would keep it waiting.
-std::string fault_of(const fs::path& file) {
-    std::error_code error;
-    if (fs::is_regular_file(file, error))
-        return elf_fault(file);
-    return error ? "not a file: " + error.message() : "not a file";
-}
-
 } // namespace
 
 fs::path executable() {
@@ -36,6 +29,21 @@ fs::path executable() {
 
 void OutputCapture::CloseFile::operator()(std::FILE* file) const {
     std::fclose(file);
+}
+
+std::string file_fault(const fs::path& file) {
+    std::error_code error;
+    if (fs::is_regular_file(file, error))
+        return elf_fault(file);
+    if (error && fs::is_symlink(fs::symlink_status(file)))
+        return "a link that leads nowhere, to '" + fs::read_symlink(file).string() +
+               "': " + error.message();
+    return error ? "not a file: " + error.message() : "not a file";
+}
+
+int output_columns() {
+    winsize size{};
+    return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
 }
 
 bool output_is_terminal() {
@@ -69,7 +77,7 @@ std::string OutputCapture::text() const {
     }
 }
 
-LibraryFile::LibraryFile(const fs::path& file) : why_not(fault_of(file)) {
+LibraryFile::LibraryFile(const fs::path& file) : why_not(file_fault(file)) {
     if (!why_not.empty())
         return;
     library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);

@@ -2,11 +2,12 @@
 
 #include "command.h"
 #include "platform.h"
+#include "plugins/contracts/contract.h"
 #include "quillon/core/modules.h"
 #include "quillon/core/plugin_registry.h"
 
+#include <deque>
 #include <iostream>
-#include <random>
 #include <sstream>
 
 namespace fs = std::filesystem;
@@ -31,15 +32,14 @@ fs::path own_folder(const std::string& name) {
                   built.lexically_normal().string() + "'; install quillon again");
 }
 
-// An empty current directory for as long as the object lives.
+// An empty current directory for as long as the object lives. It is removed at once, so that none
+// stays behind however the process ends.
 class EmptyDirectory {
 public:
     EmptyDirectory() : before(fs::current_path()) {
-        std::random_device random;
-        do
-            folder = fs::temp_directory_path() / ("quillon-" + std::to_string(random()));
-        while (!fs::create_directory(folder));
+        const fs::path folder = platform::make_scratch_folder();
         fs::current_path(folder);
+        fs::remove(folder);
     }
 
     EmptyDirectory(const EmptyDirectory&) = delete;
@@ -48,12 +48,10 @@ public:
     ~EmptyDirectory() {
         std::error_code ignored;
         fs::current_path(before, ignored);
-        fs::remove_all(folder, ignored);
     }
 
 private:
     fs::path before;
-    fs::path folder;
 };
 
 void open_here_or_apart(const fs::path& folder) {
@@ -64,18 +62,6 @@ void open_here_or_apart(const fs::path& folder) {
     __mCore_parse_folder_for_plugins(fs::absolute(folder).c_str());
     const EmptyDirectory apart;
     __mCore_open();
-}
-
-// Throws Failure where the library would just find nothing.
-void expect_listable(const fs::path& folder) {
-    std::error_code failure;
-    const fs::directory_iterator readable(folder, failure);
-    if (failure)
-        throw Failure("cannot list '" + folder.string() + "': " + failure.message() +
-                      "; name a folder of plug-ins");
-    if (folder != OPENED_FOLDER && fs::absolute(folder).string().size() + 2 > MAX_PATTERN)
-        throw Failure("the path of '" + folder.string() +
-                      "' is too long; move it nearer to the root");
 }
 
 // The file in "ERROR: Attempt to load module FILE failed", which a plug-in's own words without a
@@ -98,6 +84,27 @@ fs::path default_plugin_folder() {
 
 fs::path inspector_folder() {
     return own_folder("inspect");
+}
+
+void expect_listable(const fs::path& folder) {
+    std::error_code failure;
+    const fs::directory_iterator readable(folder, failure);
+    if (failure)
+        throw Failure("cannot list '" + folder.string() + "': " + failure.message() +
+                      "; name a folder of plug-ins");
+    if (folder != OPENED_FOLDER && fs::absolute(folder).string().size() + 2 > MAX_PATTERN)
+        throw Failure("the path of '" + folder.string() +
+                      "' is too long; move it nearer to the root");
+}
+
+// Plug-ins may look at the names until the library ends.
+void choose_plugins(const std::vector<std::string>& choices) {
+    static std::deque<std::string> names;
+    for (const std::string& choice : choices) {
+        const std::size_t sign = choice.find('=');
+        names.push_back(choice.substr(sign + 1));
+        quillon::choose_plugin(choice.substr(0, sign).c_str(), names.back().c_str());
+    }
 }
 
 std::vector<std::string> open_plugins(const fs::path& folder) {

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
@@ -35,7 +36,14 @@ struct PluginReport {
     std::vector<ServedModule> modules; // all five
 };
 
-// Opens the plug-ins of `folder`, once a process, and reports the outcome.
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(LoadedPlugin, file, name, purpose, prerequisites, modules,
+                                   initialised, reason)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(RefusedFile, file, reason)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(ServedModule, module, plugin, reason)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(PluginReport, loaded, refused, modules)
+
+// Opens the plug-ins of `folder`, once a process, and reports the outcome, without the reason of a
+// refused file.
 //
 // Throws Failure as open_plugins does.
 PluginReport report_on(const std::filesystem::path& folder);

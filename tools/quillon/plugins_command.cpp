@@ -1,12 +1,12 @@
 // `quillon plugins [FOLDER]`
+#include "child.h"
 #include "command.h"
+#include "examination.h"
 #include "plugin_folder.h"
-#include "plugin_report.h"
-#include "plugins/contracts/contract.h"
+#include "table.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <deque>
 #include <iostream>
 #include <nlohmann/json.hpp>
 
@@ -14,17 +14,6 @@ namespace fs = std::filesystem;
 
 namespace tool {
 namespace {
-
-using Row = std::vector<std::string>;
-
-constexpr const char* NOTHING = "-";
-
-// Names come from foreign code, and a line's end or an escape in one would break the table.
-std::string printable(std::string text) {
-    std::ranges::replace_if(
-        text, [](char letter) { return static_cast<unsigned char>(letter) < ' '; }, '?');
-    return text.empty() ? NOTHING : text;
-}
 
 std::string list_of(const std::vector<std::string>& words) {
     std::string list;
@@ -52,18 +41,6 @@ std::vector<Row> module_rows_of(const PluginReport& report) {
     for (const ServedModule& module : report.modules)
         rows.push_back({module.module, printable(module.plugin), printable(module.reason)});
     return rows;
-}
-
-void print_table(const std::vector<Row>& rows) {
-    std::vector<std::size_t> widths(rows.front().size());
-    for (const Row& row : rows)
-        for (std::size_t column = 0; column < row.size(); ++column)
-            widths[column] = std::max(widths[column], row[column].size());
-    for (const Row& row : rows) {
-        for (std::size_t column = 0; column + 1 < row.size(); ++column)
-            std::cout << row[column] << std::string(widths[column] - row[column].size() + 2, ' ');
-        std::cout << row.back() << "\n";
-    }
 }
 
 void print_json(const fs::path& folder, const PluginReport& report) {
@@ -101,27 +78,19 @@ std::string choice_fault(const std::string& text) {
                : "'" + text + "' is not MODULE=NAME with GRAPHICS, INPUT, SYSTEM, NET or AUDIO";
 }
 
-// Plug-ins may look at the names until the library ends.
-void choose(const std::vector<std::string>& choices) {
-    static std::deque<std::string> names;
-    for (const std::string& choice : choices) {
-        const std::size_t sign = choice.find('=');
-        names.push_back(choice.substr(sign + 1));
-        quillon::choose_plugin(choice.substr(0, sign).c_str(), names.back().c_str());
-    }
-}
-
 struct Arguments {
     std::string folder;
     std::vector<std::string> choices;
     bool json = false;
+    double limit = DEFAULT_LIMIT;
 };
 
 ExitCode list_plugins(const Arguments& arguments) {
     const fs::path folder =
         arguments.folder.empty() ? default_plugin_folder() : fs::path(arguments.folder);
-    choose(arguments.choices);
-    const PluginReport report = report_on(folder);
+    const Examination examination = examine(folder, arguments.choices, arguments.limit);
+    const PluginReport& report = examination.report;
+    std::cerr << examination.printed;
     if (arguments.json) {
         print_json(folder, report);
     } else {
@@ -146,6 +115,7 @@ Action declare_plugins(CLI::App& app) {
         ->allow_extra_args(false)
         ->check(choice_fault);
     app.add_flag("--json", arguments->json, "Print JSON for programs");
+    add_limit(app, arguments->limit);
     app.footer("Exits with 0 only if no file was refused.");
     return [arguments] { return list_plugins(*arguments); };
 }
