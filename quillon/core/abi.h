@@ -25,7 +25,8 @@
 #endif
 
 #if defined(_GLIBCXX_DEBUG) != (QUILLON_LIBRARY_ABI & 1)
-    #error "quillon: _GLIBCXX_DEBUG changes the layout of lists and maps; set it as the library was built, or use _GLIBCXX_ASSERTIONS, which changes none"
+    #error                                                                                         \
+        "quillon: _GLIBCXX_DEBUG changes the layout of lists and maps; set it as the library was built, or use _GLIBCXX_ASSERTIONS, which changes none"
 #endif
 #if (defined(_GLIBCXX_USE_CXX11_ABI) && _GLIBCXX_USE_CXX11_ABI == 0) !=                            \
     (QUILLON_LIBRARY_ABI / 2 % 2)

@@ -65,7 +65,8 @@ TEST_F(Pictures, FailureSaysTheFileAndTheReason) {
             {"convert text.png out.png", "cannot load 'text.png': neither a PNG nor a JPEG file"},
             {"convert lake.png no/out.png", "cannot save 'no/out.png': No such file"}});
     fs::remove("plugin/image.so");
-    expect_failures(1, {{"convert lake.png out.png", "no plug-in in 'plugin' serves GRAPHICS"}});
+    expect_failures(1, {{"convert lake.png out.png --plugins plugin",
+                         "no plug-in in 'plugin' serves GRAPHICS; 'quillon plugins plugin' says"}});
     EXPECT_FALSE(fs::exists("out.png"));
 }
 
@@ -93,11 +94,18 @@ TEST_F(Pictures, WriteWhatTheExportsMake) {
                 testing::MatchesRegex("0\\.(49.|5)#0\\.(49.|5)#0\\.9..#1#\n"));
 }
 
+TEST_F(Pictures, OnlyThePluginsOfTheGivenFolderRun) {
+    copy_fixtures({"crashes"});
+    EXPECT_EQ(0, run_tool("convert lake.png out.png").code);
+    fs::remove("plugin/0_crashes.so");
+    EXPECT_EQ(0, run_tool("convert lake.png out.png --plugins ./plugin").code);
+}
+
 TEST_F(Pictures, PaletteListsAndDraws) {
     const ToolRun list = run_tool("palette");
     EXPECT_THAT(list.out, HasSubstr("\nINVISIBLE                  1#1#1#0#"));
     EXPECT_THAT(list.out, HasSubstr("\nHealth                     1#0#0#1#"));
     EXPECT_THAT(list.out, HasSubstr("\nTURQUOISE                  0.1#0.187#0.175#0.8# "));
-    EXPECT_THAT(run_tool("palette palette.png").out, HasSubstr("palette.png: 1016 x "));
+    EXPECT_THAT(run_tool("palette palette.png").out, HasSubstr("palette.png: 1224 x 1168 pixels"));
     EXPECT_GT(fs::file_size("palette.png"), 50'000U);
 }

@@ -120,8 +120,10 @@ TEST(Plugins, EachRefusedFileHasItsReason) {
                             HasSubstr("2_missing_symbol.so: missing symbol: "),
                             "refused 3_without_shutdown.so: missing entry point: shutdown",
                             "refused a_text.so: not a library",
-                            "refused b_dangling.so: not a file: No such file or directory",
-                            "refused c_loop.so: not a file: Too many levels of symbolic links",
+                            "refused b_dangling.so: a link that leads nowhere, to 'nothing': "
+                            "No such file or directory",
+                            "refused c_loop.so: a link that leads nowhere, to 'c_loop.so': "
+                            "Too many levels of symbolic links",
                             "refused d_foreign.so: wrong architecture",
                             HasSubstr("e_object.so: does not load: "),
                             "refused f_start.so: cut off", "refused g_header.so: cut off",
@@ -134,6 +136,33 @@ TEST(Plugins, EachRefusedFileHasItsReason) {
          {"plug-ins in plugin\n", "0      0_graphics.so          Graphics  Module",
           "-      3_without_shutdown.so  -", "refused      missing entry point: shutdown\n"})
         EXPECT_THAT(table, HasSubstr(text));
+}
+
+TEST(Plugins, OneThatWouldTakeTheHostAlongIsARowAmongTheOthers) {
+    const ScratchFolder folder;
+    copy_fixtures({"graphics", "crashes", "exits", "hangs", "throws", "throws_later", "no_name",
+                   "foreign_layout", "input_and_system"});
+    // A folder of temporary files that must be empty again.
+    fs::create_directory("temporary");
+    const ToolRun run = run_tool("plugins --json --limit 1", "TMPDIR=$PWD/temporary");
+    EXPECT_EQ(1, run.code);
+    EXPECT_THAT(
+        summary(run),
+        ElementsAre(
+            "0_graphics.so GRAPHICS", "8_input_and_system.so INPUT SYSTEM",
+            "refused 1_crashes.so: crashes (Aborted) in get_plugin_name",
+            "refused 2_exits.so: ends the process with exit code 3 in get_plugin_name",
+            "refused 3_hangs.so: does not come back within 1 seconds in initialize or a connect "
+            "entry point",
+            "refused 4_throws.so: throws 'a failure of Fixture' in get_plugin_name",
+            "refused 5_throws_later.so: throws 'a failure of Fixture' in initialize or a connect "
+            "entry point",
+            "refused 6_no_name.so: get_plugin_name returns null",
+            "refused 7_foreign_layout.so: built with debug containers (_GLIBCXX_DEBUG), not plain "
+            "containers"));
+    EXPECT_TRUE(fs::is_empty("temporary"));
+    EXPECT_THAT(run_tool("plugins --limit 1").out,
+                HasSubstr("\n-      1_crashes.so           -         -        -              -"));
 }
 
 TEST(Plugins, EachModuleSaysWhoServesItAndWhy) {

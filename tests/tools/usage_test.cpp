@@ -45,6 +45,14 @@ TEST(Usage, MisuseIsAnErrorWithAHint) {
                {"adjust in.png out.png --darken 256", "--darken: Value 256 not in range 0 to 255"},
                {"brush in.png out.png --at 3 --radius 1 --color RED", "--at = 3"},
                {"brush in.png out.png --at 3,4 --color RED", "--radius is required"},
+               {"brush in.png out.png --at 3,4 --color RED --radius -1",
+                "--radius: '-1' is not a number from 0 to 65535"},
+               {"brush in.png out.png --at 3,4 --color 1#1e99#0# --radius 1", "is no colour"},
+               {"adjust in.png out.png --multiply nan", "'nan' is not a number from 0 to 255"},
+               {"normal-map in.png out.png --scale 1e9", "'1e9' is not a number from 0 to 10000"},
+               {"plugins --limit inf", "'inf' is not a number from 0.01 to 3600"},
+               {"convert in.png out.gif", "'out.gif' ends in none of .png, .jpg and .jpeg"},
+               {"palette palette", "'palette' ends in none of .png, .jpg and .jpeg"},
            });
 }
 

@@ -1,23 +1,52 @@
 #include "canvas.h"
 
+#include "command.h"
+
 #include "quillon/appearance/bitmap.h"
 
 #include <algorithm>
-#include <array>
-#include <stb/stb_easy_font.h>
-#include <vector>
+#include <cmath>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <stb/stb_truetype.h>
+#include <string>
 
 namespace tool {
 namespace {
 
 using quillon::cColor;
 
-// A corner of a rectangle, of which the font writes four in turn.
-struct Corner {
-    float x;
-    float y;
-    float z;
-    std::array<unsigned char, 4> color;
+// Where distributions keep the font DejaVu Sans.
+constexpr const char* FONT_FILES[] = {
+    "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf",
+    "/usr/share/fonts/TTF/DejaVuSans.ttf",
+    "/usr/share/fonts/dejavu/DejaVuSans.ttf",
+    "/usr/share/fonts/dejavu-sans-fonts/DejaVuSans.ttf",
+};
+
+class Font {
+public:
+    Font() {
+        for (const char* file : FONT_FILES) {
+            std::ifstream stream(file, std::ios::binary);
+            bytes.assign(std::istreambuf_iterator<char>(stream), {});
+            if (!bytes.empty() && stbtt_InitFont(&info, data(), 0) != 0)
+                return;
+        }
+        throw Failure("there is no font for the names: install the package fonts-dejavu-core");
+    }
+
+    const stbtt_fontinfo* get() const { return &info; }
+
+private:
+    const unsigned char* data() const {
+        return reinterpret_cast<const unsigned char*>(bytes.data());
+    }
+
+    std::string bytes;
+    stbtt_fontinfo info{};
 };
 
 } // namespace
@@ -51,17 +80,33 @@ void Canvas::fill(int x, int y, int width, int height, const cColor& color) {
             blend(column, row, color);
 }
 
-void Canvas::write(int x, int y, std::string text, const cColor& color) {
-    // A letter is at most a dozen rectangles.
-    std::vector<Corner> corners(text.size() * 12 * 4);
-    unsigned char unused[4] = {};
-    const int rectangles = stb_easy_font_print(0, 0, text.data(), unused, corners.data(),
-                                               static_cast<int>(corners.size() * sizeof(Corner)));
-    for (int i = 0; i < rectangles; ++i) {
-        const Corner& first = corners[static_cast<std::size_t>(i) * 4];
-        const Corner& opposite = corners[static_cast<std::size_t>(i) * 4 + 2];
-        fill(x + static_cast<int>(first.x), y + static_cast<int>(first.y),
-             static_cast<int>(opposite.x - first.x), static_cast<int>(opposite.y - first.y), color);
+void Canvas::write(int x, int y, int size, std::string_view text, const cColor& color) {
+    static const Font font;
+    const float scale = stbtt_ScaleForPixelHeight(font.get(), static_cast<float>(size));
+    int ascent = 0;
+    int advance = 0;
+    int unused = 0;
+    stbtt_GetFontVMetrics(font.get(), &ascent, &unused, &unused);
+    const int baseline = y + static_cast<int>(std::lround(static_cast<float>(ascent) * scale));
+    auto pen = static_cast<float>(x);
+    for (const char letter : text) {
+        const int left = static_cast<int>(pen);
+        int width = 0;
+        int height = 0;
+        int to_right = 0;
+        int down = 0;
+        const std::unique_ptr<unsigned char, decltype(&std::free)> coverage(
+            stbtt_GetCodepointBitmapSubpixel(font.get(), scale, scale,
+                                             pen - static_cast<float>(left), 0, letter, &width,
+                                             &height, &to_right, &down),
+            &std::free);
+        for (int i = 0; i < width * height; ++i) {
+            cColor ink = color;
+            ink.a *= static_cast<float>(coverage.get()[i]) / 255;
+            blend(left + to_right + i % width, baseline + down + i / width, ink);
+        }
+        stbtt_GetCodepointHMetrics(font.get(), letter, &advance, &unused);
+        pen += static_cast<float>(advance) * scale;
     }
 }
 

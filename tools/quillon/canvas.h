@@ -4,7 +4,7 @@
 #include "pictures.h"
 #include "quillon/appearance/color.h"
 
-#include <string>
+#include <string_view>
 
 namespace tool {
 
@@ -17,8 +17,8 @@ public:
     void blend(int x, int y, quillon::cColor color);
     void fill(int x, int y, int width, int height, const quillon::cColor& color);
 
-    // A line of text in ASCII, 12 pixels high, with its top left corner at (x, y).
-    void write(int x, int y, std::string text, const quillon::cColor& color);
+    // A line of ASCII text of that size in pixels, with its top left corner at (x, y).
+    void write(int x, int y, int size, std::string_view text, const quillon::cColor& color);
 
     const Picture& picture() const { return drawn; }
 

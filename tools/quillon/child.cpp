@@ -3,6 +3,7 @@
 #include "check/check.h"
 #include "command.h"
 #include "examination.h"
+#include "number_option.h"
 #include "platform.h"
 
 #include <CLI/CLI.hpp>
@@ -61,8 +62,8 @@ ChildReport run_child(std::vector<std::string> arguments, double limit) {
 }
 
 void add_limit(CLI::App& app, double& limit) {
-    app.add_option("--limit", limit, "Seconds after which a process of plug-ins counts as hanging")
-        ->check(CLI::Range(0.01, 3600.0))
+    add_number(app, "--limit", limit, 0.01, 3600,
+               "Seconds after which a process of plug-ins counts as hanging")
         ->capture_default_str();
 }
 

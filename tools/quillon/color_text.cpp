@@ -1,5 +1,6 @@
 #include "color_text.h"
 
+#include <cmath>
 #include <iomanip>
 #include <regex>
 #include <sstream>
@@ -8,9 +9,20 @@ namespace tool {
 
 using quillon::cColor;
 
+namespace {
+
+// Large exponents overflow.
+bool is_finite(const cColor& color) {
+    return std::isfinite(color.r) && std::isfinite(color.g) && std::isfinite(color.b) &&
+           std::isfinite(color.a);
+}
+
+} // namespace
+
 std::string color_fault(const std::string& text) {
     static const std::regex fields(R"(([-+]?(\d+\.?\d*|\.\d+)(e[-+]?\d+)?#){3,4})");
-    if (__nsColor_color_table(text) != nullptr || std::regex_match(text, fields))
+    if (__nsColor_color_table(text) != nullptr ||
+        (std::regex_match(text, fields) && is_finite(color_of(text))))
         return "";
     return "'" + text +
            "' is no colour; 'quillon palette' lists the named ones, and others are "

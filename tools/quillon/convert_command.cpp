@@ -13,10 +13,11 @@ namespace {
 struct Arguments {
     std::string in;
     std::string out;
+    std::string plugins;
 };
 
 ExitCode convert(const Arguments& arguments) {
-    open_graphics();
+    open_graphics(arguments.plugins);
     const auto start = std::chrono::steady_clock::now();
     const Picture picture = load_picture(arguments.in);
     save_picture(arguments.out, picture);
@@ -33,9 +34,8 @@ ExitCode convert(const Arguments& arguments) {
 Action declare_convert(CLI::App& app) {
     auto arguments = std::make_shared<Arguments>();
     app.add_option("IN", arguments->in, "A PNG or JPEG file")->required();
-    app.add_option("OUT", arguments->out,
-                   "The file to write: JPEG if it ends in .jpg or .jpeg, else PNG")
-        ->required();
+    add_output(app, arguments->out, "The file to write")->required();
+    add_plugin_folder(app, arguments->plugins);
     return [arguments] { return convert(*arguments); };
 }
 

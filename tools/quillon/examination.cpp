@@ -2,6 +2,7 @@
 
 #include "child.h"
 #include "command.h"
+#include "folder_of_links.h"
 #include "platform.h"
 #include "plugin_folder.h"
 #include "quillon/core/abi.h"
@@ -59,30 +60,13 @@ std::string abi_difference(const platform::LibraryFile& library) {
     return differences.empty() ? "" : "built with " + joined(differences);
 }
 
-// A folder for links to files, as long as the object lives.
-class FolderOfLinks {
-public:
-    FolderOfLinks(const fs::path& folder, const std::set<std::string>& left_out)
-        : scratch(platform::make_scratch_folder()) {
-        fs::create_directory(path());
-        for (const fs::directory_entry& entry : fs::directory_iterator(folder))
-            if (!left_out.contains(entry.path().filename()))
-                fs::create_symlink(fs::absolute(entry.path()), path() / entry.path().filename());
-    }
-
-    FolderOfLinks(const FolderOfLinks&) = delete;
-    FolderOfLinks& operator=(const FolderOfLinks&) = delete;
-
-    ~FolderOfLinks() {
-        std::error_code ignored;
-        fs::remove_all(scratch, ignored);
-    }
-
-    fs::path path() const { return scratch / "files"; }
-
-private:
-    fs::path scratch;
-};
+std::vector<fs::path> files_without(const fs::path& folder, const std::set<std::string>& left_out) {
+    std::vector<fs::path> files;
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder))
+        if (!left_out.contains(entry.path().filename()))
+            files.push_back(entry.path());
+    return files;
+}
 
 // The files of a folder that a host would load, in its order.
 std::vector<std::string> library_names(const fs::path& folder) {
@@ -125,7 +109,7 @@ private:
         arguments.insert(arguments.end(), choices.begin(), choices.end());
         if (left_out.empty())
             return run_child(arguments, limit);
-        const FolderOfLinks links(folder, left_out);
+        const FolderOfLinks links(files_without(folder, left_out));
         arguments[1] = links.path().string();
         return run_child(arguments, limit);
     }
@@ -190,7 +174,8 @@ Examination examine(const fs::path& folder, const std::vector<std::string>& choi
 
 void examine_file(const std::vector<std::string>& arguments) {
     enter_stage("as it is loaded");
-    platform::LibraryFile library(arguments.at(0));
+    // Stays loaded until the process ends: it holds the code of the exceptions that it throws.
+    static const platform::LibraryFile library(arguments.at(0));
     std::string reason = library.reason();
     std::string difference;
     if (reason.empty())
@@ -200,7 +185,6 @@ void examine_file(const std::vector<std::string>& arguments) {
     if (reason.empty())
         difference = abi_difference(library);
     report({{"reason", reason + difference}, {"dangerous", !difference.empty()}});
-    enter_stage("as it is unloaded");
 }
 
 void examine_folder(const std::vector<std::string>& arguments) {

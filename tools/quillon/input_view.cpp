@@ -15,25 +15,16 @@ namespace {
 using quillon::cInputAnalog;
 using quillon::cInputDigital;
 
-constexpr std::size_t NAME_WIDTH = 32;
-constexpr int BAR_HALF = 12;
+// In wide terminals, and in narrow ones.
+constexpr std::size_t WIDE = 90;
+constexpr std::size_t NAME_WIDTHS[] = {32, 22};
+constexpr std::size_t BAR_HALVES[] = {12, 8};
 
-std::string label(std::string_view text) {
-    const std::size_t padding = text.size() < NAME_WIDTH ? NAME_WIDTH - text.size() : 1;
-    return std::string(text) + std::string(padding, ' ');
-}
+// What is left of a travel from one frame to the next: a hundredth after 0.7 seconds.
+constexpr float FADING = 0.9F;
+constexpr float GONE = 0.005F; // less is shown as 0
 
-// "[       ====|            ] -0.33"
-std::string bar(float value) {
-    const int filled = static_cast<int>(std::lround(std::fabs(value) * BAR_HALF));
-    const std::string blank(static_cast<std::size_t>(BAR_HALF - filled), ' ');
-    const std::string full(static_cast<std::size_t>(filled), '=');
-    const std::string empty(BAR_HALF, ' ');
-    char number[16];
-    std::snprintf(number, sizeof number, "%+.2f", static_cast<double>(value));
-    return (value < 0 ? "[" + blank + full + "|" + empty : "[" + empty + "|" + full + blank) +
-           "] " + number;
-}
+constexpr std::int16_t MOUSE_AXES[] = {quillon::MOUSE_X, quillon::MOUSE_Y};
 
 // A stick at rest is no press, and Any only repeats what is shown anyway.
 bool is_shown(std::string_view name) {
@@ -50,24 +41,6 @@ std::string pressed_names() {
     return names.empty() ? "nothing" : names;
 }
 
-std::string axis_line(cInputAnalog axis) {
-    return label(axis.display_name()) + bar(axis.query()) + "\n";
-}
-
-std::string axis_lines(const quillon::Input& plugin) {
-    std::string lines =
-        axis_line({.code = quillon::MOUSE_X}) + axis_line({.code = quillon::MOUSE_Y});
-    for (std::int16_t pad = 0; pad < quillon::PAD_COUNT; ++pad) {
-        const char* const name = plugin.pad_name(static_cast<std::uint16_t>(pad));
-        if (name == nullptr)
-            continue;
-        lines += label("Pad " + std::to_string(pad + 1)) + name + "\n";
-        for (std::int16_t axis = 0; axis < quillon::PAD_AXES; ++axis)
-            lines += axis_line({.code = axis, .pad = pad});
-    }
-    return lines;
-}
-
 std::string words_of(std::initializer_list<std::pair<const char*, bool>> answers) {
     std::string words;
     for (const auto& [word, yes] : answers)
@@ -76,29 +49,87 @@ std::string words_of(std::initializer_list<std::pair<const char*, bool>> answers
     return words;
 }
 
-struct Answers {
-    std::string operator()(const cInputDigital& input) const {
-        return words_of({{"down", input.query_down()},
-                         {"press", input.query_press()},
-                         {"release", input.query_release()},
-                         {"hold", input.query_hold_press()},
-                         {"double-click", input.query_double_click()}});
-    }
+std::string answers(const cInputDigital& input) {
+    return words_of({{"down", input.query_down()},
+                     {"press", input.query_press()},
+                     {"release", input.query_release()},
+                     {"hold", input.query_hold_press()},
+                     {"double-click", input.query_double_click()}});
+}
 
-    std::string operator()(const cInputAnalog& input) const {
-        return " " + bar(input.query()) +
-               words_of({{"up", input.query_up()},
-                         {"down", input.query_down()},
-                         {"center", input.query_center()}});
-    }
-};
+std::string answers(const cInputAnalog& input) {
+    return words_of(
+        {{"up", input.query_up()}, {"down", input.query_down()}, {"center", input.query_center()}});
+}
 
 } // namespace
 
-std::string input_view(const quillon::Input& plugin, std::span<const Binding> bindings) {
-    std::string text = label("pressed") + pressed_names() + "\n" + axis_lines(plugin);
-    for (const Binding& binding : bindings)
-        text += label("bound: " + binding.text) + std::visit(Answers(), binding.input) + "\n";
+InputView::InputView(std::span<const Binding> watched, int screen_columns)
+    : bindings(watched), columns(static_cast<std::size_t>(screen_columns)) {
+    const bool is_narrow = columns > 0 && columns < WIDE;
+    name_width = NAME_WIDTHS[is_narrow];
+    bar_half = BAR_HALVES[is_narrow];
+}
+
+// A longer line would wrap, and the next frame would not cover it.
+std::string InputView::line(std::string_view label, const std::string& text) const {
+    std::string whole(label);
+    whole.resize(std::max(name_width, label.size() + 1), ' ');
+    whole += text;
+    if (columns > 0 && whole.size() > columns)
+        whole = whole.substr(0, columns - 3) + "...";
+    return whole + "\n";
+}
+
+// "[       ====|            ] -0.33"
+std::string InputView::bar(float value) const {
+    const auto filled = std::min(bar_half, static_cast<std::size_t>(std::lround(
+                                               std::fabs(value) * static_cast<float>(bar_half))));
+    const std::string blank(bar_half - filled, ' ');
+    const std::string full(filled, '=');
+    const std::string empty(bar_half, ' ');
+    char number[16];
+    std::snprintf(number, sizeof number, "%+.2f", static_cast<double>(value));
+    return (value < 0 ? "[" + blank + full + "|" + empty : "[" + empty + "|" + full + blank) +
+           "] " + number;
+}
+
+std::string InputView::axis_line(cInputAnalog axis, float value) const {
+    return line(axis.display_name(), bar(value));
+}
+
+std::string InputView::axis_lines(const quillon::Input& plugin) {
+    std::string lines;
+    for (std::size_t i = 0; i < travel.size(); ++i) {
+        const cInputAnalog axis{.code = MOUSE_AXES[i]};
+        const float now = axis.query();
+        const float faded = std::fabs(travel[i]) * FADING < GONE ? 0 : travel[i] * FADING;
+        travel[i] = std::fabs(now) >= std::fabs(faded) ? now : faded;
+        lines += axis_line(axis, travel[i]);
+    }
+    for (std::int16_t pad = 0; pad < quillon::PAD_COUNT; ++pad) {
+        const char* const name = plugin.pad_name(static_cast<std::uint16_t>(pad));
+        if (name == nullptr)
+            continue;
+        lines += line("Pad " + std::to_string(pad + 1), name);
+        for (std::int16_t code = 0; code < quillon::PAD_AXES; ++code) {
+            const cInputAnalog axis{.code = code, .pad = pad};
+            lines += axis_line(axis, axis.query());
+        }
+    }
+    return lines;
+}
+
+std::string InputView::frame(const quillon::Input& plugin) {
+    std::string text = line("pressed", pressed_names()) + axis_lines(plugin);
+    for (const Binding& binding : bindings) {
+        const std::string value = std::holds_alternative<cInputAnalog>(binding.input)
+                                      ? bar(std::get<cInputAnalog>(binding.input).query())
+                                      : "";
+        text += line(
+            "bound: " + binding.text,
+            value + std::visit([](const auto& input) { return answers(input); }, binding.input));
+    }
     return text;
 }
 

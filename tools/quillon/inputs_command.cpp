@@ -74,11 +74,12 @@ ExitCode show_inputs(const Arguments& arguments) {
         std::cerr << "no keys and no mouse, only pads: " << input.last_error() << "\n";
 
     Screen screen;
+    InputView view(bindings, platform::output_is_terminal() ? platform::output_columns() : 0);
     for (int frame = 0; arguments.frames == 0 || frame < arguments.frames; ++frame) {
         input.update();
         if (input.quit_requested())
             break;
-        screen.show(input_view(input, bindings));
+        screen.show(view.frame(input));
         std::this_thread::sleep_for(FRAME);
     }
     return SUCCESS;

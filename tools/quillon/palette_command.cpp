@@ -18,28 +18,28 @@ namespace {
 using quillon::cColor;
 using quillon::cMaterial;
 
+// One grid for all three: a gradient's name takes a cell and its bar the rest of the row.
 constexpr int MARGIN = 16;
-constexpr int WIDTH = 1016;
-constexpr int TITLE_HEIGHT = 26;
-constexpr int LABEL_HEIGHT = 12;
+constexpr int COLUMNS = 8;
+constexpr int COLUMN_WIDTH = 150;
+constexpr int GAP = 8; // between cells
+constexpr int WIDTH = 2 * MARGIN + COLUMNS * COLUMN_WIDTH - GAP;
+constexpr int TITLE_HEIGHT = 44;
+constexpr int TITLE_SIZE = 20;
+constexpr int LABEL_SIZE = 12;
 
-constexpr int COLOR_COLUMNS = 9;
-constexpr int COLOR_WIDTH = (WIDTH - 2 * MARGIN) / COLOR_COLUMNS;
-constexpr int COLOR_HEIGHT = 46;
-
-constexpr int GRADIENT_HEIGHT = 24;
-constexpr int GRADIENT_LABEL_WIDTH = 90;
-
-constexpr int MATERIAL_COLUMNS = 7;
-constexpr int MATERIAL_WIDTH = (WIDTH - 2 * MARGIN) / MATERIAL_COLUMNS;
-constexpr int MATERIAL_HEIGHT = 104;
+constexpr int COLOR_HEIGHT = 54;
+constexpr int SWATCH_HEIGHT = COLOR_HEIGHT - LABEL_SIZE - 14;
+constexpr int GRADIENT_HEIGHT = 30;
+constexpr int BAR_HEIGHT = GRADIENT_HEIGHT - 8;
+constexpr int MATERIAL_HEIGHT = 112;
 constexpr int BALL_RADIUS = 40;
 
 constexpr cColor BACKGROUND(0.13F, 0.13F, 0.15F, 1);
 constexpr cColor INK(0.85F, 0.85F, 0.85F, 1);
 
-constexpr int rows_of(std::size_t count, int columns) {
-    return (static_cast<int>(count) + columns - 1) / columns;
+constexpr int rows_of(std::size_t count) {
+    return (static_cast<int>(count) + COLUMNS - 1) / COLUMNS;
 }
 
 // A chequered ground, on which transparency shows.
@@ -53,33 +53,33 @@ void chequer(Canvas& canvas, int x, int y, int width, int height) {
 }
 
 int draw_title(Canvas& canvas, int y, const std::string& text) {
-    canvas.write(MARGIN, y + 8, text, quillon::WHITE);
+    canvas.write(MARGIN, y + 14, TITLE_SIZE, text, quillon::WHITE);
     return y + TITLE_HEIGHT;
 }
 
 int draw_colors(Canvas& canvas, int y) {
     int index = 0;
     for (const auto& [name, color] : quillon::NAMED_COLORS) {
-        const int left = MARGIN + index % COLOR_COLUMNS * COLOR_WIDTH;
-        const int top = y + index / COLOR_COLUMNS * COLOR_HEIGHT;
-        chequer(canvas, left, top, COLOR_WIDTH - 8, COLOR_HEIGHT - LABEL_HEIGHT - 8);
-        canvas.fill(left, top, COLOR_WIDTH - 8, COLOR_HEIGHT - LABEL_HEIGHT - 8, color);
-        canvas.write(left, top + COLOR_HEIGHT - LABEL_HEIGHT - 4, std::string(name), INK);
+        const int left = MARGIN + index % COLUMNS * COLUMN_WIDTH;
+        const int top = y + index / COLUMNS * COLOR_HEIGHT;
+        chequer(canvas, left, top, COLUMN_WIDTH - GAP, SWATCH_HEIGHT);
+        canvas.fill(left, top, COLUMN_WIDTH - GAP, SWATCH_HEIGHT, color);
+        canvas.write(left, top + SWATCH_HEIGHT + 2, LABEL_SIZE, name, INK);
         ++index;
     }
-    return y + rows_of(quillon::NAMED_COLORS.size(), COLOR_COLUMNS) * COLOR_HEIGHT;
+    return y + rows_of(quillon::NAMED_COLORS.size()) * COLOR_HEIGHT;
 }
 
 int draw_gradients(Canvas& canvas, int y) {
-    constexpr int LEFT = MARGIN + GRADIENT_LABEL_WIDTH;
+    constexpr int LEFT = MARGIN + COLUMN_WIDTH;
     constexpr int BAR_WIDTH = WIDTH - MARGIN - LEFT;
     for (const std::string_view name : quillon::GRADIENT_NAMES) {
         const quillon::cGradient* gradient = __nsGradient_gradient_table(std::string(name));
-        chequer(canvas, LEFT, y, BAR_WIDTH, GRADIENT_HEIGHT - 6);
+        chequer(canvas, LEFT, y, BAR_WIDTH, BAR_HEIGHT);
         for (int x = 0; x < BAR_WIDTH; ++x)
-            canvas.fill(LEFT + x, y, 1, GRADIENT_HEIGHT - 6,
+            canvas.fill(LEFT + x, y, 1, BAR_HEIGHT,
                         gradient->function(static_cast<float>(x) / (BAR_WIDTH - 1)));
-        canvas.write(MARGIN, y + 5, std::string(name), INK);
+        canvas.write(MARGIN, y + (BAR_HEIGHT - LABEL_SIZE) / 2, LABEL_SIZE, name, INK);
         y += GRADIENT_HEIGHT;
     }
     return y;
@@ -113,21 +113,20 @@ void draw_ball(Canvas& canvas, int centre_x, int centre_y, const cMaterial& mate
 int draw_materials(Canvas& canvas, int y) {
     int index = 0;
     for (const auto& [name, material] : quillon::NAMED_MATERIALS) {
-        const int left = MARGIN + index % MATERIAL_COLUMNS * MATERIAL_WIDTH;
-        const int top = y + index / MATERIAL_COLUMNS * MATERIAL_HEIGHT;
+        const int left = MARGIN + index % COLUMNS * COLUMN_WIDTH;
+        const int top = y + index / COLUMNS * MATERIAL_HEIGHT;
         draw_ball(canvas, left + BALL_RADIUS, top + BALL_RADIUS, material);
-        canvas.write(left, top + 2 * BALL_RADIUS + 6, std::string(name), INK);
+        canvas.write(left, top + 2 * BALL_RADIUS + 6, LABEL_SIZE, name, INK);
         ++index;
     }
-    return y + rows_of(quillon::NAMED_MATERIALS.size(), MATERIAL_COLUMNS) * MATERIAL_HEIGHT;
+    return y + rows_of(quillon::NAMED_MATERIALS.size()) * MATERIAL_HEIGHT;
 }
 
-ExitCode draw_palette(const std::string& file) {
-    constexpr int HEIGHT =
-        3 * TITLE_HEIGHT + rows_of(quillon::NAMED_COLORS.size(), COLOR_COLUMNS) * COLOR_HEIGHT +
-        static_cast<int>(quillon::GRADIENT_NAMES.size()) * GRADIENT_HEIGHT +
-        rows_of(quillon::NAMED_MATERIALS.size(), MATERIAL_COLUMNS) * MATERIAL_HEIGHT;
-    open_graphics();
+ExitCode draw_palette(const std::string& file, const std::string& plugins) {
+    constexpr int HEIGHT = 3 * TITLE_HEIGHT + rows_of(quillon::NAMED_COLORS.size()) * COLOR_HEIGHT +
+                           static_cast<int>(quillon::GRADIENT_NAMES.size()) * GRADIENT_HEIGHT +
+                           rows_of(quillon::NAMED_MATERIALS.size()) * MATERIAL_HEIGHT;
+    open_graphics(plugins);
     Canvas canvas(WIDTH, HEIGHT, BACKGROUND);
     int y = draw_colors(canvas, draw_title(canvas, 0, "Colours"));
     y = draw_gradients(canvas, draw_title(canvas, y, "Gradients, from 0 to 1"));
@@ -170,9 +169,19 @@ ExitCode print_palette() {
 } // namespace
 
 Action declare_palette(CLI::App& app) {
-    auto file = std::make_shared<std::string>();
-    app.add_option("OUT", *file, "The picture to save; without it the palette is printed as text");
-    return [file] { return file->empty() ? print_palette() : draw_palette(*file); };
+    struct Arguments {
+        std::string file;
+        std::string plugins;
+    };
+
+    auto arguments = std::make_shared<Arguments>();
+    add_output(app, arguments->file,
+               "The picture to save; without it the palette is printed as text");
+    add_plugin_folder(app, arguments->plugins);
+    return [arguments] {
+        return arguments->file.empty() ? print_palette()
+                                       : draw_palette(arguments->file, arguments->plugins);
+    };
 }
 
 } // namespace tool

@@ -1,6 +1,7 @@
 // `quillon normal-map`, `brush`, `mask`, `adjust` and `average`: the filters on real pictures.
 #include "color_text.h"
 #include "command.h"
+#include "number_option.h"
 #include "pictures.h"
 #include "quillon/appearance/bitmap.h"
 #include "quillon/appearance/filters.h"
@@ -16,9 +17,14 @@ namespace {
 
 using quillon::cColor;
 
+constexpr double MAX_SCALE = 10'000;
+constexpr double MAX_RADIUS = 65'535; // pixels, the longest side of a picture
+constexpr double MAX_FACTOR = 255;    // makes a byte of 1 white
+
 struct Files {
     std::string in;
     std::string out;
+    std::string plugins;
 };
 
 // The exports count pixels in 32 bits; a plug-in may load more.
@@ -33,7 +39,7 @@ std::int32_t pixel_count(const Picture& picture) {
 
 template <typename Change>
 ExitCode change_picture(const Files& files, Change change) {
-    open_graphics();
+    open_graphics(files.plugins);
     const Picture picture = load_picture(files.in);
     change(picture, pixel_count(picture));
     save_picture(files.out, picture);
@@ -44,9 +50,8 @@ ExitCode change_picture(const Files& files, Change change) {
 
 void add_files(CLI::App& app, Files& files) {
     app.add_option("IN", files.in, "The picture to load")->required();
-    app.add_option("OUT", files.out,
-                   "The picture to save: JPEG if it ends in .jpg or .jpeg, else PNG")
-        ->required();
+    add_output(app, files.out, "The picture to save")->required();
+    add_plugin_folder(app, files.plugins);
 }
 
 // Requires exactly one of the options.
@@ -77,12 +82,12 @@ bool lexical_cast(const std::string& text, Point& point) {
     return y.ec == std::errc() && y.ptr == end;
 }
 
-ExitCode average(const std::string& file) {
-    open_graphics();
-    const Picture picture = load_picture(file);
+ExitCode average(const Files& files) {
+    open_graphics(files.plugins);
+    const Picture picture = load_picture(files.in);
     cColor color(0, 0, 0, 0);
     __cBitmap_get_average_color(color, picture.pixels.get(), picture.width, picture.height);
-    std::cout << file << ": " << picture.width << " x " << picture.height << " pixels, average "
+    std::cout << files.in << ": " << picture.width << " x " << picture.height << " pixels, average "
               << text_of(color) << '\n';
     return SUCCESS;
 }
@@ -92,16 +97,17 @@ ExitCode average(const std::string& file) {
 Action declare_normal_map(CLI::App& app) {
     struct Arguments {
         Files files;
-        float scale = 1;
+        double scale = 1;
     };
 
     auto arguments = std::make_shared<Arguments>();
     add_files(app, arguments->files);
-    app.add_option("--scale", arguments->scale, "How steep the heights are")->capture_default_str();
+    add_number(app, "--scale", arguments->scale, 0, MAX_SCALE, "How steep the heights are")
+        ->capture_default_str();
     return [arguments] {
         return change_picture(arguments->files, [&](const Picture& picture, std::int32_t) {
             __cBitmap_bump_map_to_normal_map(picture.pixels.get(), picture.width, picture.height,
-                                             arguments->scale);
+                                             static_cast<float>(arguments->scale));
         });
     };
 }
@@ -110,8 +116,8 @@ Action declare_brush(CLI::App& app) {
     struct Arguments {
         Files files;
         Point at;
-        float radius = 0;
-        float deviation = 0;
+        double radius = 0;
+        double deviation = 0;
         std::string color;
     };
 
@@ -120,9 +126,11 @@ Action declare_brush(CLI::App& app) {
     app.add_option("--at", arguments->at, "Column and row of the centre, inside the picture or not")
         ->type_name("X,Y")
         ->required();
-    app.add_option("--radius", arguments->radius, "Of the disc of full strength, in pixels")
+    add_number(app, "--radius", arguments->radius, 0, MAX_RADIUS,
+               "Of the disc of full strength, in pixels")
         ->required();
-    app.add_option("--deviation", arguments->deviation, "Of the soft ring around it; 0 for none")
+    add_number(app, "--deviation", arguments->deviation, 0, MAX_RADIUS,
+               "Of the soft ring around it; 0 for none")
         ->capture_default_str();
     app.add_option("--color", arguments->color, COLOR_HELP)
         ->check(color_fault, "COLOR")
@@ -130,8 +138,9 @@ Action declare_brush(CLI::App& app) {
     return [arguments] {
         return change_picture(arguments->files, [&](const Picture& picture, std::int32_t) {
             __cBitmap_gauss_brush(color_of(arguments->color), picture.pixels.get(), arguments->at.x,
-                                  arguments->at.y, picture.width, picture.height, arguments->radius,
-                                  arguments->deviation);
+                                  arguments->at.y, picture.width, picture.height,
+                                  static_cast<float>(arguments->radius),
+                                  static_cast<float>(arguments->deviation));
         });
     };
 }
@@ -173,25 +182,28 @@ Action declare_mask(CLI::App& app) {
 Action declare_adjust(CLI::App& app) {
     struct Arguments {
         Files files;
-        std::optional<float> factor;
+        double factor = 0;
+        CLI::Option* multiply = nullptr;
         std::optional<int> darken;
         std::optional<int> brighten;
     };
 
     auto arguments = std::make_shared<Arguments>();
     add_files(app, arguments->files);
-    require_one(
-        app,
-        {app.add_option("--multiply", arguments->factor, "Scale the brightness by a factor"),
-         app.add_option("--darken", arguments->darken, "Subtract from each byte")
-             ->check(CLI::Range(0, 255)),
-         app.add_option("--brighten", arguments->brighten, "Add to each byte")
-             ->check(CLI::Range(0, 255))},
-        "--multiply, --darken and --brighten");
+    arguments->multiply = add_number(app, "--multiply", arguments->factor, 0, MAX_FACTOR,
+                                     "Scale the brightness by a factor");
+    require_one(app,
+                {arguments->multiply,
+                 app.add_option("--darken", arguments->darken, "Subtract from each byte")
+                     ->check(CLI::Range(0, 255)),
+                 app.add_option("--brighten", arguments->brighten, "Add to each byte")
+                     ->check(CLI::Range(0, 255))},
+                "--multiply, --darken and --brighten");
     return [arguments] {
         return change_picture(arguments->files, [&](const Picture& picture, std::int32_t count) {
-            if (arguments->factor)
-                __cBitmap_multiply(*arguments->factor, picture.pixels.get(), count);
+            if (arguments->multiply->count() > 0)
+                __cBitmap_multiply(static_cast<float>(arguments->factor), picture.pixels.get(),
+                                   count);
             else if (arguments->darken)
                 __cBitmap_darken(static_cast<std::uint8_t>(*arguments->darken),
                                  picture.pixels.get(), count);
@@ -203,9 +215,10 @@ Action declare_adjust(CLI::App& app) {
 }
 
 Action declare_average(CLI::App& app) {
-    auto file = std::make_shared<std::string>();
-    app.add_option("IN", *file, "The picture to load")->required();
-    return [file] { return average(*file); };
+    auto files = std::make_shared<Files>();
+    app.add_option("IN", files->in, "The picture to load")->required();
+    add_plugin_folder(app, files->plugins);
+    return [files] { return average(*files); };
 }
 
 } // namespace tool

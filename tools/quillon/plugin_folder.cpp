@@ -1,6 +1,7 @@
 #include "plugin_folder.h"
 
 #include "command.h"
+#include "folder_of_links.h"
 #include "platform.h"
 #include "plugins/contracts/contract.h"
 #include "quillon/core/modules.h"
@@ -122,6 +123,13 @@ std::vector<std::string> open_plugins(const fs::path& folder) {
         else if (!line.starts_with("loading plugin: "))
             std::cerr << line << "\n";
     return refused;
+}
+
+void open_own_plugin(const std::string& name) {
+    const std::string file = name + platform::LIBRARY_EXTENSION;
+    const fs::path plugin = own_folder(OPENED_FOLDER) / file;
+    const FolderOfLinks links({plugin});
+    open_plugins(links.path());
 }
 
 } // namespace tool

@@ -31,4 +31,8 @@ void choose_plugins(const std::vector<std::string>& choices);
 // Throws Failure for a folder that the library cannot list.
 std::vector<std::string> open_plugins(const std::filesystem::path& folder);
 
+// Opens one of the plug-ins that came with the tool, by the name of its file without ending, and no
+// other.
+void open_own_plugin(const std::string& name);
+
 } // namespace tool

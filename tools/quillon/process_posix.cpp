@@ -32,6 +32,7 @@ class InterruptionsNoted {
 public:
     InterruptionsNoted() {
         struct sigaction note {};
+
         note.sa_handler = [](int signal) { interruption = signal; };
         for (std::size_t i = 0; i < before.size(); ++i)
             sigaction(INTERRUPTIONS[i], &note, &before[i]);
@@ -164,8 +165,8 @@ ProcessRun run_self(const std::vector<std::string>& arguments, double seconds) {
 
     ProcessRun run;
     std::array<pollfd, 2> readers = {{{out.reader(), POLLIN, 0}, {error.reader(), POLLIN, 0}}};
-    const bool is_in_time = read_until(end, readers, {&run.out, &run.error}, child) &&
-                            wait_until(end, child);
+    const bool is_in_time =
+        read_until(end, readers, {&run.out, &run.error}, child) && wait_until(end, child);
     kill(-child, SIGKILL);
     int status = 0;
     waitpid(child, &status, 0);

@@ -11,6 +11,8 @@ namespace {
 using quillon::Audio;
 
 constexpr const char* SUBJECT = "AUDIO";
+// The noise that mixers add to hide the rounding to 16 bits.
+constexpr int SILENCE = 2;
 constexpr std::uint32_t RATE = quillon::AUDIO_FRAMES_PER_SECOND;
 
 // A tenth of a second.
@@ -64,7 +66,7 @@ void check_voices(const Audio& audio) {
         audio.release_sound(sound);
         peak(audio, RATE / 10);
         expect(!audio.is_playing(voice), "its voice plays on");
-        expect(peak(audio, RATE / 10) == 0, "its voice is heard");
+        expect(peak(audio, RATE / 10) <= SILENCE, "its voice is heard");
         expect_failure(audio, audio.play(sound, {}) == 0, "play of a released sound");
     });
     check(SUBJECT, "holds and silences its voices", [&] {
@@ -72,13 +74,13 @@ void check_voices(const Audio& audio) {
         const auto voice = play(audio, sound, true);
         audio.set_paused(true);
         peak(audio, RATE / 10);
-        expect(peak(audio, RATE / 10) == 0, "a held voice is heard");
+        expect(peak(audio, RATE / 10) <= SILENCE, "a held voice is heard");
         expect(audio.is_playing(voice), "a held voice ends");
         audio.set_paused(false);
         expect(peak(audio, RATE / 10) > 1000, "a voice does not go on");
         audio.set_master_gain(0);
         peak(audio, RATE / 10);
-        expect(peak(audio, RATE / 10) == 0, "a master gain of 0 is heard");
+        expect(peak(audio, RATE / 10) <= SILENCE, "a master gain of 0 is heard");
         audio.set_master_gain(1);
         audio.stop(voice);
         expect(!audio.is_playing(voice), "a stopped voice plays");
@@ -90,7 +92,7 @@ void check_voices(const Audio& audio) {
 
 void check_audio(const Audio& audio) {
     check(SUBJECT, "renders silence where nothing plays",
-          [&] { expect(peak(audio, 1234) == 0, "what is rendered is not silent"); });
+          [&] { expect(peak(audio, 1234) <= SILENCE, "what is rendered is not silent"); });
     check(SUBJECT, "says why a sound is refused", [&] {
         expect_failure(audio, audio.load_sound("missing.wav") == 0, "load_sound of a missing file");
         std::ofstream("text.wav") << "no sound";

@@ -4,7 +4,7 @@
 #include "child.h"
 #include "command.h"
 #include "examination.h"
-#include "platform.h"
+#include "folder_of_links.h"
 #include "table.h"
 
 #include <CLI/CLI.hpp>
@@ -30,25 +30,6 @@ struct Result {
 
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(Result, subject, promise, fault)
 
-// A folder of its own for as long as the object lives.
-class ScratchFolder {
-public:
-    ScratchFolder() : folder(platform::make_scratch_folder()) {}
-
-    ScratchFolder(const ScratchFolder&) = delete;
-    ScratchFolder& operator=(const ScratchFolder&) = delete;
-
-    ~ScratchFolder() {
-        std::error_code ignored;
-        fs::remove_all(folder, ignored);
-    }
-
-    std::string path() const { return folder.string(); }
-
-private:
-    fs::path folder;
-};
-
 // The last line is that of the check in which a child ended before its time.
 std::vector<Result> results_of(const ChildReport& run) {
     std::vector<Result> results;
@@ -70,9 +51,9 @@ std::vector<Result> examine_and_check(const Arguments& arguments) {
     const FileVerdict verdict = examine_alone(arguments.file, arguments.limit);
     if (!verdict.reason.empty())
         return {{"plug-in", "loads", verdict.reason}};
-    const ScratchFolder scratch;
+    const FolderOfLinks scratch({});
     const ChildReport run = run_child(
-        {"check", fs::absolute(arguments.file).string(), scratch.path()}, arguments.limit);
+        {"check", fs::absolute(arguments.file).string(), scratch.path().string()}, arguments.limit);
     std::cerr << run.error;
     return results_of(run);
 }

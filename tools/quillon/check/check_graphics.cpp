@@ -104,8 +104,7 @@ void check_frames(const Graphics& graphics) {
     });
     check(SUBJECT, "draws an overlay pixel on pixel", [&] {
         begin(graphics);
-        expect_success(graphics,
-                       graphics.draw_overlay({.x = 9, .y = 4, .width = 16, .height = 10}),
+        expect_success(graphics, graphics.draw_overlay({.x = 9, .y = 4, .width = 16, .height = 10}),
                        "draw_overlay");
         end(graphics);
         const Frame frame(graphics, WIDTH, HEIGHT);
@@ -116,11 +115,11 @@ void check_frames(const Graphics& graphics) {
     });
     check(SUBJECT, "draws a sprite in front of the camera", [&] {
         begin(graphics);
-        expect_success(graphics,
-                       graphics.draw_sprite({.position = {0, 0, 5},
-                                             .blend = quillon::Blend::Opaque,
-                                             .has_fog = false}),
-                       "draw_sprite");
+        expect_success(
+            graphics,
+            graphics.draw_sprite(
+                {.position = {0, 0, 5}, .blend = quillon::Blend::Opaque, .has_fog = false}),
+            "draw_sprite");
         end(graphics);
         const Frame frame(graphics, WIDTH, HEIGHT);
         frame.expect_at(WIDTH / 2, HEIGHT / 2, WHITE_BYTES, "the sprite");

@@ -34,7 +34,8 @@ Loaded load(const quillon::Pictures& pictures, const char* file) {
     Loaded loaded;
     std::uint8_t* pixels = &untouched;
     pictures.load_bitmap(file, &loaded.width, &loaded.height, &pixels);
-    expect(pixels != &untouched, std::string("load_bitmap of ") + file + " leaves the buffer unset");
+    expect(pixels != &untouched,
+           std::string("load_bitmap of ") + file + " leaves the buffer unset");
     loaded.pixels.reset(pixels);
     return loaded;
 }

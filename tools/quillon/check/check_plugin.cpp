@@ -135,8 +135,8 @@ const quillon::Network* second_network(const fs::path& file) {
     fs::copy_file(file, "second.so");
     second = std::make_unique<Patient>(fs::absolute("second.so"));
     expect(second->initialize(), "a second copy does not initialise");
-    table = connect(*second, "connect_network_interface",
-                    quillon::ENTRY_COUNT<quillon::NetworkTable>);
+    table =
+        connect(*second, "connect_network_interface", quillon::ENTRY_COUNT<quillon::NetworkTable>);
     return &as<quillon::Network>(table);
 }
 
@@ -212,8 +212,8 @@ void check_service(const Patient& patient, const Service& service) {
     check(service.keyword, "names its contract", [&] {
         table = connect(patient, service.entry_point, service.size);
         expect(std::size(service.operations(table)) > 0,
-               "it serves " + quillon::detail::to_text(identity_of(table)) + ", and what is known is " +
-                   service.contracts);
+               "it serves " + quillon::detail::to_text(identity_of(table)) +
+                   ", and what is known is " + service.contracts);
     });
     if (table.empty() || table[0] == nullptr || std::size(service.operations(table)) == 0)
         return;

@@ -1,0 +1,60 @@
+// `quillon check`: a plug-in that is wrong in one way fails by the row that says so.
+#include "loaded_library.h"
+#include "tool_run.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+namespace {
+
+// The first promise that is not kept, and what of it.
+std::string first_fault(const ToolRun& run) {
+    for (const auto& row : nlohmann::json::parse(run.out))
+        if (row["fault"] != "")
+            return row["promise"].get<std::string>() + ": " + row["fault"].get<std::string>();
+    return "";
+}
+
+TEST(Check, FaultFailsByItsRow) {
+    const ScratchFolder folder;
+    const struct {
+        const char* plugin;
+        const char* fault;
+        const char* row;
+    } cases[] = {
+        {"wrong_clock", "nameless", "names its contract: entry 0 is empty"},
+        {"wrong_clock", "next version", "names its contract: it serves 'quillon.system' version 2"},
+        {"wrong_clock", "hole", "fills its operations and leaves the reserved entries: entry 2 is"},
+        {"wrong_clock", "reserved", "fills its operations and leaves the reserved entries: entry 9"},
+        {"wrong_clock", "null reason", "last_error returns null"},
+        {"wrong_clock", "falls", "a time that never falls: get_time falls"},
+        {"wrong_clock", "milliseconds", "pauses as long as it is asked to"},
+        {"wrong_clock", "short pause", "pauses as long as it is asked to"},
+        {"wrong_clock", "crash", "pauses as long as it is asked to, by its own time too: crashes"},
+        {"wrong_clock", "endless pause", ": does not come back within 1 seconds"},
+        {"wrong_image", "loads nothing", "says why a picture does not load: load_bitmap"},
+        {"wrong_image", "saves nothing", "loads the pixels that it saved"},
+        {"wrong_graphics-gl", "opens again", "opens one surface without a window: a second open"},
+        {"wrong_graphics-gl", "black frames", "clears a frame to the sky"},
+        {"wrong_input-sdl", "rattles", "answers the same until the next update: key_down of 0"},
+        {"wrong_audio-openal", "noise", "renders silence where nothing plays"},
+        {"wrong_audio-openal", "plays for ever", "passes over handles that are none"},
+        {"wrong_network-enet", "always somebody", "has nobody before it hosts or joins: get_peers"},
+        {"wrong_network-enet", "hosts again", "hosts once, on a free port: a second host"},
+        {"graphics", "", "it has connect_input_interface but says no to INPUT"},
+        {"all_five", "", "names its contract: entry 0 is empty"},
+        {"crashes", "", "loads: crashes (Aborted) in get_plugin_name"},
+    };
+    for (const auto& row : cases) {
+        SCOPED_TRACE(std::string(row.plugin) + ", " + row.fault);
+        const ToolRun run =
+            run_tool(std::string("check --json --limit 1 " FIXTURE_FOLDER "/") + row.plugin + ".so",
+                     std::string("ASAN_OPTIONS=detect_leaks=0 FAULT='") + row.fault + "'");
+        EXPECT_EQ(1, run.code);
+        EXPECT_THAT(first_fault(run), testing::HasSubstr(row.row)) << run.out << run.error;
+    }
+}
+
+} // namespace
