@@ -34,6 +34,13 @@ if(QUILLON_TOOLS)
     install(TARGETS inspector
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/quillon/inspect COMPONENT tools)
 endif()
+if(TARGET tool_documents)
+    install(FILES ${PROJECT_BINARY_DIR}/tools/quillon/quillon.1
+        DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
+    install(FILES ${PROJECT_BINARY_DIR}/tools/quillon/quillon.bash
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME quillon
+        COMPONENT tools)
+endif()
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/ ${PROJECT_SOURCE_DIR}/examples
     DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documents)
 install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CHANGELOG.md

@@ -19,6 +19,7 @@ std::string first_fault(const ToolRun& run) {
 
 TEST(Check, FaultFailsByItsRow) {
     const ScratchFolder folder;
+
     const struct {
         const char* plugin;
         const char* fault;
@@ -27,7 +28,8 @@ TEST(Check, FaultFailsByItsRow) {
         {"wrong_clock", "nameless", "names its contract: entry 0 is empty"},
         {"wrong_clock", "next version", "names its contract: it serves 'quillon.system' version 2"},
         {"wrong_clock", "hole", "fills its operations and leaves the reserved entries: entry 2 is"},
-        {"wrong_clock", "reserved", "fills its operations and leaves the reserved entries: entry 9"},
+        {"wrong_clock", "reserved",
+         "fills its operations and leaves the reserved entries: entry 9"},
         {"wrong_clock", "null reason", "last_error returns null"},
         {"wrong_clock", "falls", "a time that never falls: get_time falls"},
         {"wrong_clock", "milliseconds", "pauses as long as it is asked to"},
@@ -47,6 +49,7 @@ TEST(Check, FaultFailsByItsRow) {
         {"all_five", "", "names its contract: entry 0 is empty"},
         {"crashes", "", "loads: crashes (Aborted) in get_plugin_name"},
     };
+
     for (const auto& row : cases) {
         SCOPED_TRACE(std::string(row.plugin) + ", " + row.fault);
         const ToolRun run =

@@ -4,6 +4,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <fstream>
+
 using testing::HasSubstr;
 
 TEST(Usage, HelpAndVersionEverywhere) {
@@ -18,6 +21,24 @@ TEST(Usage, HelpAndVersionEverywhere) {
         EXPECT_THAT(version.out, testing::MatchesRegex("quillon [0-9]+\\.[0-9]+\\.[0-9]+\n"));
         EXPECT_EQ("", help.error + version.error);
     }
+}
+
+TEST(Usage, ManualPageAndCompletionKnowEveryCommand) {
+    const ScratchFolder folder;
+    const std::string page = run_tool("help --man").out;
+    EXPECT_THAT(page, HasSubstr(".SS quillon brush IN OUT [options]"));
+    EXPECT_THAT(page, HasSubstr("\n.B \\-\\-json\n"));
+    std::ofstream("completion") << run_tool("help --completion").out;
+    const auto complete = [](const std::string& words) {
+        const std::string script = "bash -c '. ./completion; COMP_WORDS=(quillon " + words +
+                                   "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _quillon; "
+                                   "echo ${COMPREPLY[@]}' > completed";
+        EXPECT_EQ(0, std::system(script.c_str()));
+        return bytes_of("completed");
+    };
+    EXPECT_EQ("check\n", complete("ch"));
+    EXPECT_EQ("--radius\n", complete("brush in.png --ra"));
+    EXPECT_EQ("\n", complete("brush in"));
 }
 
 TEST(Usage, MisuseIsAnErrorWithAHint) {

@@ -1,5 +1,6 @@
 #include "child.h"
 #include "command.h"
+#include "documents.h"
 #include "nearest_word.h"
 
 #include <CLI/CLI.hpp>
@@ -57,6 +58,18 @@ ExitCode run(const std::string& name, const Action& action) {
     }
 }
 
+// What the build installs beside the program; `quillon help --man` and `--completion`.
+bool print_document(const CLI::App& app, int argc, char** argv) {
+    if (argc != 3 || argv[1] != std::string_view("help"))
+        return false;
+    const std::string_view document = argv[2];
+    if (document == "--man")
+        std::cout << man_page(app);
+    else if (document == "--completion")
+        std::cout << bash_completion(app);
+    return document == "--man" || document == "--completion";
+}
+
 ExitCode parse_and_run(int argc, char** argv) {
     CLI::App app("Looks after plug-ins and pictures through the quillon library.", "quillon");
     app.set_version_flag("--version", VERSION);
@@ -68,6 +81,8 @@ ExitCode parse_and_run(int argc, char** argv) {
         actions.emplace_back(arguments, command.declare(*arguments));
     }
 
+    if (print_document(app, argc, argv))
+        return SUCCESS;
     if (const char* word = misspelt_command(argc, argv))
         return unknown_word(app, word);
     try {
