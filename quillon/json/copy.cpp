@@ -158,6 +158,7 @@ private:
             target.count = index + 1;
             if (source.items[index] == nullptr)
                 continue;
+            prefetch(source.items[index], FETCH_DISTANCE);
             cson_value* entry = begin(source.items[index]);
             if (entry == nullptr)
                 return false;
