@@ -155,6 +155,8 @@ TEST_F(Net, PeersComeAndGoUnderNumbersOfTheirOwn) {
     PeerHandle peers[1];
     EXPECT_EQ(2U, host->get_peers(peers, 1));
     EXPECT_EQ(1U, peers[0]);
+    EXPECT_TRUE(host.send(2, {9}));
+    EXPECT_TRUE(until([&] { return !second.messages.empty(); }));
 
     host->drop(2);
     EXPECT_TRUE(both_logged(3, 2));
@@ -170,6 +172,7 @@ TEST_F(Net, PeersComeAndGoUnderNumbersOfTheirOwn) {
     EXPECT_EQ(0, host->get_port());
     EXPECT_TRUE(until([&] { return peer.log.size() == 2; }));
     EXPECT_EQ("left 1: left", peer.log.back());
+    EXPECT_TRUE(peer.messages.empty()) << "which were for the other";
 }
 
 TEST_F(Net, JoiningFailsWithItsReason) {
