@@ -18,17 +18,18 @@
 
 namespace quillon {
 
+// Numbers of sounds and of voices, which play them; 0 is none.
 using SoundHandle = std::uint32_t;
 using VoiceHandle = std::uint32_t;
 
 // How a voice plays its sound.
 struct Playing {
-    float gain = 1.0F;   // 0 and above
-    float pitch = 1.0F;  // above 0; 2 is an octave higher
-    bool loop = false;   // until it is stopped
-    bool placed = false; // at `position` with `velocity`; otherwise plain, as loud everywhere
-    cVector3D position = {};
-    cVector3D velocity = {};         // units per second, for the Doppler shift
+    float gain = 1.0F;       // 0 and above
+    float pitch = 1.0F;      // above 0; 2 is an octave higher
+    bool loop = false;       // until it is stopped
+    bool placed = false;     // at `position` with `velocity`; otherwise plain, as loud everywhere
+    cVector3D position = {}; // in the host's world
+    cVector3D velocity = {}; // units per second, for the Doppler shift
     double reference_distance = 1.0; // full gain up to here, beyond it reference / distance
 };
 
@@ -45,13 +46,15 @@ inline void render_audio_offline() {
 // Of an offline output.
 inline constexpr std::uint32_t AUDIO_FRAMES_PER_SECOND = 44'100;
 
+// The table of AUDIO under this contract.
 struct Audio {
+    // The module, its keyword, the contract, and the contracts that a host of this one accepts.
     using Module = modAudio;
     static constexpr const char* SERVICE = "AUDIO";
     static constexpr ContractIdentity IDENTITY = {"quillon.audio", 1};
     static constexpr std::array<ContractIdentity, 1> ACCEPTED = {IDENTITY};
 
-    Identify* identify = nullptr;
+    Identify* identify = nullptr; // entry 0, which `serve` fills
 
     // Why the latest call that can fail failed, in one line; empty if it succeeded. Before the
     // first such call, why there is no device.
@@ -74,6 +77,7 @@ struct Audio {
     // Does nothing for a voice that has ended.
     void (*stop)(VoiceHandle voice) = nullptr;
 
+    // Places the listener; the columns of `orientation` are right, up and forward.
     void (*set_listener)(const cVector3D& position, const cVector3D& velocity,
                          const cMatrix3D& orientation) = nullptr;
     // 0 (silence) and above; 1 at first.
@@ -85,7 +89,7 @@ struct Audio {
     // the machine can. False unless the host chose render_audio_offline.
     bool (*render)(std::int16_t* stereo, std::uint32_t frames) = nullptr;
 
-    void* own_13[OWN_ENTRY_COUNT<AudioTable>] = {};
+    void* own_13[OWN_ENTRY_COUNT<AudioTable>] = {}; // the plug-in's own, see own_entries
 };
 
 static_assert(sizeof(Audio) == sizeof(AudioTable));

@@ -35,8 +35,8 @@ namespace quillon {
 // Versions differ where an entry changes its meaning or its arguments; a further entry in a
 // reserved place is no new version.
 struct ContractIdentity {
-    char name[28] = {};
-    std::uint32_t version = 0;
+    char name[28] = {};        // ends at the first zero
+    std::uint32_t version = 0; // from 1 on
 };
 
 static_assert(sizeof(ContractIdentity) == 32);
@@ -84,13 +84,16 @@ Own& own_entries(void** table) {
 // The table is the module's and is valid until the library ends.
 template <typename Table>
 struct Contract {
-    const Table* table = nullptr;
-    std::string reason;
+    const Table* table = nullptr; // null if there is no such table
+    std::string reason;           // why there is none; else empty
 
+    // True if there is a table.
     explicit operator bool() const { return table != nullptr; }
 
+    // The table, which must not be null.
     const Table* operator->() const { return table; }
 
+    // The same as a reference.
     const Table& operator*() const { return *table; }
 };
 

@@ -30,49 +30,51 @@
 
 namespace quillon {
 
+// Numbers of what was uploaded; 0 is none.
 using MeshHandle = std::uint32_t;
 using PictureHandle = std::uint32_t;
 
+// As many lights as set_lights takes.
 inline constexpr std::uint32_t MAX_LIGHTS = 16;
 
 // What `open` is asked for.
 struct SurfaceRequest {
-    const char* title = "";
-    std::uint16_t width = 1280; // pixels, 1 to 8192
-    std::uint16_t height = 720;
-    std::uint8_t samples = 4; // a pixel, for smooth edges; 0 or 1 for none; fewer if need be
-    bool offscreen = false;   // draw without a window, on machines without a display too
-    bool fullscreen = false;
+    const char* title = "";       // of the window, UTF-8
+    std::uint16_t width = 1280;   // pixels, 1 to 8192
+    std::uint16_t height = 720;   // likewise
+    std::uint8_t samples = 4;     // a pixel, for smooth edges; 0 or 1 for none; fewer if need be
+    bool offscreen = false;       // draw without a window, on machines without a display too
+    bool fullscreen = false;      // the window fills the display
     bool wait_for_display = true; // end_frame waits for the display's next refresh
 };
 
 // What there is.
 struct Surface {
-    std::uint16_t width = 0; // pixels; follows the window if the user resizes it
-    std::uint16_t height = 0;
-    std::uint8_t samples = 0;
-    bool has_window = false;
-    bool is_fullscreen = false;
+    std::uint16_t width = 0;      // pixels; follows the window if the user resizes it
+    std::uint16_t height = 0;     // likewise
+    std::uint8_t samples = 0;     // a pixel
+    bool has_window = false;      // false offscreen
+    bool is_fullscreen = false;   // the window fills the display
     bool close_requested = false; // the user asked to close the window; it stays open until `close`
     const char* renderer = "";    // the driver's own words
 };
 
 // Where a frame is seen from.
 struct Camera {
-    cVector3D position;
+    cVector3D position;                  // in the world
     cMatrix3D orientation;               // columns right, up, forward
     double vertical_field_of_view = 1.0; // radians, above 0 and below PI
     double near_plane = 0.1;             // distances along forward, 0 < near_plane < far_plane
-    double far_plane = 1000.0;
+    double far_plane = 1000.0;           // what is farther is cut off
 };
 
 // The sky behind a frame, and the fog in which what is far fades into that sky.
 struct Atmosphere {
-    cColor zenith = {0.0F, 0.0F, 0.0F, 1.0F};
-    cColor horizon = {0.0F, 0.0F, 0.0F, 1.0F};
-    cColor nadir = {0.0F, 0.0F, 0.0F, 1.0F};
-    double fog_start = 0.0; // distance from the camera at which fog begins
-    double fog_end = 0.0;   // and at which nothing else is seen; no fog unless above fog_start
+    cColor zenith = {0.0F, 0.0F, 0.0F, 1.0F};  // straight up
+    cColor horizon = {0.0F, 0.0F, 0.0F, 1.0F}; // level
+    cColor nadir = {0.0F, 0.0F, 0.0F, 1.0F};   // straight down
+    double fog_start = 0.0;                    // distance from the camera at which fog begins
+    double fog_end = 0.0; // and at which nothing else is seen; no fog unless above fog_start
 };
 
 // The values of cLight::light_flag; any other is as LIGHT_OFF.
@@ -88,6 +90,7 @@ enum LightFlag : std::uint8_t {
     LIGHT_DIRECTIONAL = 2 // shines along its direction from far away, without falling off
 };
 
+// How what is drawn meets what is there already.
 enum class Blend : std::uint8_t {
     Opaque, // hides what is behind it
     Alpha,  // covers by its alpha; drawn after everything opaque, from far to near
@@ -96,10 +99,10 @@ enum class Blend : std::uint8_t {
 
 // One mesh in one place.
 struct MeshDrawing {
-    MeshHandle mesh = 0;
-    cVector3D position = {};
-    cMatrix3D rotation = {};
-    cVector3D scale = {1.0, 1.0, 1.0};
+    MeshHandle mesh = 0;                 // from upload_mesh
+    cVector3D position = {};             // of the mesh's origin in the world
+    cMatrix3D rotation = {};             // applied after `scale`
+    cVector3D scale = {1.0, 1.0, 1.0};   // along the mesh's own axes
     const cMaterial* material = nullptr; // null: MATERIAL_DEFAULT
     PictureHandle texture = 0;           // times the diffuse colour and the alpha
     // As __cBitmap_bump_map_to_normal_map makes it: red along the first texture axis, green along
@@ -111,13 +114,13 @@ struct MeshDrawing {
 
 // A picture that always faces the camera: a glow, a spark, the moon.
 struct SpriteDrawing {
-    cVector3D position = {};
-    double width = 1.0; // world units
-    double height = 1.0;
+    cVector3D position = {};   // of its centre in the world
+    double width = 1.0;        // world units
+    double height = 1.0;       // likewise
     PictureHandle picture = 0; // 0: a plain rectangle
     cColor color = WHITE;      // times the picture
-    Blend blend = Blend::Add;
-    bool has_fog = true;
+    Blend blend = Blend::Add;  // as in MeshDrawing
+    bool has_fog = true;       // fades with the distance
 };
 
 // How a picture is read where it does not fall pixel on pixel, and past its edges.
@@ -130,37 +133,40 @@ struct PictureOptions {
 struct OverlayDrawing {
     PictureHandle picture = 0; // 0: a plain rectangle
     float x = 0.0F;            // the top left corner, pixels
-    float y = 0.0F;
-    float width = 0.0F; // pixels
-    float height = 0.0F;
-    float left = 0.0F; // the part of the picture that is shown, 0 to 1
-    float top = 0.0F;
-    float right = 1.0F;
-    float bottom = 1.0F;
-    cColor color = WHITE; // times the picture; alpha covers
+    float y = 0.0F;            // from the top down
+    float width = 0.0F;        // pixels
+    float height = 0.0F;       // likewise
+    float left = 0.0F;         // the part of the picture that is shown, 0 to 1
+    float top = 0.0F;          // from the top down, as `bottom`
+    float right = 1.0F;        // of the part
+    float bottom = 1.0F;       // of the part
+    cColor color = WHITE;      // times the picture; alpha covers
 };
 
+// A text over the frame.
 struct TextDrawing {
     const char* text = ""; // UTF-8; a line ends at '\n'; a character that the font lacks is a box
     float x = 0.0F;        // the top left corner of the first line, pixels
-    float y = 0.0F;
-    float size = 16.0F; // pixels from line to line, 4 to 256
-    cColor color = WHITE;
+    float y = 0.0F;        // from the top down
+    float size = 16.0F;    // pixels from line to line, 4 to 256
+    cColor color = WHITE;  // alpha covers
 };
 
 // What the latest frame was made of.
 struct FrameFigures {
-    std::uint32_t triangles = 0;
-    std::uint32_t draw_calls = 0;
+    std::uint32_t triangles = 0;  // that were drawn
+    std::uint32_t draw_calls = 0; // of the driver
 };
 
+// The table of GRAPHICS under this contract.
 struct Graphics {
+    // The module, its keyword, the contract, and the contracts that a host of this one accepts.
     using Module = modGraphics;
     static constexpr const char* SERVICE = "GRAPHICS";
     static constexpr ContractIdentity IDENTITY = {"quillon.graphics", 1};
     static constexpr std::array<ContractIdentity, 1> ACCEPTED = {IDENTITY};
 
-    Identify* identify = nullptr;
+    Identify* identify = nullptr; // entry 0, which `serve` fills
 
     // Why the latest call that can fail failed, in one line; empty if it succeeded.
     // Never null; valid until the next call of an entry.
@@ -217,6 +223,7 @@ struct Graphics {
     // Does nothing for a handle that is none.
     void (*release_picture)(PictureHandle picture) = nullptr;
 
+    // Draws a mesh in one place, between begin_frame and end_frame.
     bool (*draw_mesh)(const MeshDrawing& drawing) = nullptr;
     // Joins the points in their order by lines, one pixel wide and with fog.
     bool (*draw_lines)(const cVector3D* points, std::uint32_t count, const cColor& color) = nullptr;
@@ -230,8 +237,8 @@ struct Graphics {
     bool (*set_font)(const char* file) = nullptr;
     void (*get_figures)(FrameFigures& figures) = nullptr;
 
-    void* reserved_28_to_63[36] = {};
-    void* own_64_to_96[OWN_ENTRY_COUNT<GraphicsTable>] = {};
+    void* reserved_28_to_63[36] = {};                        // null
+    void* own_64_to_96[OWN_ENTRY_COUNT<GraphicsTable>] = {}; // the plug-in's own, see own_entries
 };
 
 static_assert(sizeof(Graphics) == sizeof(GraphicsTable));

@@ -30,13 +30,15 @@ inline constexpr float AXIS_ZONE = 0.5F;
 inline constexpr float AXIS_FULL_ZONE = 0.95F;
 inline constexpr float AXIS_ZONE_SLACK = 0.05F;
 
+// The table of INPUT under this contract.
 struct Input {
+    // The module, its keyword, the contract, and the contracts that a host of this one accepts.
     using Module = modInput;
     static constexpr const char* SERVICE = "INPUT";
     static constexpr ContractIdentity IDENTITY = {"quillon.input", 1};
     static constexpr std::array<ContractIdentity, 1> ACCEPTED = {IDENTITY};
 
-    Identify* identify = nullptr;
+    Identify* identify = nullptr; // entry 0, which `serve` fills
 
     // Why the latest open_window failed or there is neither keyboard nor mouse; empty otherwise.
     // Never null; valid until the next call of an entry.
@@ -62,7 +64,7 @@ struct Input {
     // Runs the slow and the fast motor of a pad, 0 to 1 each; false if it has none.
     bool (*rumble)(std::uint16_t pad, float slow, float fast, float seconds) = nullptr;
 
-    void* reserved_9_to_10[2] = {};
+    void* reserved_9_to_10[2] = {}; // null
 
     // The entries that bindings ask, by absolute input code; see InputTable.
     bool (*key_down)(std::uint16_t code) = nullptr;
@@ -73,8 +75,8 @@ struct Input {
     float (*axis_value)(std::uint16_t code) = nullptr;
     float (*axis_delta)(std::uint16_t code) = nullptr;
 
-    void* reserved_18_to_27[10] = {};
-    void* own_28_to_34[OWN_ENTRY_COUNT<InputTable>] = {};
+    void* reserved_18_to_27[10] = {};                     // null
+    void* own_28_to_34[OWN_ENTRY_COUNT<InputTable>] = {}; // the plug-in's own, see own_entries
 };
 
 static_assert(sizeof(Input) == sizeof(InputTable));

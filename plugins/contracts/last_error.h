@@ -12,6 +12,7 @@ namespace quillon {
 // can be kept when memory has run out; a long one is cut.
 class LastError {
 public:
+    // The reason, valid and in place as long as this object; empty if there is none.
     const char* text() const { return reason.data(); }
 
     // Forgets the reason. Always true, for operations that end with it.

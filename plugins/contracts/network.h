@@ -14,17 +14,19 @@
 
 namespace quillon {
 
+// The number of a peer; 0 is none.
 using PeerHandle = std::uint32_t;
 
 // The init parameter that names the address to listen on, as "127.0.0.1"; without it, all addresses
 // of the machine.
 inline constexpr const char* NETWORK_ADDRESS = "NETWORK ADDRESS";
 
-inline constexpr std::uint32_t MAX_NETWORK_PEERS = 32;
-inline constexpr std::uint32_t MAX_NETWORK_MESSAGE_BYTES = 1U << 16;
+inline constexpr std::uint32_t MAX_NETWORK_PEERS = 32;               // that one host takes
+inline constexpr std::uint32_t MAX_NETWORK_MESSAGE_BYTES = 1U << 16; // of one `send`
 
 // What `poll` reports.
 struct NetworkEvent {
+    // What has happened.
     enum Kind : std::uint8_t {
         NOTHING,
         JOINED, // a peer is there; on the side that joined, the host
@@ -32,20 +34,22 @@ struct NetworkEvent {
         MESSAGE
     };
 
-    Kind kind = NOTHING;
-    PeerHandle peer = 0;
+    Kind kind = NOTHING;                // what has happened
+    PeerHandle peer = 0;                // to whom, or from whom
     const std::uint8_t* data = nullptr; // of a message; valid until the next call of an entry
     std::uint32_t size = 0;             // bytes
     const char* text = "";              // why a peer left, in one line; same lifetime
 };
 
+// The table of NET under this contract.
 struct Network {
+    // The module, its keyword, the contract, and the contracts that a host of this one accepts.
     using Module = modNetwork;
     static constexpr const char* SERVICE = "NET";
     static constexpr ContractIdentity IDENTITY = {"quillon.network", 1};
     static constexpr std::array<ContractIdentity, 1> ACCEPTED = {IDENTITY};
 
-    Identify* identify = nullptr;
+    Identify* identify = nullptr; // entry 0, which `serve` fills
 
     // Why the latest call that can fail failed, in one line; empty if it succeeded.
     // Never null; valid until the next call of an entry.
@@ -83,8 +87,8 @@ struct Network {
     // Bytes that were sent and received since `host` or `join`, with the headers of UDP and IP.
     void (*get_traffic)(std::uint64_t& sent, std::uint64_t& received) = nullptr;
 
-    void* reserved_12_to_20[9] = {};
-    void* own_21_to_25[OWN_ENTRY_COUNT<NetworkTable>] = {};
+    void* reserved_12_to_20[9] = {};                        // null
+    void* own_21_to_25[OWN_ENTRY_COUNT<NetworkTable>] = {}; // the plug-in's own, see own_entries
 };
 
 static_assert(sizeof(Network) == sizeof(NetworkTable));

@@ -15,20 +15,22 @@ inline constexpr std::uint32_t MAX_PICTURE_SIDE = 65535;
 inline constexpr std::uint32_t MAX_PICTURE_PIXELS = 1U << 26;
 inline constexpr std::uint32_t MAX_PICTURE_FILE_BYTES = 1U << 28;
 
+// The entries of GRAPHICS that read and write picture files.
 struct Pictures {
+    // The module, its keyword, the contract, and the contracts that a host of this one accepts.
     using Module = modGraphics;
     static constexpr const char* SERVICE = "GRAPHICS";
     static constexpr ContractIdentity IDENTITY = {"quillon.pictures", 1};
     static constexpr std::array<ContractIdentity, 2> ACCEPTED = {
         IDENTITY, ContractIdentity{"quillon.graphics", 1}};
 
-    Identify* identify = nullptr;
+    Identify* identify = nullptr; // entry 0, which `serve` fills
 
     // Why the latest load or save failed, in one line; empty if it succeeded or there was none.
     // Never null; valid until the next call of an entry.
     const char* (*last_error)() = nullptr;
 
-    void* reserved_2_to_14[13] = {};
+    void* reserved_2_to_14[13] = {}; // null
 
     // Reads a PNG or JPEG file, recognised by its content; __cBitmap_load calls this.
     //
@@ -50,8 +52,8 @@ struct Pictures {
     bool (*save_bitmap)(const char* name, std::uint16_t width, std::uint16_t height,
                         std::uint8_t* pixels) = nullptr;
 
-    void* reserved_17_to_63[47] = {};
-    void* own_64_to_96[OWN_ENTRY_COUNT<GraphicsTable>] = {};
+    void* reserved_17_to_63[47] = {};                        // null
+    void* own_64_to_96[OWN_ENTRY_COUNT<GraphicsTable>] = {}; // the plug-in's own, see own_entries
 };
 
 static_assert(sizeof(Pictures) == sizeof(GraphicsTable));

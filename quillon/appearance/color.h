@@ -39,17 +39,20 @@ constexpr std::uint8_t wrapped_byte_from_component(float component) {
 // An index outside 0 to 3 refers to a scratch zero, which is shared and belongs to no colour.
 class cColor : cSerializable {
 public:
+    // Red, green, blue and alpha.
     float r;
     float g;
     float b;
     float a;
 
+    // A colour of these components; nothing is clamped.
     constexpr cColor(float red, float green, float blue, float alpha)
         : r(red), g(green), b(blue), a(alpha) {}
 
     constexpr cColor(const cColor&) = default;
     constexpr cColor& operator=(const cColor&) = default;
 
+    // Sets all components; nothing is clamped.
     constexpr void set(float red, float green, float blue, float alpha) {
         r = red;
         g = green;
@@ -57,12 +60,14 @@ public:
         a = alpha;
     }
 
+    // Component 0 to 3: red, green, blue, alpha.
     constexpr float& operator[](int index) {
         return detail::has_index(COMPONENTS, index)
                    ? this->*COMPONENTS[index]
                    : detail::zeroed(detail::writable_scratch<cColor, float>);
     }
 
+    // The same for reading.
     constexpr const float& operator[](int index) const {
         return detail::has_index(COMPONENTS, index)
                    ? this->*COMPONENTS[index]

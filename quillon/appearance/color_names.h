@@ -71,6 +71,7 @@ namespace quillon {
 
 QUILLON_NAMED_COLORS(QUILLON_COLOR_CONSTANT)
 
+// The colours with their names, in the order of the list above.
 constexpr std::array<Named<cColor>, 53> NAMED_COLORS{{QUILLON_NAMED_COLORS(QUILLON_COLOR_ROW)}};
 
 #undef QUILLON_COLOR_ROW

@@ -14,8 +14,8 @@ namespace quillon {
 //
 // A position is not clamped: outside 0 to 1 it yields components outside 0 to 1.
 struct cGradient {
-    std::string name;
-    cColor (*function)(const float& t);
+    std::string name;                   // as in GRADIENT_NAMES
+    cColor (*function)(const float& t); // the colour at position t
 };
 
 // The names that __nsGradient_gradient_table knows, in table order.

@@ -19,18 +19,19 @@ namespace quillon {
 // Flat form: 61 bytes, the fields in their order.
 class cLight : cSerializable {
 public:
+    // The colours of its diffuse, specular and ambient parts.
     cColor diffuse = WHITE;
     cColor specular = WHITE;
     cColor ambient = BLACK;
-    cVector3D position;
-    cVector3D direction;
-    float spot_cutoff = 180.0F;
-    float spot_exponent = 0.0F;
-    float constant_attenuation = 1.0F;
-    float linear_attenuation = 0.0F;
-    float quadratic_attenuation = 0.0F;
-    float intensity = 1.0F;
-    std::uint8_t light_flag = 1;
+    cVector3D position;                 // in the renderer's space
+    cVector3D direction;                // (0, 0, 0) until it is set
+    float spot_cutoff = 180.0F;         // degrees; 180 for no spot
+    float spot_exponent = 0.0F;         // how a spot fades from its axis
+    float constant_attenuation = 1.0F;  // the constant term
+    float linear_attenuation = 0.0F;    // times the distance
+    float quadratic_attenuation = 0.0F; // times its square
+    float intensity = 1.0F;             // a factor for the colours
+    std::uint8_t light_flag = 1;        // for the renderer
 
     // The colours come in another order than the fields.
     void set_colors(const cColor& new_ambient, const cColor& new_diffuse,
@@ -41,11 +42,13 @@ public:
         intensity = new_intensity;
     }
 
+    // Stores the position.
     void set_position(const cVector3D& new_position) { position = new_position; }
 
     // Stores the normalised direction; a zero vector stays zero.
     void set_direction(const cVector3D& new_direction) { direction = new_direction.normalized(); }
 
+    // Stores the values of the spot and of the attenuation, and the flag.
     void set_spot_and_attenuation(const float& cutoff, const float& exponent, const float& constant,
                                   const float& linear, const float& quadratic, std::uint8_t flag) {
         spot_cutoff = cutoff;
@@ -56,6 +59,7 @@ public:
         light_flag = flag;
     }
 
+    // Writes the flat form.
     std::uint32_t serialize(std::uint8_t* buffer) const override {
         std::uint32_t offset = 0;
         for (const cColor* color : {&diffuse, &specular, &ambient})
@@ -85,6 +89,7 @@ public:
         return serialized_size();
     }
 
+    // 61.
     std::uint32_t serialized_size() const override {
         constexpr std::uint32_t others = sizeof(float) * SCALARS.size() + sizeof(light_flag);
         return 3 * ambient.serialized_size() + 2 * position.serialized_size() + others;
@@ -98,6 +103,7 @@ private:
 
 #pragma GCC diagnostic pop
 
+// A light that was only constructed.
 constexpr cLight LIGHT_DEFAULT;
 
 } // namespace quillon

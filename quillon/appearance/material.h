@@ -20,12 +20,14 @@ namespace quillon {
 // Flat form: 20 bytes, the fields in their order.
 class cMaterial : cSerializable {
 public:
+    // The colours of the four parts.
     cColor ambient;
     cColor diffuse;
     cColor specular;
     cColor emission;
-    float shininess;
+    float shininess; // the specular exponent
 
+    // A material of these values.
     constexpr cMaterial(const cColor& ambient_color, const cColor& diffuse_color,
                         const cColor& specular_color, const cColor& emission_color,
                         float specular_exponent)
@@ -35,20 +37,28 @@ public:
           emission(emission_color),
           shininess(specular_exponent) {}
 
+    // Stores the ambient colour.
     void set_ambient(const cColor& color) { ambient = color; }
 
+    // Stores the diffuse colour.
     void set_diffuse(const cColor& color) { diffuse = color; }
 
+    // Stores the specular colour.
     void set_specular(const cColor& color) { specular = color; }
 
+    // Stores the emitted colour.
     void set_emission(const cColor& color) { emission = color; }
 
+    // The ambient colour.
     const cColor& get_ambient() const { return ambient; }
 
+    // The diffuse colour.
     const cColor& get_diffuse() const { return diffuse; }
 
+    // The specular colour.
     const cColor& get_specular() const { return specular; }
 
+    // The emitted colour.
     const cColor& get_emission() const { return emission; }
 
     std::uint32_t serialize(std::uint8_t* buffer) const override {

@@ -27,6 +27,7 @@ consteval cMaterial unlit_material(Rgb ambient, Rgb diffuse, Rgb specular, float
 
 } // namespace detail
 
+// The materials with their names.
 constexpr std::array<Named<cMaterial>, 27> NAMED_MATERIALS{{
     {"WHITE", detail::unlit_material({1, 1, 1}, {1, 1, 1}, {0, 0, 0}, 1, 0)},
     {"BLACK_PLASTIC",

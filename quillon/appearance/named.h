@@ -14,8 +14,8 @@ namespace quillon {
 // A row of a table that hosts may list.
 template <typename T>
 struct Named {
-    std::string_view name;
-    T value;
+    std::string_view name; // in upper case
+    T value;               // what has the name
 };
 
 namespace detail {

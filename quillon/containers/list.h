@@ -11,11 +11,14 @@ namespace quillon {
 // The position after the last element.
 inline constexpr std::uint32_t DSP_APPEND = 0xFFFFFFFF;
 
+// A pair.
 template <typename A, typename B>
 struct tuple2 {
+    // The two values.
     A first;
     B second;
 
+    // A pair of copies.
     tuple2(const A& a, const B& b) : first(a), second(b) {}
 };
 
@@ -26,6 +29,7 @@ struct tuple2 {
 template <typename T>
 class DSParray {
 public:
+    // An empty list, which owns its elements unless it is to refer to them only.
     explicit DSParray(bool references_only = false) : referencesOnly(references_only) {}
 
     DSParray(const DSParray&) = delete;
@@ -33,6 +37,7 @@ public:
 
     virtual ~DSParray() { clear(); }
 
+    // The number of elements, null ones included.
     std::uint32_t count() const {
         return static_cast<std::uint32_t>(gap == 0 ? cursor : items.size() - gap);
     }

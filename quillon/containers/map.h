@@ -18,8 +18,10 @@ class DSPhashMap {
     using Entries = std::map<std::uint32_t, T*>;
 
 public:
+    // A position in a walk: `first` is the key, `second` the pointer.
     using iterator = typename Entries::const_iterator;
 
+    // An empty map, which owns its values unless it is to refer to them only.
     explicit DSPhashMap(bool references_only = false) : referencesOnly(references_only) {}
 
     DSPhashMap(const DSPhashMap&) = delete;
@@ -49,6 +51,7 @@ public:
     // A walk in ascending order of key; it stays valid while entries are added.
     iterator begin() const { return entries.begin(); }
 
+    // The end of that walk.
     iterator end() const { return entries.end(); }
 
 private:

@@ -11,11 +11,13 @@ namespace quillon {
 //
 // Each `name` is freed with `delete[]` and each entry with `delete`; a FileListOwner does both.
 struct cFileListEntry {
-    char* name;
-    cFileListEntry* next;
+    char* name;           // without the folder, terminated
+    cFileListEntry* next; // null after the last one
 };
 
+// Frees a listing whole.
 struct DeleteFileList {
+    // Frees `first` and all after it.
     void operator()(cFileListEntry* first) const {
         while (first != nullptr) {
             const std::unique_ptr<cFileListEntry> entry(first);

@@ -24,10 +24,12 @@ namespace quillon {
 // A view is valid before a plug-in connects and sees the table afterwards.
 // The library never reads one.
 struct cInterfaceView {
-    void*** interface;
+    void*** interface; // the member of the module
 };
 
+// The same, with two words of the module.
 struct cPairedInterfaceView {
+    // The members of the module.
     std::uintptr_t* first;
     std::uintptr_t* second;
     void*** interface;
@@ -69,6 +71,7 @@ Result call_entry(void** interface, Result (*Table::*entry)(Arguments...),
 // Destructors are inline so that hosts have the type information of the classes in their own code:
 // the library exports none.
 
+// The facade of GRAPHICS, with the message router.
 class modGraphics {
 public:
     modGraphics() = default;
@@ -77,23 +80,26 @@ public:
 
     virtual ~modGraphics() { ::operator delete(interface); }
 
+    // Reads a picture file through the plug-in, which defines the three values.
     void load_bitmap(const std::string& name, void* width, void* height, void* pixels) const {
         call_entry(interface, &GraphicsTable::load_bitmap, name.c_str(), width, height, pixels);
     }
 
+    // Writes 8-bit RGBA pixels to a picture file; true on success.
     bool save_bitmap(const std::string& name, std::uint16_t width, std::uint16_t height,
                      std::uint8_t* pixels) const {
         return call_entry(interface, &GraphicsTable::save_bitmap, name.c_str(), width, height,
                           pixels);
     }
 
-    void** interface = nullptr;
-    cMessageRouter router; // the library's only one
+    void** interface = nullptr; // the table, or null
+    cMessageRouter router;      // the library's only one
 
     // For host code, which reaches them through the paired views.
     std::uintptr_t first_word;
     std::uintptr_t second_word;
 
+    // For host code.
     std::unique_ptr<cInterfaceView> view0 = detail::view_of(interface);
     std::unique_ptr<cPairedInterfaceView> view1 =
         detail::view_of(first_word, second_word, interface);
@@ -105,6 +111,7 @@ public:
     std::unique_ptr<cInterfaceView> view6 = detail::view_of(interface);
 };
 
+// The facade of INPUT. All queries take an absolute input code.
 class modInput {
 public:
     modInput() = default;
@@ -113,30 +120,37 @@ public:
 
     virtual ~modInput() { ::operator delete(interface); }
 
+    // True while the input is down.
     bool key_down(std::uint16_t code) const {
         return call_entry(interface, &InputTable::key_down, code);
     }
 
+    // True if it went down in the last update.
     bool key_press(std::uint16_t code) const {
         return call_entry(interface, &InputTable::key_press, code);
     }
 
+    // The same, or it counts as pressed because it is held.
     bool key_hold_press(std::uint16_t code) const {
         return call_entry(interface, &InputTable::key_hold_press, code);
     }
 
+    // True if it went up in the last update.
     bool key_release(std::uint16_t code) const {
         return call_entry(interface, &InputTable::key_release, code);
     }
 
+    // True if it went down a second time shortly after the first.
     bool key_double_click(std::uint16_t code) const {
         return call_entry(interface, &InputTable::key_double_click, code);
     }
 
+    // Where the axis is.
     float axis_value(std::uint16_t code) const {
         return call_entry(interface, &InputTable::axis_value, code);
     }
 
+    // How far the last update moved the axis.
     float axis_delta(std::uint16_t code) const {
         return call_entry(interface, &InputTable::axis_delta, code);
     }
@@ -147,13 +161,15 @@ public:
         return static_cast<std::int16_t>(pad * 45 + code + 108);
     }
 
+    // The same for an axis.
     static constexpr std::int16_t analog_pad_code(std::int16_t axis, std::int16_t pad) {
         return static_cast<std::int16_t>(pad * 4 + axis + 2);
     }
 
-    void** interface = nullptr;
+    void** interface = nullptr; // the table, or null
 };
 
+// The facade of SYSTEM.
 class modSystem {
 public:
     modSystem() = default;
@@ -162,11 +178,13 @@ public:
 
     virtual ~modSystem() { ::operator delete(interface); }
 
+    // Sleeps for that many seconds; returns at once if no plug-in serves it.
     void pause(const double& seconds) const { call_entry(interface, &SystemTable::pause, seconds); }
 
-    void** interface = nullptr;
+    void** interface = nullptr; // the table, or null
 };
 
+// The facade of NET, whose table only hosts call.
 class modNetwork {
 public:
     modNetwork() = default;
@@ -175,13 +193,14 @@ public:
 
     virtual ~modNetwork() { ::operator delete(interface); }
 
-    bool statusFlag = false; // for host code, like the next word
-    std::uintptr_t spare_word;
-    void** interface = nullptr;
-    std::unique_ptr<cInterfaceView> view0 = detail::view_of(interface);
-    std::unique_ptr<cInterfaceView> view1 = detail::view_of(interface);
+    bool statusFlag = false;    // for host code, like the next word
+    std::uintptr_t spare_word;  // not set by the library
+    void** interface = nullptr; // the table, or null
+    std::unique_ptr<cInterfaceView> view0 = detail::view_of(interface); // for host code
+    std::unique_ptr<cInterfaceView> view1 = detail::view_of(interface); // likewise
 };
 
+// The facade of AUDIO, whose table only hosts call.
 class modAudio {
 public:
     modAudio() = default;
@@ -190,21 +209,24 @@ public:
 
     virtual ~modAudio() { ::operator delete(interface); }
 
-    void** interface = nullptr;
-    std::unique_ptr<cInterfaceView> view0 = detail::view_of(interface);
-    std::unique_ptr<cInterfaceView> view1 = detail::view_of(interface);
+    void** interface = nullptr;                                         // the table, or null
+    std::unique_ptr<cInterfaceView> view0 = detail::view_of(interface); // for host code
+    std::unique_ptr<cInterfaceView> view1 = detail::view_of(interface); // likewise
 };
 
+// Stands for the core; it has no state.
 class modCore {
 public:
     virtual ~modCore() = default;
 };
 
+// Stands for physics; it has no state.
 class modPhysics {
 public:
     virtual ~modPhysics() = default;
 };
 
+// Lists files; it has no state.
 class modFileOperations {
 public:
     virtual ~modFileOperations() = default;

@@ -31,8 +31,9 @@ public:
     // The library's own part, which derives from this one, shuts down and releases.
     virtual ~cPlugin() = default;
 
-    void* library = nullptr;
-    bool initialised = false;
+    void* library = nullptr;  // the loader's handle
+    bool initialised = false; // `initialize` has returned true
+    // The entry points of the file; quillon/core/plugin.h has their contracts.
     bool (*initialize)(DSPrefHashMap<void>* parameters) = nullptr;
     void (*shutdown)() = nullptr;
     const char* (*get_plugin_name)() = nullptr;
@@ -72,6 +73,7 @@ QUILLON_API void __mCore_parse_folder_for_plugins(const char* folder);
 // The map does not own the value.
 QUILLON_API void* __mCore_add_plugin_init_parameter(const char* name, void* value);
 
+// The number of plug-ins that were loaded, those that are gone included.
 QUILLON_API std::uint32_t __mCore_get_plugin_count();
 
 // The index of the first plug-in of exactly that purpose that is compatible with the word; -1 if

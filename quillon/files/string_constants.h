@@ -5,6 +5,7 @@
 
 namespace quillon {
 
+// Texts for nothing.
 const std::string STRING_NONE = "NONE";
 const std::string STRING_NULL = "NULL";
 

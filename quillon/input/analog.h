@@ -45,20 +45,26 @@ namespace quillon {
 // `dead_zone` is in the scale of the axis, whose full travel is 1.
 // `saturation_zone` is the part of the travel beyond it, at the far end, that responds in full.
 struct cInputAnalog {
+    // The axis, as above.
     std::int16_t code = -1;
     std::int16_t pad = -1;
-    float dead_zone = 0;
-    float saturation_zone = 0;
-    bool inverted = false;
+    float dead_zone = 0;       // 0 and above
+    float saturation_zone = 0; // 0 to 1
+    bool inverted = false;     // the response changes its sign
 
+    // The shaped response: __cInputAnalog_query.
     float query() const { return __cInputAnalog_query(this); }
 
+    // __cInputAnalog_query_up.
     bool query_up() const { return __cInputAnalog_query_up(this); }
 
+    // __cInputAnalog_query_down.
     bool query_down() const { return __cInputAnalog_query_down(this); }
 
+    // __cInputAnalog_query_center.
     bool query_center() const { return __cInputAnalog_query_center(this); }
 
+    // The name of the axis: __cInputAnalog_display_name.
     const char* display_name() const { return __cInputAnalog_display_name(this); }
 };
 

@@ -10,8 +10,10 @@
 
 namespace quillon {
 
+// The code of nothing.
 inline constexpr std::int16_t NO_INPUT = -1;
 
+// How many pads there are, and what each has.
 inline constexpr std::int16_t PAD_COUNT = 4;
 inline constexpr std::int16_t PAD_BUTTONS = 16;
 inline constexpr std::int16_t PAD_AXES = 4;

@@ -42,6 +42,7 @@ QUILLON_API const char* __cInputDigital_display_name2(const quillon::cInputDigit
 
 namespace quillon {
 
+// How the two inputs are joined; each query says what it means for it.
 enum class InputLogic : std::int32_t { Or, And, Not };
 
 // Plain data that the host fills in; queries keep nothing in it.
@@ -50,24 +51,32 @@ enum class InputLogic : std::int32_t { Or, And, Not };
 // unset.
 // Codes and pads are not checked: the plug-in is asked about whatever code results.
 struct cInputDigital {
+    // The two inputs, as above.
     std::int16_t code1 = -1;
     std::int16_t pad1 = -1;
     std::int16_t code2 = -1;
     std::int16_t pad2 = -1;
-    InputLogic logic = InputLogic::Or;
+    InputLogic logic = InputLogic::Or; // how they are joined
 
+    // __cInputDigital_query_down.
     bool query_down() const { return __cInputDigital_query_down(this); }
 
+    // __cInputDigital_query_press.
     bool query_press() const { return __cInputDigital_query_press(this); }
 
+    // __cInputDigital_query_release.
     bool query_release() const { return __cInputDigital_query_release(this); }
 
+    // __cInputDigital_query_hold_press.
     bool query_hold_press() const { return __cInputDigital_query_hold_press(this); }
 
+    // __cInputDigital_query_double_click.
     bool query_double_click() const { return __cInputDigital_query_double_click(this); }
 
+    // The name of the first input: __cInputDigital_display_name1.
     const char* display_name1() const { return __cInputDigital_display_name1(this); }
 
+    // The name of the second: __cInputDigital_display_name2.
     const char* display_name2() const { return __cInputDigital_display_name2(this); }
 };
 

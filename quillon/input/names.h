@@ -191,6 +191,7 @@ constexpr std::int16_t digital_code(std::string_view name) {
     return input_names::find(digital_input_names, name);
 }
 
+// The same for an absolute analog code.
 constexpr std::int16_t analog_code(std::string_view name) {
     return input_names::find(analog_input_names, name);
 }

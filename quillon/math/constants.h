@@ -17,6 +17,7 @@ constexpr float PI_OVER_4 = static_cast<float>(PI / 4.0);
 constexpr float PI_OVER_3 = static_cast<float>(PI / 3.0);
 constexpr float PI_OVER_2 = static_cast<float>(PI / 2.0);
 
+// Factors that turn degrees into radians and back.
 constexpr float DEG_TO_RAD = static_cast<float>(PI / 180.0);
 constexpr float RAD_TO_DEG = static_cast<float>(180.0 / PI);
 

@@ -53,6 +53,7 @@ QUILLON_API void __cMatrix3d_subtract(quillon::cMatrix3D& m, const quillon::cMat
 // Sets `m` to `m` times `b`, which may be `m` itself.
 QUILLON_API void __cMatrix3d_multiply(quillon::cMatrix3D& m, const quillon::cMatrix3D& b);
 
+// The determinant of `m`.
 QUILLON_API double __cMatrix3d_get_determinant(const quillon::cMatrix3D& m);
 
 // Changes `m` to the basis of the rotation `r`: `r` times `m` times the transpose of `r`.
@@ -94,16 +95,19 @@ namespace quillon {
 // Index 3 * row + column. One outside 0 to 8 refers to a scratch zero, which all matrices share.
 class cMatrix3D : public cSerializable {
 public:
+    // The elements: `m[row][column]`.
     double m[3][3] = {{1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, {0.0, 0.0, 1.0}};
 
     constexpr cMatrix3D() = default;
 
+    // A matrix of these elements, named by row and column.
     constexpr cMatrix3D(double m00, double m01, double m02, double m10, double m11, double m12,
                         double m20, double m21, double m22)
         : m{{m00, m01, m02}, {m10, m11, m12}, {m20, m21, m22}} {}
 
     constexpr cMatrix3D(const cMatrix3D&) = default;
 
+    // The matrix of `q`: __cMatrix3d_from_quaternion.
     explicit cMatrix3D(const cQuaternion& q) { __cMatrix3d_from_quaternion(*this, q); }
 
     constexpr cMatrix3D& operator=(const cMatrix3D&) = default;
@@ -122,40 +126,49 @@ public:
 
     constexpr virtual ~cMatrix3D() {} // NOLINT(modernize-use-equals-default)
 
+    // The element at 3 * row + column.
     constexpr double& operator[](int index) {
         if (index < 0 || index > 8)
             return detail::zeroed(detail::writable_scratch<cMatrix3D, double>);
         return m[index / 3][index % 3];
     }
 
+    // The same for reading.
     constexpr const double& operator[](int index) const {
         if (index < 0 || index > 8)
             return detail::CONSTANT_ZERO<double>;
         return m[index / 3][index % 3];
     }
 
+    // Sets the matrix to the identity.
     constexpr void set_identity() { *this = cMatrix3D(); }
 
+    // The matrix with rows and columns exchanged.
     constexpr cMatrix3D transposed() const {
         return {m[0][0], m[1][0], m[2][0], m[0][1], m[1][1], m[2][1], m[0][2], m[1][2], m[2][2]};
     }
 
+    // Sets this to this times `b`.
     cMatrix3D& operator*=(const cMatrix3D& b) {
         __cMatrix3d_multiply(*this, b);
         return *this;
     }
 
+    // This times `b`.
     cMatrix3D operator*(const cMatrix3D& b) const {
         cMatrix3D product = *this;
         product *= b;
         return product;
     }
 
+    // Turns the matrix about its own y axis: __cMatrix3d_yaw.
     void yaw(double angle) { __cMatrix3d_yaw(*this, angle); }
 
+    // Turns the matrix about its own x axis: __cMatrix3d_pitch.
     void pitch(double angle) { __cMatrix3d_pitch(*this, angle); }
 };
 
+// All zeros, and the identity.
 constexpr cMatrix3D MATRIX3D_ZERO(0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0);
 constexpr cMatrix3D MATRIX3D_IDENTITY;
 

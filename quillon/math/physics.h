@@ -7,6 +7,7 @@ namespace quillon {
 
 // The sides of a moving box that struck a static one, with y upward and x to the right.
 struct cCollisionReport {
+    // The sides that struck.
     bool bottom;
     bool left;
     bool top;

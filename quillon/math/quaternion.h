@@ -72,6 +72,7 @@ namespace quillon {
 // An index outside 0 to 3 refers to a scratch zero, which all quaternions share.
 class cQuaternion : public cSerializable {
 public:
+    // The components.
     double x = 0.0;
     double y = 0.0;
     double z = 0.0;
@@ -79,12 +80,14 @@ public:
 
     constexpr cQuaternion() = default;
 
+    // A quaternion of these components; it is not normalised.
     constexpr cQuaternion(const double& x_value, const double& y_value, const double& z_value,
                           const double& w_value)
         : x(x_value), y(y_value), z(z_value), w(w_value) {}
 
     constexpr cQuaternion(const cQuaternion&) = default;
 
+    // The rotation about an axis: __cQuaternion_from_axis_angle.
     cQuaternion(const cVector3D& axis, const double& angle) {
         __cQuaternion_from_axis_angle(*this, axis, angle);
     }
@@ -105,6 +108,7 @@ public:
 
     constexpr virtual ~cQuaternion() {} // NOLINT(modernize-use-equals-default)
 
+    // Sets all components and returns this.
     constexpr cQuaternion& set(double x_value, double y_value, double z_value, double w_value) {
         x = x_value;
         y = y_value;
@@ -113,19 +117,23 @@ public:
         return *this;
     }
 
+    // Component 0 to 3: x, y, z, w.
     constexpr double& operator[](int index) {
         return detail::component_at(*this, COMPONENTS, index);
     }
 
+    // The same for reading.
     constexpr const double& operator[](int index) const {
         return detail::component_at(*this, COMPONENTS, index);
     }
 
+    // Sets this to __cQuaternion_multiply of this and `b`.
     cQuaternion& operator*=(const cQuaternion& b) {
         __cQuaternion_multiply(*this, b);
         return *this;
     }
 
+    // That product.
     cQuaternion operator*(const cQuaternion& b) const {
         cQuaternion product = *this;
         product *= b;
@@ -137,6 +145,7 @@ private:
                                                           &cQuaternion::z, &cQuaternion::w};
 };
 
+// The quaternion that turns nothing.
 constexpr cQuaternion QUATERNION_IDENTITY(0.0, 0.0, 0.0, 1.0);
 
 } // namespace quillon

@@ -16,8 +16,11 @@ namespace quillon {
 // The buffer holds serialized_size bytes; deserialize reads what serialize of the same class wrote.
 class cSerializable {
 public:
+    // Writes the flat form.
     virtual std::uint32_t serialize(std::uint8_t* buffer) const = 0;
+    // Reads the flat form.
     virtual std::uint32_t deserialize(const std::uint8_t* buffer) = 0;
+    // The size of the flat form in bytes.
     virtual std::uint32_t serialized_size() const = 0;
 
 protected:

@@ -94,9 +94,9 @@ namespace quillon {
 class cSpline3D : public cSerializable {
 public:
     cVector3D* points = nullptr; // capacity elements, from new[]
-    std::int32_t count = 0;
-    std::int32_t capacity = 0;
-    bool closed = false;
+    std::int32_t count = 0;      // points in use
+    std::int32_t capacity = 0;   // points that the array holds
+    bool closed = false;         // the last point leads to the first
 
     // A spline of the points that are not null, in order, with capacity for eight.
     explicit cSpline3D(bool closed_path = false, const cVector3D* p0 = nullptr,
@@ -111,6 +111,7 @@ public:
         closed = closed_path;
     }
 
+    // A copy: __cSpline3d_set_by_spline.
     cSpline3D(const cSpline3D& source) : cSerializable(source) {
         __cSpline3d_set_by_spline(*this, source);
     }
@@ -122,6 +123,7 @@ public:
           capacity(std::exchange(source.capacity, 0)),
           closed(source.closed) {}
 
+    // Makes this a copy: __cSpline3d_set_by_spline.
     // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): __cSpline3d_set_by_spline tests for it.
     cSpline3D& operator=(const cSpline3D& source) {
         __cSpline3d_set_by_spline(*this, source);
@@ -137,6 +139,7 @@ public:
         return *this;
     }
 
+    // Writes the flat form; the bytes of unused capacity are not written.
     std::uint32_t serialize(std::uint8_t* buffer) const override {
         detail::write_scalar<std::int32_t>(buffer, count);
         detail::write_scalar<std::int32_t>(buffer + 4, capacity);
@@ -163,6 +166,7 @@ public:
         return serialized_size();
     }
 
+    // 9 + 12 * capacity.
     std::uint32_t serialized_size() const override {
         return 9 + 12 * static_cast<std::uint32_t>(capacity);
     }

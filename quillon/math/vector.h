@@ -61,12 +61,14 @@ namespace quillon {
 // An index outside 0 to 2 refers to a scratch zero, which all vectors share.
 class cVector3D : public cSerializable {
 public:
+    // The components.
     double x = 0.0;
     double y = 0.0;
     double z = 0.0;
 
     constexpr cVector3D() = default;
 
+    // A vector of these components.
     constexpr cVector3D(double x_value, double y_value, double z_value)
         : x(x_value), y(y_value), z(z_value) {}
 
@@ -88,6 +90,7 @@ public:
     // Spelled out, since gcc 12 takes no constant whose virtual destructor is defaulted.
     constexpr virtual ~cVector3D() {} // NOLINT(modernize-use-equals-default)
 
+    // Sets all components and returns this.
     constexpr cVector3D& set(double x_value, double y_value, double z_value) {
         x = x_value;
         y = y_value;
@@ -95,17 +98,21 @@ public:
         return *this;
     }
 
+    // Component 0 to 2: x, y, z.
     constexpr double& operator[](int index) {
         return detail::component_at(*this, COMPONENTS, index);
     }
 
+    // The same for reading.
     constexpr const double& operator[](int index) const {
         return detail::has_index(COMPONENTS, index) ? this->*COMPONENTS[index]
                                                     : detail::CONSTANT_ZERO<double>;
     }
 
+    // The square root of squared_length.
     double length() const { return std::sqrt(squared_length()); }
 
+    // x * x + y * y + z * z.
     constexpr double squared_length() const { return x * x + y * y + z * z; }
 
     // Scales the vector to unit length; one whose squared length is exactly 0 or 1 is unchanged.
@@ -119,22 +126,28 @@ public:
         *this /= divisor;
     }
 
+    // A copy that `normalize` was called on.
     cVector3D normalized() const {
         cVector3D unit = *this;
         unit.normalize();
         return unit;
     }
 
+    // The dot product.
     constexpr double dot(const cVector3D& b) const { return x * b.x + y * b.y + z * b.z; }
 
+    // The cross product, this times `b`: x cross y is z.
     constexpr cVector3D cross(const cVector3D& b) const {
         return {y * b.z - z * b.y, z * b.x - x * b.z, x * b.y - y * b.x};
     }
 
+    // The difference, component by component.
     constexpr cVector3D operator-(const cVector3D& b) const { return {x - b.x, y - b.y, z - b.z}; }
 
+    // The sum, component by component.
     constexpr cVector3D operator+(const cVector3D& b) const { return {x + b.x, y + b.y, z + b.z}; }
 
+    // Each component times `scalar`.
     constexpr cVector3D operator*(double scalar) const {
         return {x * scalar, y * scalar, z * scalar};
     }
@@ -144,14 +157,18 @@ public:
         return {x / scalar, y / scalar, z / scalar};
     }
 
+    // Subtracts `b`, component by component.
     constexpr cVector3D& operator-=(const cVector3D& b) { return set(x - b.x, y - b.y, z - b.z); }
 
+    // Adds `b`, component by component.
     constexpr cVector3D& operator+=(const cVector3D& b) { return set(x + b.x, y + b.y, z + b.z); }
 
+    // Multiplies each component.
     constexpr cVector3D& operator*=(double scalar) {
         return set(x * scalar, y * scalar, z * scalar);
     }
 
+    // Divides each component; a zero divisor leads to infinities and NaN.
     constexpr cVector3D& operator/=(double scalar) {
         return set(x / scalar, y / scalar, z / scalar);
     }
@@ -190,13 +207,16 @@ struct ComponentOf<long> {
 template <typename T>
 class cVector2D : public cSerializable {
 public:
+    // The type of x and y.
     using Component = typename detail::ComponentOf<T>::type;
 
+    // The components.
     Component x{};
     Component y{};
 
     constexpr cVector2D() = default;
 
+    // A vector of these components.
     constexpr cVector2D(Component x_value, Component y_value) : x(x_value), y(y_value) {}
 
     constexpr cVector2D(const cVector2D&) = default;
@@ -216,10 +236,12 @@ public:
 
     constexpr virtual ~cVector2D() {} // NOLINT(modernize-use-equals-default)
 
+    // Component 0 to 1: x, y.
     constexpr Component& operator[](int index) {
         return detail::component_at(*this, COMPONENTS, index);
     }
 
+    // The same for reading.
     constexpr const Component& operator[](int index) const {
         return detail::component_at(*this, COMPONENTS, index);
     }
@@ -228,16 +250,19 @@ private:
     static constexpr Component cVector2D::*COMPONENTS[] = {&cVector2D::x, &cVector2D::y};
 };
 
+// Vectors for reuse: zero, the axes, and all ones.
 constexpr cVector2D<double> VECTOR2D_ZERO(0.0, 0.0);
 constexpr cVector2D<double> VECTOR2D_UNIT_X(1.0, 0.0);
 constexpr cVector2D<double> VECTOR2D_UNIT_Y(0.0, 1.0);
 constexpr cVector2D<double> VECTOR2D_ONE(1.0, 1.0);
 
+// The same of integers.
 constexpr cVector2D<long> VECTOR2L_ZERO(0, 0);
 constexpr cVector2D<long> VECTOR2L_UNIT_X(1, 0);
 constexpr cVector2D<long> VECTOR2L_UNIT_Y(0, 1);
 constexpr cVector2D<long> VECTOR2L_ONE(1, 1);
 
+// The same in space.
 constexpr cVector3D VECTOR3D_ZERO(0.0, 0.0, 0.0);
 constexpr cVector3D VECTOR3D_UNIT_X(1.0, 0.0, 0.0);
 constexpr cVector3D VECTOR3D_UNIT_Y(0.0, 1.0, 0.0);

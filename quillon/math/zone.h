@@ -14,6 +14,7 @@ namespace quillon {
 // Flat form: minimum, then maximum, 24 bytes.
 class cZone3D : public cSerializable {
 public:
+    // The corners.
     cVector3D minimum;
     cVector3D maximum;
 
@@ -52,6 +53,7 @@ private:
     }
 };
 
+// Boxes about the origin, with half extents of 0, 0.5 and 1.
 constexpr cZone3D ZONE3D_ZERO(0.0, 0.0, 0.0);
 constexpr cZone3D ZONE3D_HALF(0.5, 0.5, 0.5);
 constexpr cZone3D ZONE3D_ONE(1.0, 1.0, 1.0);

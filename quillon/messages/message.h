@@ -12,7 +12,7 @@ namespace quillon {
 //
 // A message is any struct that begins with such a member; the rest is up to sender and receiver.
 struct cMessage {
-    std::uint32_t messageType = 0;
+    std::uint32_t messageType = 0; // 0 unless it is set
 };
 
 // Receives the messages that it registered for.
@@ -38,6 +38,7 @@ class cMessageStable {
     friend class MessageClaims;
 
 public:
+    // A message that is nothing but its type.
     explicit cMessageStable(const cMessage& value = {}) : type_alone(value), address(&type_alone) {}
 
     cMessageStable(const cMessageStable&) = delete;
@@ -65,9 +66,11 @@ class cMessageHolder : public cMessageStable {
     static_assert(!std::is_polymorphic_v<T>, "messageType has to come first");
 
 public:
+    // Keeps `value` as the message.
     explicit cMessageHolder(T value)
         : cMessageStable(reinterpret_cast<cMessage*>(&held)), held(std::move(value)) {}
 
+    // The message.
     T& get() { return held; }
 
 private:

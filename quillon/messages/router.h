@@ -25,6 +25,7 @@ public:
     // A delayed message, and the delay that it has left.
     using Entry = tuple2<cMessageStable*, float>;
 
+    // The queue and the observers of one type, or of anything.
     struct Mailbox {
         DSParray<Entry> queue;                   // in order of posting
         DSPrefArray<cMessageObserver> observers; // in order of registration, none twice
@@ -33,6 +34,7 @@ public:
         std::uint32_t next = 0;
     };
 
+    // Each calls the export of its name, __messageRouter_register_for_message and so on.
     bool register_for_message(cMessageObserver* observer, std::uint32_t message_type);
     bool register_for_anything(cMessageObserver* observer);
     bool unregister_for_message(cMessageObserver* observer, std::uint32_t message_type);
@@ -42,7 +44,7 @@ public:
     void update(const float& passed);
 
     DSPhashMap<Mailbox> mailboxes; // by message type; created on demand, never removed
-    Mailbox anything;
+    Mailbox anything;              // for observers of every type
 
     KeyIndex<Mailbox> index;     // the same mailboxes, found in constant time
     Mailbox* updating = nullptr; // the mailbox that an update is processing

@@ -15,13 +15,13 @@ namespace quillon {
 // An array is null if it was not asked for. The cache owns its arrays, each from new[].
 // The field order is the contract with the renderer.
 struct cRenderCache {
-    float* positions; // 3 floats for each corner: x, y, z
-    float* normals;   // 3 floats: x, y, z
-    float* tangents;  // 3 floats: x, y, z
-    float* texcoords; // 2 floats: x, y
-    float* colors;    // 4 floats: red, green, blue, alpha
-    std::uint32_t poly_count;
-    std::uint32_t verts_per_poly;
+    float* positions;             // 3 floats for each corner: x, y, z
+    float* normals;               // 3 floats: x, y, z
+    float* tangents;              // 3 floats: x, y, z
+    float* texcoords;             // 2 floats: x, y
+    float* colors;                // 4 floats: red, green, blue, alpha
+    std::uint32_t poly_count;     // polygons
+    std::uint32_t verts_per_poly; // corners of each
 };
 
 } // namespace quillon
