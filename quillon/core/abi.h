@@ -50,8 +50,8 @@ static_assert(sizeof(std::string) == 2 * sizeof(void*) + 16,
 // A property of the layouts, as the keyword that a plug-in's get_plugin_compatibility is asked, and
 // in words.
 struct AbiTrait {
-    std::string_view keyword;
-    std::string_view words;
+    std::string_view keyword; // "ABI " and a word or two
+    std::string_view words;   // for people
 };
 
 // The pairs of which a compilation has one each; `quillon plugins` asks for them.
