@@ -144,7 +144,7 @@ TEST(Plugins, OneThatWouldTakeTheHostAlongIsARowAmongTheOthers) {
                    "foreign_layout", "input_and_system"});
     // A folder of temporary files that must be empty again.
     fs::create_directory("temporary");
-    const ToolRun run = run_tool("plugins --json --limit 1", "TMPDIR=$PWD/temporary");
+    const ToolRun run = run_tool("plugins --json --limit 2", "TMPDIR=$PWD/temporary");
     EXPECT_EQ(1, run.code);
     EXPECT_THAT(
         summary(run),
@@ -152,7 +152,7 @@ TEST(Plugins, OneThatWouldTakeTheHostAlongIsARowAmongTheOthers) {
             "0_graphics.so GRAPHICS", "8_input_and_system.so INPUT SYSTEM",
             "refused 1_crashes.so: crashes (Aborted) in get_plugin_name",
             "refused 2_exits.so: ends the process with exit code 3 in get_plugin_name",
-            "refused 3_hangs.so: does not come back within 1 seconds in initialize or a connect "
+            "refused 3_hangs.so: does not come back within 2 seconds in initialize or a connect "
             "entry point",
             "refused 4_throws.so: throws 'a failure of Fixture' in get_plugin_name",
             "refused 5_throws_later.so: throws 'a failure of Fixture' in initialize or a connect "
@@ -161,7 +161,7 @@ TEST(Plugins, OneThatWouldTakeTheHostAlongIsARowAmongTheOthers) {
             "refused 7_foreign_layout.so: built with debug containers (_GLIBCXX_DEBUG), not plain "
             "containers"));
     EXPECT_TRUE(fs::is_empty("temporary"));
-    EXPECT_THAT(run_tool("plugins --limit 1").out,
+    EXPECT_THAT(run_tool("plugins --limit 2").out,
                 HasSubstr("\n-      1_crashes.so           -         -        -              -"));
 }
 
