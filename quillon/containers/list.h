@@ -49,6 +49,11 @@ public:
         return gap == 0 ? nullptr : get_after_gap(position);
     }
 
+    // `get` for a list that no `remove_if` is walking, without a look for what a walk removed.
+    T* get_unwalked(std::uint32_t position) const {
+        return position < cursor ? items[position] : nullptr;
+    }
+
     // Puts `element` before the one at `position` (DSP_APPEND or `count` for the end) and returns
     // it. Null, with nothing stored, for a position beyond the end; the element then stays the
     // caller's.

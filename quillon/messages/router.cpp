@@ -73,9 +73,10 @@ bool remove_observer(const cMessageRouter& router, Mailbox& box, const cMessageO
 constexpr std::uint32_t PREFETCH_DISTANCE = 6;
 
 // By position, read afresh each time: observers come and go meanwhile.
+// Only the next observer is read by `get_unwalked`: with both, posts to 100 observers lose a tenth.
 [[gnu::always_inline]] inline void deliver(const Mailbox& box, cMessage* message) {
     std::uint32_t position = 0;
-    while (cMessageObserver* const observer = box.observers.get(position)) {
+    while (cMessageObserver* const observer = box.observers.get_unwalked(position)) {
         if (const auto* const later = box.observers.get(position + PREFETCH_DISTANCE))
             __builtin_prefetch(later);
         observer->receive_message(message);
