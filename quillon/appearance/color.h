@@ -20,14 +20,15 @@ constexpr float component_from_byte(std::uint8_t byte) {
 constexpr std::uint8_t clamped_byte_from_component(float component) {
     if (!(component > 0.0F))
         return 0;
-    return component < 1.0F ? static_cast<std::uint8_t>(component * 255.0) : 255;
+    return component < 1.0F ? static_cast<std::uint8_t>(static_cast<double>(component) * 255.0)
+                            : 255;
 }
 
 // The byte of a component that wraps: component * 255, truncated to a 32-bit integer, low 8 bits.
 //
 // 0 for NaN, and for a product that no 32-bit integer can represent.
 constexpr std::uint8_t wrapped_byte_from_component(float component) {
-    const double scaled = component * 255.0;
+    const double scaled = static_cast<double>(component) * 255.0;
     if (!(scaled > -2147483649.0 && scaled < 2147483648.0))
         return 0;
     return static_cast<std::uint8_t>(static_cast<std::int32_t>(scaled));

@@ -18,15 +18,15 @@ class KeyIndex {
 public:
     // The value under `key`, or null.
     T* find(std::uint32_t key) const {
-        return slots.empty() ? nullptr : slots[position_of(key)].value;
+        return table.empty() ? nullptr : table[position_of(key)].value;
     }
 
     // Makes the next `add` one that cannot fail.
     void make_room_for_one() {
-        if (used * 4 < slots.size())
+        if (used * 4 < table.size())
             return;
-        KeyIndex larger(slots.empty() ? FIRST_BITS : bits + 1);
-        for (const Slot& slot : slots)
+        KeyIndex larger(table.empty() ? FIRST_BITS : bits + 1);
+        for (const Slot& slot : table)
             if (slot.value != nullptr)
                 larger.add(slot.value, slot.key);
         *this = std::move(larger);
@@ -34,7 +34,7 @@ public:
 
     // Files `value` under a key that is not taken. Call make_room_for_one before.
     void add(T* value, std::uint32_t key) {
-        slots[position_of(key)] = {value, key};
+        table[position_of(key)] = {value, key};
         ++used;
     }
 
@@ -49,7 +49,7 @@ private:
     static constexpr std::uint32_t FIRST_BITS = 4;
 
     explicit KeyIndex(std::uint32_t size_bits)
-        : slots(std::size_t{1} << size_bits), bits(size_bits) {}
+        : table(std::size_t{1} << size_bits), bits(size_bits) {}
 
     // The slot of `key`, or the free one where it would be.
     // Fibonacci hashing (Knuth, The Art of Computer Programming, volume 3, section 6.4): the upper
@@ -57,12 +57,12 @@ private:
     std::size_t position_of(std::uint32_t key) const {
         constexpr std::uint32_t golden_ratio = 0x9E3779B9;
         std::size_t position = (key * golden_ratio) >> (32 - bits);
-        while (slots[position].value != nullptr && slots[position].key != key)
-            position = (position + 1) & (slots.size() - 1);
+        while (table[position].value != nullptr && table[position].key != key)
+            position = (position + 1) & (table.size() - 1);
         return position;
     }
 
-    std::vector<Slot> slots;
+    std::vector<Slot> table;
     std::size_t used = 0;
     std::uint32_t bits = FIRST_BITS;
 };

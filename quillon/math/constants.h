@@ -6,20 +6,26 @@ namespace quillon {
 // Angles in radians, computed in 64 bits from the 32-bit PI, which is slightly above pi, and
 // rounded once.
 constexpr float PI = 3.1415927410125732F;
-constexpr float HALF_PI = static_cast<float>(PI / 2.0);
-constexpr float QUARTER_PI = static_cast<float>(HALF_PI / 2.0);
-constexpr float THREE_HALF_PI = static_cast<float>(static_cast<double>(PI) + HALF_PI);
-constexpr float TWO_PI = static_cast<float>(static_cast<double>(PI) + PI);
-constexpr float INV_PI = static_cast<float>(1.0 / PI);
-constexpr float FULL_CIRCLE = static_cast<float>(static_cast<double>(PI) + PI);
-constexpr float PI_OVER_6 = static_cast<float>(PI / 6.0);
-constexpr float PI_OVER_4 = static_cast<float>(PI / 4.0);
-constexpr float PI_OVER_3 = static_cast<float>(PI / 3.0);
-constexpr float PI_OVER_2 = static_cast<float>(PI / 2.0);
+
+namespace detail {
+constexpr double WIDE_PI = static_cast<double>(PI);
+}
+
+// Parts and multiples of PI.
+constexpr float HALF_PI = static_cast<float>(detail::WIDE_PI / 2.0);
+constexpr float QUARTER_PI = static_cast<float>(detail::WIDE_PI / 4.0);
+constexpr float THREE_HALF_PI = static_cast<float>(detail::WIDE_PI + detail::WIDE_PI / 2.0);
+constexpr float TWO_PI = static_cast<float>(detail::WIDE_PI * 2.0);
+constexpr float INV_PI = static_cast<float>(1.0 / detail::WIDE_PI);
+constexpr float FULL_CIRCLE = static_cast<float>(detail::WIDE_PI * 2.0);
+constexpr float PI_OVER_6 = static_cast<float>(detail::WIDE_PI / 6.0);
+constexpr float PI_OVER_4 = static_cast<float>(detail::WIDE_PI / 4.0);
+constexpr float PI_OVER_3 = static_cast<float>(detail::WIDE_PI / 3.0);
+constexpr float PI_OVER_2 = static_cast<float>(detail::WIDE_PI / 2.0);
 
 // Factors that turn degrees into radians and back.
-constexpr float DEG_TO_RAD = static_cast<float>(PI / 180.0);
-constexpr float RAD_TO_DEG = static_cast<float>(180.0 / PI);
+constexpr float DEG_TO_RAD = static_cast<float>(detail::WIDE_PI / 180.0);
+constexpr float RAD_TO_DEG = static_cast<float>(180.0 / detail::WIDE_PI);
 
 namespace detail {
 

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 
 namespace quillon {
 
@@ -83,14 +84,15 @@ Stored read_scalar(const std::uint8_t* buffer) {
 // Write the first `count` components of an indexed object as `Stored`, and read them.
 template <typename Stored, typename Object>
 void write_components(std::uint8_t* buffer, const Object& object, int count) {
-    for (int i = 0; i < count; ++i)
-        write_scalar<Stored>(buffer + sizeof(Stored) * i, object[i]);
+    for (int i = 0; i < count; ++i, buffer += sizeof(Stored))
+        write_scalar<Stored>(buffer, object[i]);
 }
 
 template <typename Stored, typename Object>
 void read_components(const std::uint8_t* buffer, Object& object, int count) {
-    for (int i = 0; i < count; ++i)
-        object[i] = read_scalar<Stored>(buffer + sizeof(Stored) * i);
+    using Component = std::remove_reference_t<decltype(object[0])>;
+    for (int i = 0; i < count; ++i, buffer += sizeof(Stored))
+        object[i] = static_cast<Component>(read_scalar<Stored>(buffer));
 }
 
 } // namespace detail

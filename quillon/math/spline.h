@@ -7,6 +7,7 @@
 #include "quillon/math/vector.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <utility>
 
@@ -153,8 +154,9 @@ public:
     // A negative capacity counts as 0, and a count is clamped into the capacity.
     std::uint32_t deserialize(const std::uint8_t* buffer) override {
         const std::int32_t fresh_capacity =
-            std::max(detail::read_scalar<std::int32_t>(buffer + 4), 0);
-        auto* fresh = new cVector3D[fresh_capacity];
+            // In parentheses, as a host may have a macro max.
+            (std::max)(detail::read_scalar<std::int32_t>(buffer + 4), 0);
+        auto* fresh = new cVector3D[static_cast<std::size_t>(fresh_capacity)];
         delete[] points;
         points = fresh;
         capacity = fresh_capacity;
