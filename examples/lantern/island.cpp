@@ -1,5 +1,7 @@
 #include "island.h"
 
+#include <quillon/comfort.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -100,8 +102,7 @@ double Island::surface(double x, double z) const {
 
 cVector3D Island::place_on_path(double t) const {
     constexpr double clearance = 11.0;
-    cVector3D place;
-    __cSpline3d_get_smooth_value(path, place, t);
+    cVector3D place = smooth_value(path, t);
     place.y = std::max(place.y, surface(place.x, place.z) + clearance);
     return place;
 }
@@ -118,7 +119,7 @@ void Island::lay_path() {
     for (const double radius : radii) {
         cVector3D point = on_ring(degrees, radius);
         point.y = surface(point.x, point.z) + 14.0;
-        __cSpline3d_add_control_point(path, point);
+        append(path, point);
         degrees += 30.0;
     }
 }

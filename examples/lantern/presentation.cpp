@@ -2,6 +2,8 @@
 
 #include "shapes.h"
 
+#include <quillon/comfort.h>
+
 #include <algorithm>
 #include <memory>
 #include <stdexcept>
@@ -113,8 +115,7 @@ quillon::cSpline3D path_from_afar() {
     for (int i = 0; i < 8; ++i) {
         const double radius = i % 2 == 0 ? 290.0 : 205.0;
         const double degrees = 45.0 * i + 20.0;
-        __cSpline3d_add_control_point(
-            path, {radius * sinTD(degrees), i % 2 == 0 ? 78.0 : 44.0, radius * cosTD(degrees)});
+        append(path, {radius * sinTD(degrees), i % 2 == 0 ? 78.0 : 44.0, radius * cosTD(degrees)});
     }
     return path;
 }
@@ -144,12 +145,11 @@ Presentation::~Presentation() {
 void Presentation::advance(const Scene& scene) {
     static const quillon::cSpline3D path = path_from_afar();
     const Ship& ship = simulation.state().ships[scene.player];
-    cVector3D forward = quillon::VECTOR3D_UNIT_Z;
-    __cVector3d_rotate_by_matrix(forward, ship.orientation());
+    const cVector3D forward = ship.orientation() * quillon::VECTOR3D_UNIT_Z;
     cVector3D eye = ship.position - forward * 13.0 + quillon::VECTOR3D_UNIT_Y * 6.0;
     cVector3D target = ship.position + forward * 18.0 + quillon::VECTOR3D_UNIT_Y;
     if (scene.from_afar) {
-        __cSpline3d_get_smooth_value(path, eye, 2.6 + simulation.state().step / 600.0);
+        eye = smooth_value(path, 2.6 + simulation.state().step / 600.0);
         target = {0.0, 16.0, 0.0};
     }
     const bool is_cut = (eye - camera.position).length() > 60.0;

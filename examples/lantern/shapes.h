@@ -3,19 +3,13 @@
 
 #include "island.h"
 
-#include <memory>
+#include <quillon/comfort.h>
+
 #include <span>
 
 namespace lantern {
 
-struct CacheDeleter {
-    void operator()(quillon::cRenderCache* cache) const {
-        __mGraphics_render_cache_cleanup(cache);
-        delete cache;
-    }
-};
-
-using Cache = std::unique_ptr<quillon::cRenderCache, CacheDeleter>;
+using Cache = quillon::RenderCache;
 
 // The ground above the shallows, smooth, coloured by height and slope, with tangents.
 Cache make_ground(const Island& island);

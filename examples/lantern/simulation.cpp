@@ -1,5 +1,7 @@
 #include "simulation.h"
 
+#include <quillon/comfort.h>
+
 #include <algorithm>
 #include <cstring>
 #include <limits>
@@ -110,8 +112,7 @@ double speed_of(Ship& ship, const Input& input) {
 
 // The velocity follows the nose with a little drift.
 void move(Ship& ship, double speed) {
-    cVector3D wanted = quillon::VECTOR3D_UNIT_Z * speed;
-    __cVector3d_rotate_by_matrix(wanted, ship.orientation());
+    const cVector3D wanted = ship.orientation() * (quillon::VECTOR3D_UNIT_Z * speed);
     ship.velocity += (wanted - ship.velocity) * 0.07;
     ship.position += ship.velocity * STEP;
     ship.position.x = std::clamp(ship.position.x, -BORDER, BORDER);
@@ -238,7 +239,7 @@ void Simulation::collide(std::uint32_t player) {
 void Simulation::gather(std::uint32_t player, const cVector3D& from) {
     const Ship& ship = now.ships[player];
     cZone3D swept = box_about(from, SHIP_RADIUS);
-    __cZone3d_expand_to_contain(swept, ship.position);
+    expand(swept, ship.position);
     for (std::uint32_t i = 0; i < Island::LANTERNS; ++i) {
         if (now.relights[i] != 0 || !overlap(swept, box_about(island.lanterns[i], LANTERN_RADIUS)))
             continue;

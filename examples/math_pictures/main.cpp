@@ -1,6 +1,7 @@
 // Draws the pictures of docs/math.md: math_pictures [FOLDER] writes spline.svg and rotations.svg
 // there.
 
+#include <quillon/comfort.h>
 #include <quillon/quillon.h>
 
 #include <cstdlib>
@@ -64,14 +65,13 @@ constexpr const char* grey = "\"#999\" stroke-width=\"1.5\" stroke-dasharray=\"5
 constexpr const char* blue = "\"#1f6fb4\" stroke-width=\"2.5\"";
 constexpr const char* red = "\"#c8402a\" stroke-width=\"1.5\"";
 
-using Value = void (*)(const cSpline3D&, cVector3D&, double);
+using Value = cVector3D (*)(const cSpline3D&, double);
 
 std::vector<Spot> path(const cSpline3D& s, Value value, double end, Spot origin) {
     constexpr int steps_per_segment = 24;
     std::vector<Spot> spots;
     for (int i = 0; i <= end * steps_per_segment; ++i) {
-        cVector3D point;
-        value(s, point, static_cast<double>(i) / steps_per_segment);
+        const cVector3D point = value(s, static_cast<double>(i) / steps_per_segment);
         spots.push_back({origin.x + point.x, origin.y - point.y});
     }
     return spots;
@@ -80,8 +80,8 @@ std::vector<Spot> path(const cSpline3D& s, Value value, double end, Spot origin)
 void draw_spline(Picture& picture, cSpline3D s, bool closed, Spot origin) {
     s.closed = closed;
     const double end = closed ? s.count : s.count - 1;
-    picture.curve(path(s, __cSpline3d_get_hard_value, end, origin), grey);
-    picture.curve(path(s, __cSpline3d_get_smooth_value, end, origin), blue);
+    picture.curve(path(s, quillon::hard_value, end, origin), grey);
+    picture.curve(path(s, quillon::smooth_value, end, origin), blue);
     for (int i = 0; i < s.count; ++i) {
         const Spot spot{origin.x + s.points[i].x, origin.y - s.points[i].y};
         picture.dot(spot, "\"black\"");
@@ -90,8 +90,7 @@ void draw_spline(Picture& picture, cSpline3D s, bool closed, Spot origin) {
 
     const cVector3D target(10, 130, 0);
     const double t = __cSpline3d_get_value_closest_to(s, target, 0.01, 20);
-    cVector3D nearest;
-    __cSpline3d_get_smooth_value(s, nearest, t);
+    const cVector3D nearest = quillon::smooth_value(s, t);
     const Spot from{origin.x + target.x, origin.y - target.y};
     const Spot to{origin.x + nearest.x, origin.y - nearest.y};
     picture.curve({from, to}, red);
@@ -105,7 +104,7 @@ void draw_splines(const std::string& file) {
     for (const cVector3D& point :
          {cVector3D(20, 40, 0), cVector3D(60, 170, 0), cVector3D(170, 190, 0),
           cVector3D(200, 90, 0), cVector3D(290, 130, 0), cVector3D(270, 10, 0)})
-        __cSpline3d_add_control_point(s, point);
+        append(s, point);
     Picture picture(file, 720, 290);
     draw_spline(picture, s, false, {20, 230});
     draw_spline(picture, s, true, {380, 230});
@@ -133,9 +132,7 @@ void draw_rotation(Picture& picture, const Rotation& rotation, Spot origin) {
         for (int i = 0; i <= degrees; ++i) {
             cMatrix3D m;
             rotation.set(m, i * double{quillon::DEG_TO_RAD});
-            cVector3D v = axes[axis];
-            __cVector3d_rotate_by_matrix(v, m);
-            trace.push_back(projected(v, origin));
+            trace.push_back(projected(m * axes[axis], origin));
         }
         picture.curve({origin, trace.front()}, grey);
         picture.curve(trace, red);

@@ -7,6 +7,7 @@
 // The loop posts a message for each press, whatever it leads to. The game, which repeats an action
 // with delayed messages, and the menu, which rebinds, register for the messages that they want.
 
+#include <quillon/comfort.h>
 #include <quillon/plugins/input.h>
 #include <quillon/quillon.h>
 
@@ -20,6 +21,7 @@
 namespace {
 
 using quillon::cInputDigital;
+using quillon::router;
 
 struct Action {
     const char* name;
@@ -30,13 +32,13 @@ struct Action {
 constexpr std::size_t ACTIONS = 3;
 
 std::array<Action, ACTIONS> actions = {{
-    {"jump", {.code1 = quillon::digital_code("Space")}, quillon::digital_code("F1")},
-    {"fire", {.code1 = quillon::LEFT_MOUSE}, quillon::digital_code("F2")},
+    {"jump", {.code1 = quillon::input_code("Space")}, quillon::input_code("F1")},
+    {"fire", {.code1 = quillon::LEFT_MOUSE}, quillon::input_code("F2")},
     {"save",
-     {.code1 = quillon::digital_code("Left Control"),
-      .code2 = quillon::digital_code("S"),
+     {.code1 = quillon::input_code("Left Control"),
+      .code2 = quillon::input_code("S"),
       .logic = quillon::InputLogic::And},
-     quillon::digital_code("F3")},
+     quillon::input_code("F3")},
 }};
 
 enum MessageType : std::uint32_t { PRESSED, REPEATED, REBIND };
@@ -48,13 +50,8 @@ struct ActionMessage : quillon::cMessage {
 
 constexpr float REPEAT_SECONDS = 0.25F;
 
-quillon::cMessageRouter& router() {
-    return __mGraphics_instance()->router;
-}
-
 void post(MessageType type, std::size_t action) {
-    ActionMessage message{{type}, action, 0};
-    router().post_message(&message);
+    quillon::post(ActionMessage{{type}, action, 0});
 }
 
 void print_bindings() {
@@ -90,8 +87,7 @@ public:
         std::cout << actions[event.action].name << (event.messageType == PRESSED ? "!" : " again!")
                   << std::endl;
         event.messageType = REPEATED;
-        router().post_message_delayed(new quillon::cMessageHolder<ActionMessage>(event),
-                                      REPEAT_SECONDS);
+        quillon::post_after(REPEAT_SECONDS, event);
     }
 
 private:

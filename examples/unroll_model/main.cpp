@@ -1,5 +1,6 @@
 // Unrolls an indexed model, a torus as OBJ text, into a render cache with tangents, and draws it on
 // the terminal. The tangents bend the normals into grooves, which is what a normal map does.
+#include <quillon/comfort.h>
 #include <quillon/quillon.h>
 
 #include <algorithm>
@@ -7,7 +8,6 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
-#include <memory>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -85,18 +85,10 @@ Model read_model(const std::string& obj) {
     return model;
 }
 
-struct Cleanup {
-    void operator()(cRenderCache* cache) const {
-        __mGraphics_render_cache_cleanup(cache);
-        delete cache;
-    }
-};
-
-using Cache = std::unique_ptr<cRenderCache, Cleanup>;
-
-Cache unroll(const Model& model) {
+quillon::RenderCache unroll(const Model& model) {
     const auto polys = static_cast<std::uint32_t>(model.position_indices.size() / CORNERS);
-    Cache cache(__mGraphics_create_render_cache(polys, CORNERS, true, true, true, false));
+    auto cache = quillon::make_render_cache(polys, CORNERS,
+                                            {.texcoords = true, .normals = true, .tangents = true});
     __mGraphics_modify_render_cache_from_polys(
         cache.get(), model.positions.data(), model.texcoords.data(), model.normals.data(), nullptr,
         model.position_indices.data(), model.texcoord_indices.data(), model.normal_indices.data(),
@@ -121,11 +113,9 @@ void draw(const cRenderCache& cache) {
 
     for (std::size_t corner = 0; corner < std::size_t{cache.poly_count} * CORNERS; ++corner) {
         const double groove = std::sin(16 * TURN * cache.texcoords[corner * 2]);
-        cVector3D position = entry(cache.positions, corner);
-        cVector3D normal =
-            entry(cache.normals, corner) + entry(cache.tangents, corner) * (0.6 * groove);
-        __cVector3d_rotate_by_matrix(position, tilt);
-        __cVector3d_rotate_by_matrix(normal, tilt);
+        const cVector3D position = tilt * entry(cache.positions, corner);
+        const cVector3D normal =
+            tilt * (entry(cache.normals, corner) + 0.6 * groove * entry(cache.tangents, corner));
 
         const int column = static_cast<int>((position.x / 1.5 + 1.0) / 2.0 * (width - 1));
         const int row = static_cast<int>((1.0 - position.y / 1.2) / 2.0 * (height - 1));
