@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # What every target of this tree is compiled with; nothing here depends on a preset.
 
 include(CheckCXXCompilerFlag)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # What is installed, by component, and the package that finds it again: find_package(quillon), and
 # three files for pkg-config. Paths are relative to these files, so that the tree can be moved.
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Toolchain file: compiles the Windows side on Debian (package g++-mingw-w64-x86-64-posix).
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Debian's packages, one for each component: scripts/check-packages makes, checks and uses them.
 
 find_program(QUILLON_GZIP gzip)

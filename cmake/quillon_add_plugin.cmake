@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # quillon_add_plugin(NAME SOURCES...): a plug-in that __mCore_open finds, as the module target NAME.
 #
 # The file is NAME with the platform's extension and no "lib" in front. Only what the sources mark

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # quillon_deploy_plugins(TARGET NAMES...): puts plug-ins where the program TARGET finds them: in the
 # folder "plugin" beside it, in which __mCore_open looks when the program is started from there.
 #

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # The target `docs`: the reference of the public headers and the pages, as HTML in the build tree's
 # folder `reference`. A public name without a comment, or a dead link, fails it.
 

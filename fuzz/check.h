@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a harness claims of a result.
 #pragma once
 

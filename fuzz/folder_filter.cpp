@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The folder listing, on any filter and any way of writing the folder.
 #include "check.h"
 

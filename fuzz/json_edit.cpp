@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Edits an object and an array by random operations, beside plain containers that say what is
 // right.
 #include "check.h"

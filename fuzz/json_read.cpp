@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The same JSON text as a whole and byte by byte: what the document reader accepts, the push parser
 // accepts with the same tree, counts and positions.
 #include "check.h"

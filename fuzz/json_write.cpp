@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What was read is written and read to the same; copies are equal and stand alone.
 #include "check.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads any bytes as a packet: a packet that is read makes the same bytes again.
 #include "plugins/network-enet/packet.h"
 

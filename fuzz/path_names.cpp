@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The parts of a path, and names that files are asked for by.
 #include "check.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The text helpers, on any text, width and capacity.
 #include "check.h"
 

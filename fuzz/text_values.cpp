@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The text forms of vectors, matrices, quaternions, splines, zones and colours.
 #include "check.h"
 

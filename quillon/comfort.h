@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the classes of the library leave to their users: operators, loops, owners and short forms.
 //
 // Header-only, and over the public headers alone: nothing here is needed, and nothing is exported.

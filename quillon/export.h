@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Export macros.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // All public headers except quillon/core/plugin.h, which plug-ins include: it declares the global
 // names that a plug-in defines.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The flat forms of values.
 #pragma once
 

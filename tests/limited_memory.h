@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // An operator new that counts, and that fails on demand: for one source of a test program.
 #pragma once
 

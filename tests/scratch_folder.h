@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What tests that write files share.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The bitmap filters on 2048 x 2048 RGBA, beside what bounds them: a pass over the same bytes, the
 // plain reading of the same filter, and another library's scaling of the same picture.
 #include "quillon/appearance/bitmap.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What __mCore_open costs beside the bare loader calls on the same files.
 #include "quillon/core/plugin_registry.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The least that a plug-in can be: what loading costs beyond it is the library's.
 #include "quillon/core/plugin.h"
 

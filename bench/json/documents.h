@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Documents as an engine meets them, made in code: the same bytes in every run.
 #pragma once
 

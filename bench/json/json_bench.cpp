@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reading with release, writing and copying, each beside its peers on the same documents.
 // Times per document stand in bytes of its text a second.
 #include "documents.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The peers and plain versions that rotations and splines are timed beside, in a shared library of
 // their own, so that all calls cross the same kind of border.
 #pragma once

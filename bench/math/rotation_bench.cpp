@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Matrix and quaternion products, slerp and turned vectors beside two peers and the plain versions:
 // one call for each of 256 items, in place.
 #include "bench/math/peers.h"

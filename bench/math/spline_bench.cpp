@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Smooth values and nearest parameters of a spline beside a plain version.
 #include "bench/math/peers.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Table trigonometry beside the runtime's functions and beside plain versions of the same rules.
 #include "quillon/math/physics.h"
 #include "quillon/math/trigonometry.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The router beside boost::signals2 (immediate posts) and beside its own rules followed word by
 // word, with an erase for each message that leaves (delayed posts).
 #include "quillon/messages/router.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Unrolling and tangents on a million corners, beside a plain version and the bare memory traffic.
 #include "quillon/rendercache/tangents.h"
 #include "quillon/simd/stores.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <quillon/quillon.h>
 
 #include <iostream>

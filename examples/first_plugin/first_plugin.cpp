@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <quillon/core/plugin.h>
 
 #include <chrono>

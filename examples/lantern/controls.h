@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the player's devices mean: actions with display names that can be bound anew.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "island.h"
 
 #include <quillon/comfort.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The island: its ground from a height map, its rocks, and the path that its lanterns hang along.
 //
 // Metres, with x to the east, y up and z to the north; the sea is at 0 and the island about the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "lockstep.h"
 
 #include <cinttypes>

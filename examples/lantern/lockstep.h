@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Two players in lockstep: inputs travel, states do not.
 //
 // Each side plays an input a few steps after it was given, and takes a step once it has the inputs

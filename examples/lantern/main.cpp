@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // lantern: a game that runs on quillon. `lantern --help` lists what it can do.
 
 #include "controls.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The way to the other player through the plug-in that serves NET.
 #pragma once
 

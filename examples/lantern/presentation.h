@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Shows the game through the plug-in that serves GRAPHICS.
 #pragma once
 

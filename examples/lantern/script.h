@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Inputs as a text file: what was played can be played again, to the bit, on any machine.
 //
 //     lantern-script 1 2

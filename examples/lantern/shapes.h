@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What is seen on the island, as render caches.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What happens on the island, in steps of a sixtieth of a second, to the bit the same everywhere.
 //
 // Three rules make it so. A step takes its inputs and nothing else: no clock, no chance, no device.

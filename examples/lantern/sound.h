@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Lets the game be heard through the plug-in that serves AUDIO. All sounds are made at start.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Draws the pictures of docs/math.md: math_pictures [FOLDER] writes spline.svg and rotations.svg
 // there.
 

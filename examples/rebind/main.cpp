@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Three actions with names, rebound while the game runs.
 //
 // Run it where a folder "plugin" holds the plug-in input-sdl. Hold an action's key to see it

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Unrolls an indexed model, a torus as OBJ text, into a render cache with tangents, and draws it on
 // the terminal. The tangents bend the normals into grooves, which is what a normal map does.
 #include <quillon/comfort.h>

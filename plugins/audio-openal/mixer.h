@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sounds, and the voices that play them, on one output.
 #pragma once
 

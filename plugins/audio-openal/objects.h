@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // OpenAL's numbered objects, deleted with their owner.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #define AL_ALEXT_PROTOTYPES
 
 #include "output.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Where the sound goes: a device, the host's memory, or nowhere.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The plug-in "audio-openal": the contract of audio, answered by one Mixer.
 #include "mixer.h"
 

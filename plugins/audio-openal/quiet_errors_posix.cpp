@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quiet_errors.h"
 
 #include <cstdio>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "samples.h"
 
 #include "failure.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A sound in memory, and the reading of one from a file.
 #pragma once
 

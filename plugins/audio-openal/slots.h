@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Numbered places for up to `capacity` values.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Serves SYSTEM: the time since the start, and pauses.
 #include "plugins/contracts/system.h"
 #include "quillon/core/plugin.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One reader and one writer for each format of picture files.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Entries 15 and 16 of the graphics table, as plugins/contracts/pictures.h says.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The contract of a sound mixer: sounds from files or samples, voices that play them at a place or
 // plain, one listener.
 //

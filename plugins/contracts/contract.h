@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What all contracts share: the identity in entry 0, the host's way to a typed table, the plug-in's
 // way to serve one, and the choice between plug-ins.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The contract of a renderer: one window or offscreen surface, frames of lit meshes, lines, sprites
 // and overlays, and the frame read back.
 //

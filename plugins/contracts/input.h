@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The contract of keyboard, mouse and pads.
 //
 // Every answer stays the same from one `update` to the next, however often it is asked.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // For plug-ins: the reason that a contract's last_error returns.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The contract of a network: one host that peers join, and messages between them.
 //
 // A side either hosts or has joined. Everything happens in `poll`, which a side calls until it

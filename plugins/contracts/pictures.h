@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The contract of picture files, which every graphics plug-in of this house serves: `image` serves
 // it alone, `graphics-gl` as a part of the contract `Graphics`.
 #pragma once

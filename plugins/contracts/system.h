@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The contract of a clock.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A TrueType font and the glyphs that were drawn of it.
 #pragma once
 

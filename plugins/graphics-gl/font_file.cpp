@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "font_file.h"
 
 #include <cstring>

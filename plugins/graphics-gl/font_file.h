@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // TrueType files, read with their checksums.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Where frames are drawn: a multisampled scene, and the finished picture that it becomes.
 #pragma once
 

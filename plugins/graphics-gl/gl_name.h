@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Names of OpenGL objects that are deleted with their owner.
 #pragma once
 

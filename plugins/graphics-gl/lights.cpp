@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "lights.h"
 
 #include <cmath>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The lights as the mesh shader reads them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "mesh.h"
 
 #include "vertex_layout.h"

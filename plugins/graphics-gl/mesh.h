@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A render cache as triangles in the driver's memory.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "mesh_program.h"
 
 #include "lights.h"

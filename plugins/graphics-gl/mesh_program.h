@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The programs that draw meshes, each made when it is first needed.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Pictures and text over the frame, collected while it is drawn and drawn at its end.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Pictures as textures.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The plug-in "graphics-gl": the contract `Graphics`, answered by one Renderer while a surface is
 // open.
 #include "renderer.h"

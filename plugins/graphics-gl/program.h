@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A shader program and its uniforms.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The operations of the contract `Graphics` on an open surface. Each throws std::runtime_error with
 // the reason if it fails, and has then drawn nothing.
 #pragma once

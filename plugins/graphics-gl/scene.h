@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Draws the three-dimensional part of a frame.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "scene_program.h"
 
 #include "shaders.h"

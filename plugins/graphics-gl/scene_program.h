@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What all programs of the scene share: the blocks of the frame and its lights, and the texture
 // units.
 #pragma once

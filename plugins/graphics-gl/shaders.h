@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The programs in GLSL 3.30. Positions are relative to the camera, so that 32-bit floats are
 // precise wherever in the world it is.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How vertices of one struct reach the attributes 0, 1, 2, ... of a program.
 #pragma once
 

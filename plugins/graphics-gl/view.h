@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // From the host's values in 64 bits, anywhere in the world, to the driver's in 32, around the
 // camera.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "window.h"
 
 #include <epoxy/gl.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The window, shown or hidden, and its OpenGL context.
 #pragma once
 

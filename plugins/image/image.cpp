@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Serves GRAPHICS with picture files alone, for hosts that draw nothing.
 #include "plugins/codecs/picture_files.h"
 #include "plugins/contracts/pictures.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Keyboard, mouse and pads, read by one update a frame.
 #pragma once
 

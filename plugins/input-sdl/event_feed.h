@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The input events of SDL, as they enter its queue.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The key of the keyboard for each code.
 //
 // By position: a code is one physical key, named as on a US keyboard. So every code has exactly one

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "own_window.h"
 
 namespace quillon::input_sdl {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The window of a host that shows none: a plain surface that takes the keyboard and the mouse.
 #pragma once
 

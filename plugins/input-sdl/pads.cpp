@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "pads.h"
 
 #include "plugins/contracts/input.h"

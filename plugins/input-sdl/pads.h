@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Up to four pads, and the codes of their buttons, axes and hats.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The plug-in "input-sdl": the input module's table, answered by one Device.
 #include "device.h"
 #include "key_map.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "residence.h"
 
 #include <SDL.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "states.h"
 
 #include "plugins/contracts/input.h"

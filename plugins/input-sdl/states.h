@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The state of every input code, whatever device it comes from.
 #pragma once
 

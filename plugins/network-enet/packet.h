@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The packets that sides exchange: a kind, then its fields in little-endian order.
 //
 // | kind    | fields                                                             |

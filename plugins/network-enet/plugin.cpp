@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The plug-in "network-enet": the contract of a network, answered by one Session.
 #include "session.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One side of a network: a host with its peers, or a peer with its host.
 #pragma once
 

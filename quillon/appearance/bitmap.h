@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Bitmaps: storage, pixels and image files over a pixel buffer that the caller holds.
 //
 // A pixel buffer has four bytes a pixel, red, green, blue, alpha, without gaps or header:

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/appearance/filters.h"
 #include "quillon/appearance/pixels.h"
 #include "quillon/math/gauss.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Colours: the value, its bytes, and conversions from a name, a text or a hue.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The 53 named colours: constants, and a table of them.
 #pragma once
 

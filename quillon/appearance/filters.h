@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Filters that change a pixel buffer in place (its layout: see bitmap.h).
 //
 // b is a byte of the pixel before, b' after. Counts are in pixels.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/appearance/gradient.h"
 
 #include "quillon/appearance/named.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The seven named gradients.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The parameters of a light, for the renderer.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/appearance/material.h"
 
 #include "quillon/appearance/material_names.h"

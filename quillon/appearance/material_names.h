@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The table of the 27 named materials.
 #pragma once
 

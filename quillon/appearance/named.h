@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Rows of the named tables, and their common look-up by key.
 #pragma once
 

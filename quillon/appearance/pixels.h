@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Pixels as 32-bit words, and loops over them in blocks that the compiler vectorises.
 #pragma once
 

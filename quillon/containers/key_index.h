@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A hash index by 32-bit key.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The map of pointers that crosses the border between the library and its plug-ins.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/containers/name_hash.h"
 
 using namespace quillon;

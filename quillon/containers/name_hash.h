@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The name hash that keys every table, and the comparison that ignores letter case.
 #pragma once
 

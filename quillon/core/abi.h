@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The layouts of the standard library that a compilation uses, which host, library and plug-ins
 // have to share: strings, lists and maps cross the border between them.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/core/core_lists.h"
 
 #include "quillon/core/end_of_life.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The three lists that the core holds beside the modules.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/core/end_of_life.h"
 
 #include "quillon/platform/exit.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The library's end-of-life list: what is built registers here, and the list runs backwards.
 //
 // It runs when the library is unloaded or when the process exits, whichever comes first.

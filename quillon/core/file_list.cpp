@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/core/file_list.h"
 
 #include "quillon/containers/name_hash.h"

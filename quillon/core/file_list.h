@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The listing of one folder.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The five tables of functions through which plug-ins serve the library's modules.
 //
 // A table is a block of pointer-wide entries at fixed positions, cleared before a plug-in fills it.

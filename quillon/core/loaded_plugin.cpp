@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/core/loaded_plugin.h"
 
 #include "quillon/core/core_lists.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A loaded plug-in: connection, initialisation, shutdown.
 #pragma once
 

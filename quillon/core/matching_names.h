@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The listing of one folder, for the library itself; file_list.h describes filters.
 #pragma once
 

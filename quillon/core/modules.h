@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The eight modules. Five are facades over a table that a plug-in fills; the others have no state.
 #pragma once
 

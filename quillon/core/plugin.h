@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The interface of a plug-in: its entry points, the tables that it fills, the containers it uses.
 //
 // A plug-in is a shared library in the folder "plugin" of a host. It defines the six entry points

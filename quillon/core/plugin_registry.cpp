@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/core/plugin_registry.h"
 
 #include "quillon/containers/name_hash.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The host's interface to plug-ins: loading, connection, queries. Plug-ins include plugin.h.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A flag that is true while a scope is active.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The five modules that a plug-in can serve, in the order in which they are offered.
 #pragma once
 

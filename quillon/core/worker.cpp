@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/core/worker.h"
 
 #include "quillon/core/interfaces.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The body of a thread that a host or a plug-in starts; the library starts none.
 #pragma once
 

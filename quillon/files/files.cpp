@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/files/files.h"
 
 #include "quillon/platform/files.h"

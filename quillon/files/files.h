@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // File operations: reading, opening, copying, testing, and the parts of path names.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Texts for values that have none. Each unit that includes them constructs its own at load.
 #pragma once
 

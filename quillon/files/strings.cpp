@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/files/strings.h"
 
 #include <algorithm>

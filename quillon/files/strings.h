@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Text helpers: bounded copy, measuring, wrapping, Roman numerals.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/input/analog.h"
 
 #include "quillon/core/modules.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A binding to one axis, with the shape of its response.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The numbers of every input that a game can bind.
 //
 // A digital code is a key, a button, a direction of a hat or a zone of an axis; an analog code is

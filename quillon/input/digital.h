@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A binding to two digital inputs, joined by a logic.
 #pragma once
 

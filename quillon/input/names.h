@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The display names of every input, generated at compile time.
 //
 // The rows are constant data of the library or program that includes them, and valid while it is

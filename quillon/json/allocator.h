@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The two functions through which every allocation of the JSON component goes.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/json/containers.h"
 #include "quillon/json/record.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Arrays and objects of the JSON component: growable lists of pointers, paths, merging, copying.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Deep copies, without recursion.
 #include "quillon/json/key_table.h"
 #include "quillon/json/record.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads a whole JSON text in memory, quickly.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Escapes in strings: short letters, UTF-16 code units, and the UTF-8 that they become.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/json/grammar.h"
 
 #include <string_view>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The push parser's grammar as data: classes of characters, and what each does in every state.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A scratch table from the keys of one object to their places in its list.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The growable lists of arrays and objects, which differ in the type of their entries alone.
 #include "quillon/json/record.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/json/number.h"
 
 #include "quillon/json/swar.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Numbers from text and into text.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Objects: pairs in order of first insertion, found by walking the list.
 #include "quillon/json/record.h"
 

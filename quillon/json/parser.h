@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads JSON text: a push parser that takes one character at a time, and the readers of whole
 // trees.
 //

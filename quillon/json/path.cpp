@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Member paths, and command-line style arguments.
 #include "quillon/json/record.h"
 

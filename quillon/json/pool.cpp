@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/json/pool.h"
 
 #include "quillon/json/allocator.h"

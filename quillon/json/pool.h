@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Memory for many small blocks of one tree, taken from the allocator in chunks.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/json/allocator.h"
 #include "quillon/json/escape.h"
 #include "quillon/json/grammar.h"

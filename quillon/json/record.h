@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Building values and containers, in memory of a pool or in blocks of their own.
 #pragma once
 

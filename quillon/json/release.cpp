@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Releasing values, and the table of kinds, which holds how each is emptied.
 #include "quillon/json/record.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A stack for walking trees without recursion.
 #pragma once
 

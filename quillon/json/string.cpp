@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/json/record.h"
 #include "quillon/json/value.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Text eight bytes at a time: SIMD within a register.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Operations on whole trees, none of which recurses: footprint and combining.
 #include "quillon/json/key_table.h"
 #include "quillon/json/record.h"

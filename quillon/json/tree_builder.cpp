@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/json/tree_builder.h"
 
 #include "quillon/json/swar.h"

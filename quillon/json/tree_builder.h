@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Builds a tree of values from the parts of a text, in their order.
 #pragma once
 

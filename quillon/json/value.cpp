@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/json/value.h"
 
 #include "quillon/json/record.h"

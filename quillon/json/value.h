@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Values of the JSON component: one record for every kind, strings, and the byte buffer.
 //
 // Plain records, free functions, reference counts by hand, codes for errors; nothing is locked.

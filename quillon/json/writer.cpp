@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/json/writer.h"
 
 #include "quillon/json/escape.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Writes trees of values as JSON text, in pieces that go to a sink.
 //
 // Doubles have up to six decimals and no exponent.

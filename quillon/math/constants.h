@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Angle constants and physical constants.
 #pragma once
 

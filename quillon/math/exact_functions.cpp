@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/math/exact_functions.h"
 
 #include <array>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sine, cosine, tangent and two inverses, rounded correctly to 64 bits at the arguments of the
 // trigonometry tables: the same bits with every compiler, on every processor and system.
 //

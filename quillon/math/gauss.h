@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The truncated Gaussian, inline for the loops that the compiler vectorises.
 #pragma once
 

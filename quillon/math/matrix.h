@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // 3x3 matrices: rotations and general linear maps.
 //
 // Vectors are columns and a rotation is M times v; angles are radians. With c and s the cosine and

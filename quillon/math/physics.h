@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Angles in the plane, and a moving box that strikes a static one.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/math/quaternion.h"
 
 #include "quillon/math/matrix.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Quaternions: orientations in four numbers.
 //
 // No operation normalises, so rounding moves the norm.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Vectors turned by matrices and quaternions, and the matrix of a quaternion.
 #include "quillon/math/matrix.h"
 #include "quillon/math/quaternion.h"

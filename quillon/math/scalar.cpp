@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/math/scalar.h"
 
 #include "quillon/math/constants.h"

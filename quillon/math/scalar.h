@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Random numbers, bit operations and two small approximations.
 #pragma once
 

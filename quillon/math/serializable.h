@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The interface of values that can be laid out in a flat buffer.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/math/spline.h"
 
 #include "quillon/math/text_fields.h"

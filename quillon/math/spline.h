@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Paths through control points, whose parameter runs over their indices: 2.5 is halfway between
 // points 2 and 3.
 #pragma once

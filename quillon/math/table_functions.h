@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The functions that the trigonometry tables are filled with: the C library's, which differ between
 // systems in the last place, or under QUILLON_EXACT_TABLES our own, which are equal everywhere.
 #pragma once

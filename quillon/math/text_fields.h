@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The text form of values: decimal fields, each closed by "#".
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Table look-ups for the units of this folder that need more than one at a time.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/math/trigonometry.h"
 
 #include "quillon/math/table_functions.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Trigonometry by table look-up, and the binding of angles to one turn.
 //
 // Results are quantised: a forward function returns the sine, cosine or tangent of a multiple of

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Vectors of two and three components.
 #pragma once
 

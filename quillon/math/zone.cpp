@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/math/zone.h"
 
 #include "quillon/math/text_fields.h"

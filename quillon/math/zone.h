@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Axis-aligned boxes in space.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Messages, their observers, and the holders that keep delayed messages.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/messages/router.h"
 
 #include <cstring>

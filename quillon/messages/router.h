@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Delivers messages by type, now or after a delay.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Exit handlers of the library.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/platform/exit.h"
 
 // From the Itanium C++ ABI, section 3.3.6.3. `std::atexit` would do in a plain build, but the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/platform/exit.h"
 
 #include <cstdlib>

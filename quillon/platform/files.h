@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Queries on files by path.
 #pragma once
 

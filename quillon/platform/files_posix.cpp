@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/platform/files.h"
 
 #include <sys/stat.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Folder listing.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Loading of shared libraries.
 #pragma once
 

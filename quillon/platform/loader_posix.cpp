@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/platform/loader.h"
 
 #include "quillon/platform/paths.h"

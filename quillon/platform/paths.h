@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Normalisation and length of paths.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Platform random numbers.
 #pragma once
 

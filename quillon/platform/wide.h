@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Wide text for Windows.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/rendercache/render_cache.h"
 
 #include "quillon/simd/stores.h"

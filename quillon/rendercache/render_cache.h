@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Flat 32-bit arrays for drawing, converted from vectors and colours.
 #pragma once
 

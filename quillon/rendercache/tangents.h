@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Tangents along the first texture axis.
 #pragma once
 

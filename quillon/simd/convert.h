@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Conversions that are defined for every value.
 #pragma once
 

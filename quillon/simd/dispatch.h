@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Runs a kernel with the widest vectors that the machine offers.
 #pragma once
 

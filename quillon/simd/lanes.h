@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Arithmetic on two or four 64-bit floats at once.
 //
 // Each lane has the bits of the scalar operation: nothing is fused, swapped or approximated.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Cached and streaming stores of floats.
 #pragma once
 

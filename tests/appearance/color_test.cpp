@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/appearance/expect_color.h"
 #include "tests/flat_form.h"
 

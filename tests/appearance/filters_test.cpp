@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/appearance/bitmap.h"
 #include "quillon/appearance/color_names.h"
 #include "quillon/appearance/filters.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A bitmap in memory whose neighbouring pages fault on any access.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/appearance/color_names.h"
 #include "quillon/appearance/gradient.h"
 #include "quillon/appearance/light.h"

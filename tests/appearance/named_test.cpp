@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The three tables of names: colours, gradients and materials.
 #include "quillon/appearance/color_names.h"
 #include "quillon/appearance/gradient.h"

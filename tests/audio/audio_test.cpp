@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The plug-in "audio-openal", rendered into memory.
 #include "plugins/contracts/audio.h"
 #include "tests/plugins/loaded_plugin.h"

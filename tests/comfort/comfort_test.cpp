@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/comfort.h"
 #include "quillon/math/trigonometry.h"
 

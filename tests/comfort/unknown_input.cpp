@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Does not compile: no input has this name.
 #include "quillon/comfort.h"
 

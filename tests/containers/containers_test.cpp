@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/containers/key_index.h"
 #include "quillon/containers/list.h"
 #include "quillon/containers/map.h"

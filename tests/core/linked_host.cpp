@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A host that links the library, opens it and returns from main. Its argument says what happens
 // meanwhile: the folder "late" is scanned ("scan"), or its plug-in initialised as well
 // ("initialize"), or an exception leaves the open ("throw").

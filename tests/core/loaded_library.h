@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The shared library, loaded and unloaded by its path, with a folder of plug-ins of its own.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "loaded_library.h"
 
 #include "quillon/appearance/bitmap.h"

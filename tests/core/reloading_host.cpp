@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Loads the library, opens it with the plug-ins of the current folder and unloads it, a thousand
 // times, and fails if anything is left. The tests of the plug-ins run it too.
 #include "loaded_library.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every function of the installed headers, also those that nothing calls: what they need has to
 // come from the shared library. Only the link counts.
 #include "quillon/core/plugin.h"

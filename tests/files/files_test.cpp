@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/files/files.h"
 
 #include "tests/scratch_folder.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // game_digests HEIGHT_MAP SCRIPT: plays a script and prints the digest of the tables, then that of
 // every second. scripts/test-game-everywhere compares what different builds of it print.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The island that the tests of the game share, with the tables filled before it is built.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/core/modules.h"
 #include "quillon/input/analog.h"
 #include "quillon/input/digital.h"

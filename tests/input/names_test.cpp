@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/core/modules.h"
 #include "quillon/input/names.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "plugins/contracts/input.h"
 #include "plugins/input-sdl/states.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The plug-in "input-sdl" as a host has it, with SDL's virtual pads and a real window in a virtual
 // display, where xdotool is the user.
 #include "plugins/contracts/input.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every request for memory fails once, and nothing may leak or be used after its end.
 #include "json_testing.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the tests and the fuzz harnesses of the JSON component share.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the document reader accepts, the push parser accepts with the same tree, counts and
 // positions; what it leaves to the push parser has the outcome of single steps.
 #include "json_testing.h"

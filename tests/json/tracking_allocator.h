@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // An allocator that counts what the JSON component takes.
 #pragma once
 

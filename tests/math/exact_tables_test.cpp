@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/math/trigonometry.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Random operands, some of them awkward, and the comparison of results bit for bit.
 #pragma once
 

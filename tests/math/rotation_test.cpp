@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Matrices and quaternions, which have to agree with each other.
 #include "random_values.h"
 #include "tests/reference/math.h"

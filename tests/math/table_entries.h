@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every entry of the trigonometry tables, read through the functions that use them.
 #pragma once
 

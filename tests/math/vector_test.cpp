@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Vectors and zones, and what all classes of components have in common.
 #include "quillon/math/vector.h"
 

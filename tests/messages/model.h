@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The router's rules followed word by word, and the script that drives the router and this model.
 // Observers and messages are numbers.
 #pragma once

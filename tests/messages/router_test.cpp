@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "model.h"
 
 #include "quillon/messages/router.h"

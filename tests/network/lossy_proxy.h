@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A network as bad as a test needs it, between one peer and its host on 127.0.0.1.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The plug-in "network-enet", several of it in one process, on 127.0.0.1 alone.
 #include "lossy_proxy.h"
 #include "plugins/contracts/network.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "loaded_plugin.h"
 #include "plugins/contracts/system.h"
 

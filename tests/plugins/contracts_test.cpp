@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The macro that the Windows headers leave behind, and the headers of sockets, before ours.
 #define interface struct
 #include <sys/socket.h>

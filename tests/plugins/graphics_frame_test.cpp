@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Overlays, text, whole frames, and what happens where something is missing or wrong.
 #include "graphics_plugin.h"
 #include "loaded_library.h"

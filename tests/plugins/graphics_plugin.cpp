@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "graphics_plugin.h"
 
 #include "loaded_plugin.h"

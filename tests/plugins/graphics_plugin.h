@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The plug-in graphics-gl, loaded once, and small things for it to draw.
 #pragma once
 

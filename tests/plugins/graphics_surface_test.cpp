@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How surfaces, lights, pictures and fog show, pixel by pixel.
 #include "graphics_plugin.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Pictures of every kind are in the folder "pictures": PNG of 10 x 9 pixels, as five times two
 // pixels in each row, and flat JPEG of 19 x 17.
 #include "image_plugin.h"

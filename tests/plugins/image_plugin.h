@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The image plug-in, loaded once, and what its entries returned.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "image_plugin.h"
 #include "loaded_library.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A plug-in's file, loaded with a state of its own, and its table under a contract.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "plugins/contracts/contract.h"
 
 struct TooMany {

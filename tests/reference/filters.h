@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The filters computed in the plainest way, a pixel at a time: what the library is timed beside,
 // and what it equals byte for byte.
 #pragma once

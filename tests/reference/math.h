@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Matrices, quaternions and splines computed in the plainest way: what the library is timed beside,
 // and what it equals bit for bit.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/rendercache/render_cache.h"
 
 #include "quillon/appearance/color_names.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quillon/rendercache/tangents.h"
 
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // `quillon check`: a plug-in that is wrong in one way fails by the row that says so.
 #include "loaded_library.h"
 #include "tool_run.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The commands over pictures: what they write is what the exports make.
 #include "loaded_library.h"
 #include "tool_run.h"

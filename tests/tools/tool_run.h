@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The `quillon` command, run as a process of its own.
 #pragma once
 

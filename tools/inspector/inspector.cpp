@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Hands the list of plug-ins to a host: a plug-in can look it up, while no export returns it. Its
 // purpose keeps it out of the connecting passes.
 #include "quillon/core/plugin.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "bindings.h"
 
 #include "command.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Bindings as a user writes them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A picture to draw on.
 #pragma once
 

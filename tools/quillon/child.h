@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Work on foreign code, done by this program in a process of its own, so that whatever that code
 // does ends that process alone.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Colours as the commands read and print them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The parts of the commands of `quillon`. A further command is a file with a `declare` function
 // and its row in commands.cpp.
 #pragma once

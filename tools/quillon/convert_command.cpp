@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // `quillon convert IN OUT`
 #include "command.h"
 #include "pictures.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The manual page and the completion of shells, made of the commands' own help.
 #pragma once
 

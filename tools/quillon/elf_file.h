@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // ELF headers, read without the system's loader, which ends the process on some damaged files.
 #pragma once
 

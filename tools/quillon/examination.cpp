@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "examination.h"
 
 #include "child.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Plug-ins examined in processes of their own.
 #pragma once
 

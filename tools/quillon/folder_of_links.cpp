@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "folder_of_links.h"
 
 #include "platform.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A part of a folder, as a folder of its own.
 #pragma once
 

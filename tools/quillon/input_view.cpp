@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "input_view.h"
 
 #include "plugins/contracts/input.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The state of the inputs, as text.
 #pragma once
 

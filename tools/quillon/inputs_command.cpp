@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // `quillon inputs`
 #include "bindings.h"
 #include "command.h"

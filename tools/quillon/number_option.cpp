@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "number_option.h"
 
 #include <CLI/CLI.hpp>

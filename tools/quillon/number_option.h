@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Options that are numbers.
 #pragma once
 

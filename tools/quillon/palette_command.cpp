@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // `quillon palette [OUT]`
 #include "canvas.h"
 #include "color_text.h"

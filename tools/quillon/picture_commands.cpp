@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // `quillon normal-map`, `brush`, `mask`, `adjust` and `average`: the filters on real pictures.
 #include "color_text.h"
 #include "command.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Pictures, read and written by the graphics plug-in as plugins/contracts/pictures.h says.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The tool's own calls of the operating system.
 #pragma once
 

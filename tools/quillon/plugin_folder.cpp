@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "plugin_folder.h"
 
 #include "command.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The folders in which the tool looks for plug-ins, and the opening of one.
 #pragma once
 

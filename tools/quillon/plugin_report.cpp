@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "plugin_report.h"
 
 #include "child.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The files of a plug-in folder, with the outcome of loading each.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // `quillon plugins [FOLDER]`
 #include "child.h"
 #include "command.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Processes of this program: the child's side and the parent's.
 #include "command.h"
 #include "platform.h"

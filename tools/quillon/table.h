@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Tables of text.
 #pragma once
 

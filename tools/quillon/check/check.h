@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // `quillon check FILE`: what a plug-in does of what the contracts promise.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // `quillon check FILE`
 #include "check/check.h"
 

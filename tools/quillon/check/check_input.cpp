@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "check/check.h"
 #include "plugins/contracts/input.h"
 #include "quillon/input/codes.h"

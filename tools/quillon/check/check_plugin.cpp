@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The checks that all plug-ins share, and the way to those of their contracts.
 #include "check/check.h"
 
