@@ -17,6 +17,14 @@ if("shared" IN_LIST QUILLON_LIBRARIES)
     install(EXPORT quillon_shared NAMESPACE quillon:: DESTINATION ${package_folder}
         FILE quillon-shared.cmake ${development})
 endif()
+# Where gdb looks for what it loads with the library; Visual Studio's are added to a project.
+if("shared" IN_LIST QUILLON_LIBRARIES AND NOT WIN32)
+    install(FILES ${PROJECT_SOURCE_DIR}/cmake/debug/quillon-gdb.py
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/gdb/auto-load${CMAKE_INSTALL_FULL_LIBDIR}
+        RENAME $<TARGET_FILE_NAME:quillon>-gdb.py ${development})
+endif()
+install(FILES ${PROJECT_SOURCE_DIR}/cmake/debug/quillon.natvis
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/quillon ${development})
 if("static" IN_LIST QUILLON_LIBRARIES)
     install(TARGETS quillon_static EXPORT quillon_static ARCHIVE ${development})
     install(EXPORT quillon_static NAMESPACE quillon:: DESTINATION ${package_folder}
