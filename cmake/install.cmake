@@ -44,7 +44,7 @@ if(QUILLON_TOOLS)
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/quillon/inspect COMPONENT tools)
 endif()
 if(TARGET tool_documents)
-    install(FILES ${PROJECT_BINARY_DIR}/tools/quillon/quillon.1
+    install(FILES ${PROJECT_BINARY_DIR}/tools/quillon/quillon.1.gz
         DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
     install(FILES ${PROJECT_BINARY_DIR}/tools/quillon/quillon.bash
         DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME quillon
