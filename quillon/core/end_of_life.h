@@ -20,7 +20,8 @@ struct EndOfLifeEntry {
 // Adds an entry, which must not be on the list, as the latest.
 void register_for_end_of_life(EndOfLifeEntry& entry);
 
-// Destroys what is on the list, latest first. Does nothing more when it is called again.
+// Destroys what is on the list, latest first. Does nothing more when it is called again, or while
+// it runs.
 void run_end_of_life();
 
 // True once the list has begun to run.
@@ -37,6 +38,14 @@ struct EndOfLifeComesFirst {
 
     ~EndOfLifeComesFirst() { run_end_of_life_before_exit_handlers(); }
 };
+
+// Makes the list run before the plug-in's static objects that exist now are destroyed.
+//
+// The handlers above are enough for that where a process has one list of them.
+void run_end_of_life_before_end_of(void* plugin_library);
+
+// Undoes that: another user of the file may keep it loaded longer than this library.
+void forget_end_of_life_in(void* plugin_library);
 
 // An object in static storage, built on first use and destroyed by the end-of-life list.
 //

@@ -41,6 +41,19 @@ void** new_table(std::size_t entry_count) {
     return static_cast<void**>(std::memset(::operator new(size), 0, size));
 }
 
+// The end of life precedes that of the plug-in's static objects when the scope is left, also by an
+// exception.
+struct EndOfLifeBefore {
+    explicit EndOfLifeBefore(void* plugin_library) : library(plugin_library) {}
+
+    EndOfLifeBefore(const EndOfLifeBefore&) = delete;
+    EndOfLifeBefore& operator=(const EndOfLifeBefore&) = delete;
+
+    ~EndOfLifeBefore() { run_end_of_life_before_end_of(library); }
+
+    void* library;
+};
+
 } // namespace
 
 LoadedPlugin::LoadedPlugin(void* loaded_library, const EntryPoints& functions) {
@@ -55,6 +68,7 @@ LoadedPlugin::LoadedPlugin(void* loaded_library, const EntryPoints& functions) {
 
 LoadedPlugin::~LoadedPlugin() {
     shut_down();
+    forget_end_of_life_in(library);
     platform::release_library(library);
 }
 
@@ -90,8 +104,10 @@ bool LoadedPlugin::make_initialised() {
         return initialised;
     const RaisedFlag under_way(initialising);
     initialised = initialize(&pluginInitParameters());
-    if (initialised)
+    if (initialised) {
         run_end_of_life_before_exit_handlers();
+        run_end_of_life_before_end_of(library);
+    }
     return initialised;
 }
 
@@ -103,6 +119,7 @@ bool LoadedPlugin::connect_service(const Service& service) {
         return false;
     void**& table = service.interface();
     table = new_table(service.entry_count);
+    const EndOfLifeBefore static_objects(library);
     try {
         reinterpret_cast<void (*)(void**)>(function)(table);
     } catch (...) {

@@ -10,6 +10,7 @@
 //   unloaded or the process exits in the ordinary way.
 //   Static objects that exist when `initialize` and the connect entry points have returned are
 //   still alive then. Function-local statics that are first used later may be gone; tables are.
+//   On Windows that needs this header: a plug-in without it is shut down after its static objects.
 //   Plug-ins keep their indices. One that is gone answers "INVALID", null and false.
 //
 // Calls into the library, which every function of a plug-in may make
@@ -38,6 +39,7 @@
 #include "quillon/core/plugin_registry.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <initializer_list>
 #include <string>
 #include <string_view>
@@ -72,6 +74,24 @@ QUILLON_PLUGIN_EXPORT void connect_input_interface(void** table);
 QUILLON_PLUGIN_EXPORT void connect_system_interface(void** table);
 QUILLON_PLUGIN_EXPORT void connect_network_interface(void** table);
 QUILLON_PLUGIN_EXPORT void connect_sound_interface(void** table);
+
+#if defined(_WIN32)
+// The seventh entry point, optional and already defined: the library's end of life, which calls
+// `shutdown`, comes before the end of the static objects that exist when it is called.
+//
+// Exit handlers of a DLL are its own here, and a plug-in's run before the library's. A null takes
+// back what was given: the DLL may outlive the library.
+QUILLON_PLUGIN_EXPORT inline void call_before_end_of_plugin(void (*function)()) {
+    static constinit decltype(function) end_of_life = nullptr;
+    end_of_life = function;
+    if (function == nullptr)
+        return;
+    static_cast<void>(std::atexit([] {
+        if (end_of_life != nullptr)
+            end_of_life();
+    }));
+}
+#endif
 
 namespace quillon {
 

@@ -10,4 +10,11 @@ namespace quillon::platform {
 // Without memory for another handler nothing is registered.
 void call_at_unload_or_exit(void (*function)());
 
+// Calls `function` before the static objects of the loaded plug-in that exist now are destroyed,
+// where each library has a list of handlers of its own. Does nothing where the process has one
+// list.
+//
+// A null withdraws the functions that the plug-in received before.
+void call_before_end_of(void* library, void (*function)());
+
 } // namespace quillon::platform

@@ -13,4 +13,7 @@ void call_at_unload_or_exit(void (*function)()) {
     static_cast<void>(__cxa_atexit(call, reinterpret_cast<void*>(function), &__dso_handle));
 }
 
+// The handlers of the whole process run latest first, so call_at_unload_or_exit is enough.
+void call_before_end_of(void*, void (*)()) {}
+
 } // namespace quillon::platform
