@@ -23,7 +23,7 @@ using Stream = std::unique_ptr<std::FILE, CloseStream>;
 
 // Some platforms open a folder and fail at its first byte; here no platform opens one.
 Stream open_to_read(const char* path) {
-    return Stream(platform::is_folder(path) ? nullptr : std::fopen(path, "rb"));
+    return Stream(platform::is_folder(path) ? nullptr : platform::open_file(path, "rb"));
 }
 
 // A file opened in text mode, and its length.
@@ -36,7 +36,7 @@ Text open_text(const char* path) {
     Text text;
     if (!platform::can_have_a_length(path))
         return text;
-    text.stream.reset(std::fopen(path, "r"));
+    text.stream.reset(platform::open_file(path, "r"));
     if (text.stream != nullptr && std::fseek(text.stream.get(), 0, SEEK_END) == 0) {
         text.length = std::ftell(text.stream.get());
         std::rewind(text.stream.get());
@@ -84,7 +84,7 @@ void __mFileOps_open_for_read(std::FILE*& stream, const char* path) {
 }
 
 void __mFileOps_open_for_write(std::FILE*& stream, const char* path) {
-    stream = std::fopen(path, "wb");
+    stream = platform::open_file(path, "wb");
 }
 
 void __mFileOps_close(std::FILE* stream) {
@@ -100,7 +100,7 @@ void __mFileOps_file_copy(const char* destination, const char* source) {
     if (platform::is_same_file(destination, source))
         return;
     const Stream from = open_to_read(source);
-    const Stream to(std::fopen(destination, "wb"));
+    const Stream to(platform::open_file(destination, "wb"));
     if (from == nullptr || to == nullptr)
         return;
     std::array<char, 16384> block;

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
-// Queries on files by path.
+// Queries on files by path, and opening them.
+//
+// Paths are UTF-8 on Windows and whatever bytes the system takes elsewhere.
 #pragma once
 
+#include <cstdio>
 #include <string>
 
 namespace quillon::platform {
@@ -17,6 +20,9 @@ bool is_folder(const char* path);
 
 // True if both paths name the same existing file.
 bool is_same_file(const char* a, const char* b);
+
+// As std::fopen.
+std::FILE* open_file(const char* path, const char* mode);
 
 // Creates one folder; true on success.
 //

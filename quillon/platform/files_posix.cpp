@@ -37,6 +37,10 @@ bool is_same_file(const char* a, const char* b) {
     return first.st_mode != 0 && first.st_dev == second.st_dev && first.st_ino == second.st_ino;
 }
 
+std::FILE* open_file(const char* path, const char* mode) {
+    return std::fopen(path, mode);
+}
+
 bool create_folder(const std::string& path) {
     return mkdir(path.c_str(), S_IRWXU | S_IRWXG | S_IRWXO) == 0;
 }

@@ -14,15 +14,16 @@ namespace {
 struct _stat64 status_of(const char* path) {
     struct _stat64 status {};
 
-    if (_stat64(path, &status) != 0)
+    if (_wstat64(widen(path).c_str(), &status) != 0)
         status = {};
     return status;
 }
 
 // False if the file at `path` cannot be identified.
 bool identify(const char* path, BY_HANDLE_FILE_INFORMATION& identity) {
-    const HANDLE file = CreateFileA(path, 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                                    nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    const HANDLE file =
+        CreateFileW(widen(path).c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                    nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
     if (file == INVALID_HANDLE_VALUE)
         return false;
     const bool known = GetFileInformationByHandle(file, &identity) != 0;
@@ -33,7 +34,7 @@ bool identify(const char* path, BY_HANDLE_FILE_INFORMATION& identity) {
 } // namespace
 
 bool path_exists(const char* path) {
-    return _access(path, 0) == 0;
+    return _waccess(widen(path).c_str(), 0) == 0;
 }
 
 bool can_have_a_length(const char* path) {
@@ -53,9 +54,12 @@ bool is_same_file(const char* a, const char* b) {
            first.nFileIndexLow == second.nFileIndexLow;
 }
 
+std::FILE* open_file(const char* path, const char* mode) {
+    return _wfopen(widen(path).c_str(), widen(mode).c_str());
+}
+
 bool create_folder(const std::string& path) {
-    WidePath wide;
-    return widen(path, wide) && CreateDirectoryW(wide.data(), nullptr) != 0;
+    return CreateDirectoryW(widen(path).c_str(), nullptr) != 0;
 }
 
 } // namespace quillon::platform

@@ -4,6 +4,7 @@
 #include "quillon/platform/wide.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <windows.h>
 
@@ -11,23 +12,19 @@ namespace quillon::platform {
 namespace {
 
 void append_entry(std::vector<FolderEntry>& entries, const WIN32_FIND_DATAW& record) {
-    std::array<char, PATH_LIMIT> name;
-    const std::size_t length = std::wcstombs(name.data(), record.cFileName, name.size());
-    // A name that the current locale cannot spell cannot be opened by that spelling either.
-    if (length < name.size())
-        entries.push_back({std::string(name.data(), length),
-                           (record.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0});
+    std::string name = narrow(record.cFileName);
+    // A name that UTF-8 cannot spell could not be opened either.
+    if (!name.empty())
+        entries.push_back(
+            {std::move(name), (record.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0});
 }
 
 } // namespace
 
 std::vector<FolderEntry> list_folder(const std::string& folder) {
     std::vector<FolderEntry> entries;
-    WidePath pattern;
     WIN32_FIND_DATAW record;
-    if (!widen(folder + "*", pattern))
-        return entries;
-    const HANDLE search = FindFirstFileW(pattern.data(), &record);
+    const HANDLE search = FindFirstFileW(widen(folder + "*").c_str(), &record);
     if (search == INVALID_HANDLE_VALUE)
         return entries;
     do {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "quillon/platform/loader.h"
 
+#include "quillon/platform/paths.h"
 #include "quillon/platform/wide.h"
 
 #include <windows.h>
@@ -8,8 +9,8 @@
 namespace quillon::platform {
 
 void* load_library(const std::string& path) {
-    WidePath wide;
-    return widen(path, wide) ? LoadLibraryW(wide.data()) : nullptr;
+    const std::wstring wide = widen(path);
+    return wide.size() <= PATH_LIMIT ? LoadLibraryW(wide.c_str()) : nullptr;
 }
 
 void* find_function(void* library, const char* name) {

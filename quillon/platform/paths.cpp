@@ -2,7 +2,6 @@
 #include "quillon/platform/paths.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 namespace quillon::platform {
 
@@ -16,11 +15,6 @@ std::string normalise_path(std::string path) {
     }
     path.resize(length);
     return path;
-}
-
-std::size_t wide_length(const std::string& text) {
-    const std::size_t length = std::mbstowcs(nullptr, text.c_str(), 0);
-    return length == static_cast<std::size_t>(-1) ? text.size() : length;
 }
 
 } // namespace quillon::platform

@@ -15,7 +15,8 @@ inline constexpr std::size_t PATH_LIMIT = 260;
 // A run of three slashes becomes two: the pass does not go back.
 std::string normalise_path(std::string path);
 
-// The number of wide characters that `text` has in the current locale.
+// The number of wide characters of `text`, which is UTF-8 on Windows and in the current locale
+// elsewhere.
 // The number of bytes if it is not valid text there.
 std::size_t wide_length(const std::string& text);
 

@@ -1,20 +1,15 @@
 // SPDX-License-Identifier: MIT
-// Wide text for Windows.
+// UTF-8 and the wide text of Windows.
 #pragma once
 
-#include "quillon/platform/paths.h"
-
-#include <array>
-#include <cstdlib>
 #include <string>
 
 namespace quillon::platform {
 
-using WidePath = std::array<wchar_t, PATH_LIMIT + 1>;
+// The UTF-16 of a UTF-8 text; empty if it is not valid UTF-8.
+std::wstring widen(const std::string& text);
 
-// Converts `text` under the current locale; false if it is not valid text there or does not fit.
-inline bool widen(const std::string& text, WidePath& wide) {
-    return std::mbstowcs(wide.data(), text.c_str(), wide.size()) < wide.size();
-}
+// The UTF-8 of a UTF-16 text; empty if it has an unpaired surrogate.
+std::string narrow(const std::wstring& wide);
 
 } // namespace quillon::platform
