@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Makes, writes, lists, copies and finds files whose names no code page of Windows has in common, and
-// looks at them by their wide names. Prints what failed; the status is the number of failures.
+// Makes, writes, lists, copies and finds files whose names no code page of Windows has in common,
+// and looks at them by their wide names. Prints what failed; the status is the number of failures.
 #include "quillon/quillon.h"
 
 #include <cstdio>
