@@ -157,7 +157,7 @@ void check_resources(const Graphics& graphics) {
         const std::uint8_t pixel[4] = {};
         expect_failure(graphics, graphics.upload_picture(pixel, 0, 1, {}) == 0,
                        "upload_picture of 0 pixels");
-        const std::vector<quillon::cLight> lights(quillon::MAX_LIGHTS + 1);
+        const std::array<quillon::cLight, quillon::MAX_LIGHTS + 1> lights;
         expect_failure(graphics, !graphics.set_lights(lights.data(), quillon::MAX_LIGHTS + 1),
                        "set_lights of too many");
         expect_failure(graphics, !graphics.set_font("missing.ttf"), "set_font of a missing file");
