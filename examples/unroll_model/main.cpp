@@ -86,9 +86,9 @@ Model read_model(const std::string& obj) {
     return model;
 }
 
-quillon::RenderCache unroll(const Model& model) {
+RenderCache unroll(const Model& model) {
     const auto polys = static_cast<std::uint32_t>(model.position_indices.size() / CORNERS);
-    auto cache = quillon::make_render_cache(polys, CORNERS,
+    auto cache = make_render_cache(polys, CORNERS,
                                             {.texcoords = true, .normals = true, .tangents = true});
     __mGraphics_modify_render_cache_from_polys(
         cache.get(), model.positions.data(), model.texcoords.data(), model.normals.data(), nullptr,
@@ -137,7 +137,7 @@ void draw(const cRenderCache& cache) {
 int main() {
     __mPhysics_open();
     const Model model = read_model(torus_text());
-    const Cache cache = unroll(model);
+    const RenderCache cache = unroll(model);
     draw(*cache);
     std::printf("%zu positions, %zu texture coordinates and %u quads unroll to %u corners.\n",
                 model.positions.size(), model.texcoords.size(), cache->poly_count,
