@@ -88,8 +88,8 @@ Model read_model(const std::string& obj) {
 
 RenderCache unroll(const Model& model) {
     const auto polys = static_cast<std::uint32_t>(model.position_indices.size() / CORNERS);
-    auto cache = make_render_cache(polys, CORNERS,
-                                            {.texcoords = true, .normals = true, .tangents = true});
+    auto cache =
+        make_render_cache(polys, CORNERS, {.texcoords = true, .normals = true, .tangents = true});
     __mGraphics_modify_render_cache_from_polys(
         cache.get(), model.positions.data(), model.texcoords.data(), model.normals.data(), nullptr,
         model.position_indices.data(), model.texcoord_indices.data(), model.normal_indices.data(),
