@@ -277,8 +277,10 @@ constexpr bool equal_but_for_case(std::string_view a, std::string_view b) {
     return true;
 }
 
-// Not there at compile time, where alone it would be called.
-std::int16_t no_input_has_this_name();
+// Not constexpr: where a name is unknown, the call doesn't compile.
+inline std::int16_t no_input_has_this_name() {
+    return NO_INPUT;
+}
 
 template <typename Table>
 consteval std::int16_t code_in(const Table& names, std::string_view name) {
