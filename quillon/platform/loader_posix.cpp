@@ -36,8 +36,8 @@ public:
 
     template <typename Record>
     bool read(Record& record, std::uint64_t offset) const {
-        constexpr auto SIZE = static_cast<ssize_t>(sizeof(Record));
-        return pread(file, &record, sizeof(Record), static_cast<off_t>(offset)) == SIZE;
+        constexpr auto size = static_cast<ssize_t>(sizeof(Record));
+        return pread(file, &record, sizeof(Record), static_cast<off_t>(offset)) == size;
     }
 
 private:

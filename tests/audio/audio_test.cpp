@@ -194,13 +194,13 @@ TEST_F(SoundFiles, OfAllFormatsLoadWhole) {
 TEST_F(SoundFiles, ThatCannotBePlayedSayWhy) {
     std::ofstream("text.wav") << "hello";
 
-    constexpr int WAV = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
+    constexpr int wav_format = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
     const std::pair<std::string, const char*> rows[] = {
         {"nothing.wav", "nothing.wav': No such file or directory"},
         {"/dev/zero", "cannot read '/dev/zero': not a file"},
         {"text.wav", "text.wav': "},
-        {write("three.wav", WAV, 3, 100), "3 channels; 1 or 2"},
-        {write("empty.wav", WAV, 1, 0), "it has no samples"}};
+        {write("three.wav", wav_format, 3, 100), "3 channels; 1 or 2"},
+        {write("empty.wav", wav_format, 1, 0), "it has no samples"}};
 
     for (const auto& [file, error] : rows) {
         EXPECT_EQ(0U, audio->load_sound(file.c_str()));
@@ -209,13 +209,13 @@ TEST_F(SoundFiles, ThatCannotBePlayedSayWhy) {
 }
 
 TEST_F(Sounds, WrongArgumentsAreRefused) {
-    constexpr double INFINITE = std::numeric_limits<double>::infinity();
+    constexpr double infinite = std::numeric_limits<double>::infinity();
     std::array<Playing, 7> wrong;
     wrong[0].gain = -1;
     wrong[1].gain = NAN;
     wrong[2].pitch = 0;
     wrong[3].pitch = INFINITY;
-    wrong[4].position.y = INFINITE;
+    wrong[4].position.y = infinite;
     wrong[5].velocity.x = 1e300;
     wrong[6].reference_distance = 0;
     const auto voice = audio->play(tone, {});
@@ -231,7 +231,7 @@ TEST_F(Sounds, WrongArgumentsAreRefused) {
     EXPECT_EQ(0U, audio->play(tone + 1, {}) + audio->play(0, {}));
     audio->stop(0);
     audio->release_sound(0);
-    audio->set_listener({INFINITE, 0, 0}, {}, {});
+    audio->set_listener({infinite, 0, 0}, {}, {});
     audio->set_master_gain(NAN);
     EXPECT_GT(render(0.1).sum(), 1000) << "the rest goes on";
 

@@ -34,7 +34,7 @@ std::string short_events() {
     std::string text;
     for (const std::string& event : Host::events()) {
         const std::size_t connect = event.find(": connect ");
-        text += {event[0], connect == event.npos ? '+' : event[connect + 10]};
+        text += {event[0], connect == std::string::npos ? '+' : event[connect + 10]};
     }
     return text;
 }

@@ -27,7 +27,7 @@ std::string trace;             // the letters as they are freed, and the plug-in
 void observe(const std::string& event) {
     if (throws && event.ends_with("connect sound"))
         throw std::runtime_error(event);
-    if (event.find("shutdown") == event.npos)
+    if (event.find("shutdown") == std::string::npos)
         return;
     trace += " " + event + ":";
     for (std::uint32_t i = 0; i < __mCore_get_plugin_count(); ++i)
@@ -43,7 +43,7 @@ const struct LateCaller {
                              __mCore_get_unique_pointer(5) == nullptr;
         std::fprintf(stderr, "%s, %s", trace.c_str(), answers ? "answers" : "does not answer");
     }
-} late_caller;
+} LATE_CALLER;
 
 } // namespace
 

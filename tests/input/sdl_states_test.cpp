@@ -57,14 +57,14 @@ TEST(SdlDigitalStates, EdgesLastOneUpdate) {
 }
 
 TEST(SdlDigitalStates, HoldsRepeatFromTheTimeTheyAreSeen) {
-    constexpr double HELD = 5 + HOLD_SECONDS;
-    constexpr double REPEATED = HELD + 0.12 + HOLD_REPEAT_SECONDS;
+    constexpr double held = 5 + HOLD_SECONDS;
+    constexpr double repeated = held + 0.12 + HOLD_REPEAT_SECONDS;
     play({{5, "+", "DP"},
-          {HELD - 0.01, "", "D"},
-          {HELD + 0.1, "", "DH"},
-          {HELD + 0.11, "", "D"},
-          {REPEATED, "", "DH"},
-          {REPEATED + 0.01, "", "D"},
+          {held - 0.01, "", "D"},
+          {held + 0.1, "", "DH"},
+          {held + 0.11, "", "D"},
+          {repeated, "", "DH"},
+          {repeated + 0.01, "", "D"},
           {60, "", "DH"},
           {70, "-", "R"},
           {70.5, "+", "DP"},
@@ -72,13 +72,13 @@ TEST(SdlDigitalStates, HoldsRepeatFromTheTimeTheyAreSeen) {
 }
 
 TEST(SdlDigitalStates, DoubleClicksComeInPairs) {
-    constexpr double QUICK = DOUBLE_CLICK_SECONDS * 0.9;
+    constexpr double quick = DOUBLE_CLICK_SECONDS * 0.9;
     play({{1, "+-", "PR"},
-          {1 + QUICK, "+-", "PRC"},
-          {1 + 2 * QUICK, "+-", "PR"},
-          {1 + 3 * QUICK, "+-", "PRC"},
+          {1 + quick, "+-", "PRC"},
+          {1 + 2 * quick, "+-", "PR"},
+          {1 + 3 * quick, "+-", "PRC"},
           {11, "+-", "PR"},
-          {11 + QUICK, "+-", "PRC"}});
+          {11 + quick, "+-", "PRC"}});
 }
 
 TEST(SdlDigitalStates, AnyAnswersForItsOwnKindOnly) {

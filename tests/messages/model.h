@@ -144,9 +144,9 @@ private:
     static constexpr float TIMES[] = {0.0F, 0.1F,  0.1F, 0.25F,        0.3F,     0.5F,
                                       1.0F, -0.5F, 2.0F, NOT_A_NUMBER, INFINITE, 0.2F};
 
-    template <typename T, std::size_t N>
-    T one_of(const T (&choices)[N]) {
-        return choices[draw() % N];
+    template <typename T, std::size_t count>
+    T one_of(const T (&choices)[count]) {
+        return choices[draw() % count];
     }
 
     void react(int observer, int message) {

@@ -103,22 +103,22 @@ int number_of(const Bytes& bytes) {
 }
 
 TEST_F(Net, DeliversThroughLossDamageAndDelay) {
-    constexpr int COUNT = 200;
+    constexpr int count = 200;
     // ENet waits twice as long after each loss and in the end gives the peer up: with a fifth of
     // the datagrams lost, one run in 26 did not end.
     join_through({.lost = 0.05, .damaged = 0.03, .doubled = 0.1, .max_delay = 15ms});
-    for (int i = 0; i < COUNT; ++i) {
+    for (int i = 0; i < count; ++i) {
         EXPECT_TRUE(peer.send(1, numbered(i)));
         EXPECT_TRUE(host.send(0, numbered(i), false));
         proxy->update();
         std::this_thread::sleep_for(1ms);
     }
-    ASSERT_TRUE(until([&] { return host.messages.size() == COUNT; }));
-    for (int i = 0; i < COUNT; ++i)
+    ASSERT_TRUE(until([&] { return host.messages.size() == count; }));
+    for (int i = 0; i < count; ++i)
         EXPECT_EQ(numbered(i), host.messages[static_cast<std::size_t>(i)]) << i;
 
-    EXPECT_GT(peer.messages.size(), COUNT / 10U);
-    EXPECT_LT(peer.messages.size(), COUNT) << "the proxy loses nothing";
+    EXPECT_GT(peer.messages.size(), count / 10U);
+    EXPECT_LT(peer.messages.size(), count) << "the proxy loses nothing";
     int last = -1;
     for (const Bytes& message : peer.messages) {
         EXPECT_GT(number_of(message), last);
@@ -132,8 +132,8 @@ TEST_F(Net, DeliversThroughLossDamageAndDelay) {
     std::uint64_t sent = 0;
     std::uint64_t received = 0;
     peer->get_traffic(sent, received);
-    EXPECT_GT(sent, COUNT * 200U);
-    EXPECT_GT(received, COUNT);
+    EXPECT_GT(sent, count * 200U);
+    EXPECT_GT(received, count);
 }
 
 TEST_F(Net, PeersThatVanishAreReported) {

@@ -88,7 +88,7 @@ TEST(Plugins, EachThatIsNotConnectedHasItsReason) {
 
 // A sound plug-in, for the caller to damage.
 fs::path add_copy(const std::string& name) {
-    const fs::path file = "plugin/" + name + ".so";
+    fs::path file = "plugin/" + name + ".so";
     fs::copy(FIXTURE_FOLDER "/graphics.so", file);
     return file;
 }

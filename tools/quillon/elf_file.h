@@ -8,6 +8,6 @@
 namespace tool::platform {
 
 // Why a regular file is no library of this machine; empty if its headers are in order.
-std::string elf_fault(const std::filesystem::path& file);
+std::string elf_fault(const std::filesystem::path& path);
 
 } // namespace tool::platform

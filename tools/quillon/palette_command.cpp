@@ -45,11 +45,11 @@ constexpr int rows_of(std::size_t count) {
 
 // A chequered ground, on which transparency shows.
 void chequer(Canvas& canvas, int x, int y, int width, int height) {
-    constexpr int SQUARE = 6;
+    constexpr int square = 6;
     for (int row = 0; row < height; ++row)
         for (int column = 0; column < width; ++column)
             canvas.blend(x + column, y + row,
-                         (row / SQUARE + column / SQUARE) % 2 == 0 ? quillon::GREY
+                         (row / square + column / square) % 2 == 0 ? quillon::GREY
                                                                    : quillon::CHARCOAL);
 }
 

@@ -69,13 +69,13 @@ void open_here_or_apart(const fs::path& folder) {
 // The file in "ERROR: Attempt to load module FILE failed", which a plug-in's own words without a
 // line's end may precede; empty in any other line.
 std::string refused_file(const std::string& line) {
-    constexpr std::string_view BEFORE = "ERROR: Attempt to load module ";
-    constexpr std::string_view AFTER = " failed";
-    const std::size_t start = line.find(BEFORE);
-    if (start == std::string::npos || !line.ends_with(AFTER))
+    constexpr std::string_view before = "ERROR: Attempt to load module ";
+    constexpr std::string_view after = " failed";
+    const std::size_t start = line.find(before);
+    if (start == std::string::npos || !line.ends_with(after))
         return "";
-    const std::string rest = line.substr(start + BEFORE.size());
-    return rest.substr(0, rest.size() - AFTER.size());
+    const std::string rest = line.substr(start + before.size());
+    return rest.substr(0, rest.size() - after.size());
 }
 
 } // namespace
