@@ -152,7 +152,7 @@ TEST_F(Net, PeersComeAndGoUnderNumbersOfTheirOwn) {
     const auto both_logged = [&](std::size_t hosts, std::size_t seconds) {
         return until([&] { return host.log.size() == hosts && second.log.size() == seconds; });
     };
-    EXPECT_TRUE(both_logged(2, 1));
+    ASSERT_TRUE(both_logged(2, 1)) << "does this machine know localhost?";
     PeerHandle peers[1];
     EXPECT_EQ(2U, host->get_peers(peers, 1));
     EXPECT_EQ(1U, peers[0]);
