@@ -6,6 +6,7 @@
 
 #include "quillon/appearance/bitmap.h"
 #include "quillon/containers/list.h"
+#include "quillon/containers/name_hash.h"
 #include "quillon/core/modules.h"
 #include "quillon/input/names.h"
 #include "quillon/math/matrix.h"
@@ -264,19 +265,6 @@ inline Pixels make_bitmap(std::int16_t width, std::int16_t height) {
 
 namespace detail {
 
-constexpr char to_lower_case(char letter) {
-    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-}
-
-constexpr bool equal_but_for_case(std::string_view a, std::string_view b) {
-    if (a.size() != b.size())
-        return false;
-    for (std::size_t i = 0; i < a.size(); ++i)
-        if (to_lower_case(a[i]) != to_lower_case(b[i]))
-            return false;
-    return true;
-}
-
 // Not constexpr: where a name is unknown, the call doesn't compile.
 inline std::int16_t no_input_has_this_name() {
     return NO_INPUT;
@@ -285,7 +273,7 @@ inline std::int16_t no_input_has_this_name() {
 template <typename Table>
 consteval std::int16_t code_in(const Table& names, std::string_view name) {
     for (std::size_t code = 0; code < names.size(); ++code)
-        if (equal_but_for_case(names[code], name))
+        if (equal_ignoring_case(names[code], name))
             return static_cast<std::int16_t>(code);
     return no_input_has_this_name();
 }

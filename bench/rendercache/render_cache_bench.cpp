@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Unrolling and tangents on a million corners, beside a plain version and the bare memory traffic.
+#include "quillon/comfort.h"
 #include "quillon/rendercache/tangents.h"
 #include "quillon/simd/stores.h"
 
@@ -9,7 +10,6 @@
 #include <array>
 #include <cstddef>
 #include <cstring>
-#include <memory>
 #include <random>
 #include <vector>
 
@@ -25,22 +25,13 @@ constexpr std::uint32_t QUADS = 250'000;
 constexpr std::uint32_t CORNERS = QUADS * CORNERS_PER_QUAD;
 constexpr std::uint32_t GRID_WIDTH = 500;
 
-struct Cleanup {
-    void operator()(cRenderCache* cache) const {
-        __mGraphics_render_cache_cleanup(cache);
-        delete cache;
-    }
-};
-
-using Cache = std::unique_ptr<cRenderCache, Cleanup>;
-
 struct Model {
     std::vector<cVector3D> positions;
     std::vector<TexCoord> texcoords;
     std::vector<cVector3D> normals;
     std::vector<cColor> colors;
     std::array<std::vector<std::uint32_t>, 4> indices;
-    Cache cache;
+    quillon::RenderCache cache;
 
     explicit Model(std::size_t elements, std::uint32_t corners_per_poly = CORNERS_PER_QUAD)
         : cache(__mGraphics_create_render_cache(CORNERS / corners_per_poly, corners_per_poly, true,

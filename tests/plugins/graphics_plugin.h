@@ -3,13 +3,13 @@
 #pragma once
 
 #include "plugins/contracts/graphics.h"
+#include "quillon/comfort.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <vector>
 
 const quillon::Graphics& graphics();
@@ -47,14 +47,7 @@ inline const quillon::cVector3D PLACE(1000.0, -2000.0, 3000.0);
 // Three units before PLACE, and looking at it.
 quillon::Camera camera_before_place();
 
-struct FreeCache {
-    void operator()(quillon::cRenderCache* cache) const {
-        __mGraphics_render_cache_cleanup(cache);
-        delete cache;
-    }
-};
-
-using Cache = std::unique_ptr<quillon::cRenderCache, FreeCache>;
+using Cache = quillon::RenderCache;
 
 // A square of side 2 that faces the camera, with texture coordinates and tangents.
 // Mirrored: its picture is upside down.

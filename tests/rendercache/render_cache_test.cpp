@@ -2,13 +2,13 @@
 #include "quillon/rendercache/render_cache.h"
 
 #include "quillon/appearance/color_names.h"
+#include "quillon/comfort.h"
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
 #include <cstddef>
 #include <limits>
-#include <memory>
 #include <new>
 #include <vector>
 
@@ -20,14 +20,7 @@ namespace {
 
 constexpr float UNTOUCHED = -77.0F;
 
-struct Cleanup {
-    void operator()(cRenderCache* cache) const {
-        __mGraphics_render_cache_cleanup(cache);
-        delete cache;
-    }
-};
-
-using Cache = std::unique_ptr<cRenderCache, Cleanup>;
+using Cache = RenderCache;
 
 std::vector<float> floats(const float* array, std::size_t count) {
     return {array, array + count};
