@@ -4,6 +4,7 @@
 #include "quillon/appearance/bitmap.h"
 #include "quillon/appearance/color_names.h"
 #include "quillon/appearance/filters.h"
+#include "quillon/comfort.h"
 #include "tests/reference/filters.h"
 
 #include <benchmark/benchmark.h>
@@ -11,6 +12,9 @@
 #include <cstring>
 #include <random>
 #include <vector>
+
+#include <malloc.h>
+#include <unistd.h>
 
 #if defined(QUILLON_BENCH_OPENCV)
     #include <opencv2/core.hpp>
@@ -90,6 +94,43 @@ QUILLON_BENCH(gauss_brush, __cBitmap_gauss_brush(cColor(0.01F, 0.02F, 0.03F, 0),
                                                  SIZE, SIZE, 64, 24));
 QUILLON_BENCH(gauss_brush_plain, plain::gauss_brush(cColor(0.01F, 0.02F, 0.03F, 0), pixels, 1000,
                                                     1000, SIZE, SIZE, 64, 24));
+
+// Makes and frees a picture, whose pages are new each time.
+template <typename Make>
+void make_picture(benchmark::State& state, Make make) {
+    // Fixed, so that the allocator always asks the system for pages and never keeps any.
+    mallopt(M_MMAP_THRESHOLD, 1 << 17);
+    for (auto _ : state) {
+        const quillon::Pixels pixels = make();
+        benchmark::DoNotOptimize(pixels.get());
+        benchmark::ClobberMemory();
+    }
+    state.SetBytesProcessed(state.iterations() * std::int64_t{COUNT} * 4);
+}
+
+quillon::Pixels touched_pages() {
+    quillon::Pixels pixels(new uint8_t[std::size_t{COUNT} * 4]);
+    const auto step = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    for (std::size_t i = 0; i < std::size_t{COUNT} * 4; i += step)
+        pixels[i] = 1;
+    return pixels;
+}
+
+quillon::Pixels plain_picture() {
+    quillon::Pixels pixels(new uint8_t[std::size_t{COUNT} * 4]);
+    const uint8_t black[] = {0, 0, 0, 255};
+    for (std::size_t i = 0; i < std::size_t{COUNT} * 4; i += sizeof black)
+        std::memcpy(&pixels[i], black, sizeof black);
+    return pixels;
+}
+
+quillon::Pixels new_picture() {
+    return quillon::make_bitmap(SIZE, SIZE);
+}
+
+BENCHMARK_CAPTURE(make_picture, touch, touched_pages)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(make_picture, plain, plain_picture)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(make_picture, quillon, new_picture)->Unit(benchmark::kMillisecond);
 
 #if defined(QUILLON_BENCH_OPENCV)
 

@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Unrolling and tangents on a million corners, beside a plain version and the bare memory traffic.
+//
+// Rows that begin with "first" make, fill and free a cache, whose pages are new each time, as a
+// host does when it loads a model. The others fill one cache again and again.
 #include "quillon/comfort.h"
 #include "quillon/rendercache/tangents.h"
 #include "quillon/simd/stores.h"
@@ -12,6 +15,9 @@
 #include <cstring>
 #include <random>
 #include <vector>
+
+#include <malloc.h>
+#include <unistd.h>
 
 using quillon::cColor;
 using quillon::cRenderCache;
@@ -73,6 +79,22 @@ Model& in_grid_order() {
     return model;
 }
 
+// The same grid as triangles, two for each quad.
+Model& in_triangles() {
+    static Model model = [] {
+        constexpr std::uint32_t corners_per_quad = 6;
+        Model grid(QUADS + GRID_WIDTH + 1, 3);
+        std::vector<std::uint32_t> order;
+        for (std::uint32_t quad = 0; quad <= CORNERS / corners_per_quad; ++quad)
+            for (const std::uint32_t step :
+                 {0U, 1U, GRID_WIDTH + 1, 0U, GRID_WIDTH + 1, GRID_WIDTH})
+                order.push_back(quad + step);
+        grid.index(order);
+        return grid;
+    }();
+    return model;
+}
+
 Model& in_random_order() {
     static Model model = [] {
         Model scattered(QUADS);
@@ -85,8 +107,8 @@ Model& in_random_order() {
     return model;
 }
 
-void from_verts(const Model& model) {
-    __mGraphics_modify_render_cache_from_verts(model.cache.get(), model.positions.data(),
+void from_verts(const Model& model, cRenderCache& cache) {
+    __mGraphics_modify_render_cache_from_verts(&cache, model.positions.data(),
                                                model.texcoords.data(), model.normals.data(),
                                                model.colors.data());
 }
@@ -96,7 +118,7 @@ template <std::uint32_t corners_per_poly>
 Model& in_polygons() {
     static Model model = [] {
         Model soup(CORNERS, corners_per_poly);
-        from_verts(soup);
+        from_verts(soup, *soup.cache);
         return soup;
     }();
     return model;
@@ -142,30 +164,31 @@ template <typename Element>
 }
 
 template <typename Element>
-void plain_unroll(const Model& model, Element element) {
+void plain_unroll(const Model& model, const cRenderCache& cache, Element element) {
     const std::uint32_t* indices[] = {model.indices[0].data(), model.indices[1].data(),
                                       model.indices[2].data(), model.indices[3].data()};
-    plain_unroll(model.cache.get(), model.positions.data(), model.texcoords.data(),
-                 model.normals.data(), model.colors.data(), indices, element);
+    plain_unroll(&cache, model.positions.data(), model.texcoords.data(), model.normals.data(),
+                 model.colors.data(), indices, element);
 }
 
-void plain_from_verts(const Model& model) {
-    const std::size_t width = model.cache->verts_per_poly;
-    plain_unroll(model, [width](const std::uint32_t*, std::size_t poly, std::size_t c) {
+void plain_from_verts(const Model& model, cRenderCache& cache) {
+    const std::size_t width = cache.verts_per_poly;
+    plain_unroll(model, cache, [width](const std::uint32_t*, std::size_t poly, std::size_t c) {
         return poly * width + c;
     });
 }
 
-void plain_from_polys(const Model& model) {
-    const std::size_t width = model.cache->verts_per_poly;
-    plain_unroll(model, [width](const std::uint32_t* indices, std::size_t poly, std::size_t c) {
-        return width >= 1 && width <= 4 ? std::size_t{indices[poly * width + c]} : 0;
-    });
+void plain_from_polys(const Model& model, cRenderCache& cache) {
+    const std::size_t width = cache.verts_per_poly;
+    plain_unroll(model, cache,
+                 [width](const std::uint32_t* indices, std::size_t poly, std::size_t c) {
+                     return width >= 1 && width <= 4 ? std::size_t{indices[poly * width + c]} : 0;
+                 });
 }
 
-void from_polys(const Model& model) {
+void from_polys(const Model& model, cRenderCache& cache) {
     __mGraphics_modify_render_cache_from_polys(
-        model.cache.get(), model.positions.data(), model.texcoords.data(), model.normals.data(),
+        &cache, model.positions.data(), model.texcoords.data(), model.normals.data(),
         model.colors.data(), model.indices[0].data(), model.indices[1].data(),
         model.indices[2].data(), model.indices[3].data());
 }
@@ -179,12 +202,12 @@ void bare_entry(const Source& source, float* entry) {
     std::fill_n(entry, width, first);
 }
 
-void bare_traffic(const Model& model) {
+void bare_traffic(const Model& model, cRenderCache& cache) {
     for (std::size_t i = 0; i < CORNERS; ++i) {
-        bare_entry<3>(model.positions[i], model.cache->positions + i * 3);
-        bare_entry<3>(model.normals[i], model.cache->normals + i * 3);
-        bare_entry<2>(model.texcoords[i], model.cache->texcoords + i * 2);
-        bare_entry<4>(model.colors[i], model.cache->colors + i * 4);
+        bare_entry<3>(model.positions[i], cache.positions + i * 3);
+        bare_entry<3>(model.normals[i], cache.normals + i * 3);
+        bare_entry<2>(model.texcoords[i], cache.texcoords + i * 2);
+        bare_entry<4>(model.colors[i], cache.colors + i * 4);
     }
 }
 
@@ -206,17 +229,16 @@ void bare_grid_attribute(const std::vector<std::uint32_t>& indices,
     }
 }
 
-void bare_grid(const Model& model) {
-    bare_grid_attribute<3>(model.indices[0], model.positions, model.cache->positions);
-    bare_grid_attribute<3>(model.indices[2], model.normals, model.cache->normals);
-    bare_grid_attribute<2>(model.indices[1], model.texcoords, model.cache->texcoords);
-    bare_grid_attribute<4>(model.indices[3], model.colors, model.cache->colors);
+void bare_grid(const Model& model, cRenderCache& cache) {
+    bare_grid_attribute<3>(model.indices[0], model.positions, cache.positions);
+    bare_grid_attribute<3>(model.indices[2], model.normals, cache.normals);
+    bare_grid_attribute<2>(model.indices[1], model.texcoords, cache.texcoords);
+    bare_grid_attribute<4>(model.indices[3], model.colors, cache.colors);
     quillon::simd::finish_streaming();
 }
 
 // A plain version of the tangents: polygon by polygon through the flat function.
-void plain_tangents(const Model& model) {
-    const cRenderCache& cache = *model.cache;
+void plain_tangents(const Model& /*model*/, cRenderCache& cache) {
     for (std::size_t poly = 0; poly < cache.poly_count; ++poly) {
         const std::size_t entry = poly * cache.verts_per_poly;
         cVector3D p[3];
@@ -233,14 +255,68 @@ void plain_tangents(const Model& model) {
     }
 }
 
-void tangents(const Model& model) {
-    __mGraphics_render_cache_calc_tangents(model.cache.get());
+void tangents(const Model& /*model*/, cRenderCache& cache) {
+    __mGraphics_render_cache_calc_tangents(&cache);
 }
 
-void run(benchmark::State& state, void (*work)(const Model&), Model& (*model)()) {
+// All that a host does with a model that it has loaded.
+void load(const Model& model, cRenderCache& cache) {
+    from_polys(model, cache);
+    tangents(model, cache);
+}
+
+void plain_load(const Model& model, cRenderCache& cache) {
+    plain_from_polys(model, cache);
+    plain_tangents(model, cache);
+}
+
+// What new pages cost without any work on them.
+void touch_pages(const Model& /*model*/, cRenderCache& cache) {
+    const std::size_t step = static_cast<std::size_t>(sysconf(_SC_PAGESIZE)) / sizeof(float);
+    const auto touch = [step](float* array, std::size_t width) {
+        for (std::size_t i = 0; i < CORNERS * width; i += step)
+            array[i] = 1.0F;
+    };
+    touch(cache.positions, 3);
+    touch(cache.normals, 3);
+    touch(cache.texcoords, 2);
+    touch(cache.colors, 4);
+}
+
+using Work = void(const Model&, cRenderCache&);
+
+void run(benchmark::State& state, Work* work, Model& (*model)()) {
+    const Model& subject = model();
+    work(subject, *subject.cache); // its pages are there from now on
+    for (auto _ : state) {
+        work(subject, *subject.cache);
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(state.iterations() * CORNERS);
+}
+
+quillon::RenderCache new_cache(std::uint32_t poly_count, std::uint32_t verts_per_poly) {
+    return quillon::make_render_cache(
+        poly_count, verts_per_poly,
+        {.texcoords = true, .normals = true, .tangents = true, .colors = true});
+}
+
+// Nothing but the allocations.
+quillon::RenderCache plain_cache(std::uint32_t poly_count, std::uint32_t verts_per_poly) {
+    const std::size_t corners = std::size_t{poly_count} * verts_per_poly;
+    return quillon::RenderCache(new cRenderCache{
+        new float[corners * 3], new float[corners * 3], new float[corners * 3],
+        new float[corners * 2], new float[corners * 4], poly_count, verts_per_poly});
+}
+
+void run_first(benchmark::State& state, decltype(new_cache)* make, Work* work, Model& (*model)()) {
+    // Fixed, so that the allocator always asks the system for pages and never keeps any.
+    mallopt(M_MMAP_THRESHOLD, 1 << 17);
     const Model& subject = model();
     for (auto _ : state) {
-        work(subject);
+        const quillon::RenderCache cache =
+            make(subject.cache->poly_count, subject.cache->verts_per_poly);
+        work(subject, *cache);
         benchmark::ClobberMemory();
     }
     state.SetItemsProcessed(state.iterations() * CORNERS);
@@ -255,11 +331,27 @@ QUILLON_BENCH(verts_quillon, from_verts, in_corner_order);
 QUILLON_BENCH(polys_grid_bare, bare_grid, in_grid_order);
 QUILLON_BENCH(polys_grid_plain, plain_from_polys, in_grid_order);
 QUILLON_BENCH(polys_grid_quillon, from_polys, in_grid_order);
+QUILLON_BENCH(polys_triangles_plain, plain_from_polys, in_triangles);
+QUILLON_BENCH(polys_triangles_quillon, from_polys, in_triangles);
 QUILLON_BENCH(polys_random_plain, plain_from_polys, in_random_order);
 QUILLON_BENCH(polys_random_quillon, from_polys, in_random_order);
 QUILLON_BENCH(tangents_quads_plain, plain_tangents, in_polygons<4>);
 QUILLON_BENCH(tangents_quads_quillon, tangents, in_polygons<4>);
 QUILLON_BENCH(tangents_triangles_plain, plain_tangents, in_polygons<3>);
 QUILLON_BENCH(tangents_triangles_quillon, tangents, in_polygons<3>);
+
+#define QUILLON_BENCH_FIRST(name, make, work, model)                                               \
+    BENCHMARK_CAPTURE(run_first, first_##name, make, work, model)->Unit(benchmark::kMillisecond)
+
+QUILLON_BENCH_FIRST(touch, plain_cache, touch_pages, in_corner_order);
+QUILLON_BENCH_FIRST(touch_quillon, new_cache, touch_pages, in_corner_order);
+QUILLON_BENCH_FIRST(verts_plain, plain_cache, plain_from_verts, in_corner_order);
+QUILLON_BENCH_FIRST(verts_quillon, new_cache, from_verts, in_corner_order);
+QUILLON_BENCH_FIRST(polys_grid_plain, plain_cache, plain_from_polys, in_grid_order);
+QUILLON_BENCH_FIRST(polys_grid_quillon, new_cache, from_polys, in_grid_order);
+QUILLON_BENCH_FIRST(polys_triangles_plain, plain_cache, plain_from_polys, in_triangles);
+QUILLON_BENCH_FIRST(polys_triangles_quillon, new_cache, from_polys, in_triangles);
+QUILLON_BENCH_FIRST(load_triangles_plain, plain_cache, plain_load, in_triangles);
+QUILLON_BENCH_FIRST(load_triangles_quillon, new_cache, load, in_triangles);
 
 } // namespace

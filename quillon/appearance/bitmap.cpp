@@ -4,6 +4,7 @@
 #include "quillon/appearance/color_names.h"
 #include "quillon/appearance/pixels.h"
 #include "quillon/core/modules.h"
+#include "quillon/platform/memory.h"
 #include "quillon/simd/dispatch.h"
 
 namespace quillon {
@@ -59,6 +60,7 @@ using namespace quillon;
 void __cBitmap_init(std::int16_t width, std::int16_t height, std::uint8_t*& pixels) {
     const std::size_t count = size_of_count(width) * size_of_count(height);
     auto* block = new std::uint8_t[count * PIXEL_BYTES];
+    platform::prefer_huge_pages(block, count * PIXEL_BYTES);
     simd::run_vectorised<fill>(block, count, ALPHA_BITS);
     pixels = block;
 }

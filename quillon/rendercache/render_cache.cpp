@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "quillon/rendercache/render_cache.h"
 
+#include "quillon/platform/memory.h"
 #include "quillon/simd/stores.h"
 
 #include <algorithm>
@@ -76,7 +77,10 @@ std::unique_ptr<float[]> allocate(bool wanted, std::uint64_t corners, std::size_
         return nullptr;
     if (corners > most / width)
         throw std::bad_array_new_length();
-    return std::make_unique_for_overwrite<float[]>(static_cast<std::size_t>(corners) * width);
+    const std::size_t length = static_cast<std::size_t>(corners) * width;
+    auto array = std::make_unique_for_overwrite<float[]>(length);
+    platform::prefer_huge_pages(array.get(), length * sizeof(float));
+    return array;
 }
 
 // The element of a source that a corner takes.
@@ -129,14 +133,25 @@ void unroll(float* array, const Source* source, Element element, std::size_t fir
         unroll_by<CachedStores>(array, source, element, first, end);
 }
 
+// Called once before an array is filled.
+template <typename Source>
+void make_resident(float* array, const Source* source, std::size_t corners) {
+    if (array != nullptr && source != nullptr)
+        platform::make_resident(array, corners * WIDTH<Source> * sizeof(float));
+}
+
 template <typename Source>
 void unroll_indexed(const cRenderCache& cache, float* array, const Source* source,
                     const std::uint32_t* indices) {
     const std::size_t corners = corner_count(cache);
-    if (cache.verts_per_poly > 4)
-        unroll(array, source, AlwaysFirst{}, 0, corners, corners);
-    else if (indices != nullptr)
+    const bool by_index = cache.verts_per_poly <= 4;
+    if (by_index && indices == nullptr)
+        return;
+    make_resident(array, source, corners);
+    if (by_index)
         unroll(array, source, ByIndex{indices}, 0, corners, corners);
+    else
+        unroll(array, source, AlwaysFirst{}, 0, corners, corners);
 }
 
 } // namespace
@@ -166,6 +181,10 @@ void __mGraphics_modify_render_cache_from_verts(cRenderCache* cache, const cVect
     if (cache == nullptr)
         return;
     const std::size_t corners = corner_count(*cache);
+    make_resident(cache->positions, positions, corners);
+    make_resident(cache->normals, normals, corners);
+    make_resident(cache->texcoords, texcoords, corners);
+    make_resident(cache->colors, colors, corners);
     for (std::size_t first = 0; first < corners; first += RUN) {
         const std::size_t end = std::min(first + RUN, corners);
         unroll(cache->positions, positions, InOrder{}, first, end, corners);
