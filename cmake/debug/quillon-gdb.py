@@ -63,7 +63,7 @@ class Map:
 
 def build():
     printers = gdb.printing.RegexpCollectionPrettyPrinter("quillon")
-    printers.add_printer("list", "^quillon::(DSParray|DSPrefArray)<.*>$", List)
+    printers.add_printer("list", "^quillon::((DSParray|DSPrefArray)<.*>|DelayQueue)$", List)
     printers.add_printer("map", "^quillon::(DSPhashMap|DSPrefHashMap)<.*>$", Map)
     for name, fields in (("cVector3D", "xyz"), ("cVector2D<.*>", "xy"), ("cQuaternion", "xyzw")):
         printers.add_printer(name, "^quillon::%s$" % name, lambda v, f=fields: Components(v, f))

@@ -39,19 +39,10 @@ public:
     virtual ~DSParray() { clear(); }
 
     // The number of elements, null ones included.
-    std::uint32_t count() const {
-        return static_cast<std::uint32_t>(gap == 0 ? cursor : items.size() - gap);
-    }
+    std::uint32_t count() const { return static_cast<std::uint32_t>(cursor); }
 
     // The element at `position`, or null beyond the end.
     T* get(const std::uint32_t& position) const {
-        if (position < cursor)
-            return items[position];
-        return gap == 0 ? nullptr : get_after_gap(position);
-    }
-
-    // `get` for a list that no `remove_if` is walking, without a look for what a walk removed.
-    T* get_unwalked(std::uint32_t position) const {
         return position < cursor ? items[position] : nullptr;
     }
 
@@ -63,9 +54,8 @@ public:
         if (target > count())
             return nullptr;
         make_room_for_one();
-        items.insert(iterator_at(place_of(target)), element);
-        if (gap == 0)
-            cursor = items.size();
+        items.insert(items.begin() + target, element);
+        cursor = items.size();
         return element;
     }
 
@@ -74,38 +64,11 @@ public:
     bool remove(const std::uint32_t& position, bool keep) {
         if (position >= count())
             return false;
-        const std::size_t place = place_of(position);
         if (!keep)
-            destroy(items[place]); // may come back and append
-        items.erase(iterator_at(place));
+            destroy(items[position]); // may come back and append
+        items.erase(items.begin() + position);
         cursor = items.size();
         return true;
-    }
-
-    // Walks from the first element on and removes, in linear time, those for which `leaves` returns
-    // true; the others keep their order. What the list owns is destroyed after `leaves` returned.
-    //
-    // `leaves` sees the list without the elements removed so far, and with the one in question.
-    // It may append, and is then asked about that element too; it must not change the list
-    // otherwise.
-    // An exception of `leaves` ends the walk: the element in question and all after it stay.
-    template <typename Leaves>
-    void remove_if(Leaves leaves) {
-        // Elements are scattered in memory: fetching them ahead overlaps their cache misses. The
-        // distance comes from updates in bench_messages.
-        constexpr std::size_t ahead = 12;
-        const GapCloser closer{*this};
-        for (std::size_t place = 0; place < items.size(); ++place) {
-            if (place + ahead < items.size())
-                __builtin_prefetch(items[place + ahead], 1);
-            T* const element = items[place];
-            if (leaves(element)) {
-                cursor = place - gap++;
-                destroy(element);
-            } else if (gap > 0) {
-                items[cursor++] = element;
-            }
-        }
     }
 
     // Makes the next `add` one that cannot fail.
@@ -128,33 +91,11 @@ public:
         cursor = 0;
     }
 
+protected:
+    std::vector<T*> items;
+    std::size_t cursor = 0; // the position after the last element
+
 private:
-    // Ends a walk in whichever way: closes the gap that it has made.
-    struct GapCloser {
-        DSParray& list;
-
-        ~GapCloser() {
-            const auto first = list.iterator_at(list.cursor);
-            list.items.erase(first, first + list.gap);
-            list.cursor = list.items.size();
-            list.gap = 0;
-        }
-    };
-
-    // Where the element at `position` is stored.
-    std::size_t place_of(std::uint32_t position) const {
-        return position < cursor ? position : std::size_t{position} + gap;
-    }
-
-    [[gnu::noinline, gnu::cold]] T* get_after_gap(std::uint32_t position) const {
-        const std::size_t place = std::size_t{position} + gap;
-        return place < items.size() ? items[place] : nullptr;
-    }
-
-    auto iterator_at(std::size_t place) {
-        return items.begin() + static_cast<std::ptrdiff_t>(place);
-    }
-
     // A type that hides its destructor can only be referred to.
     void destroy(T* element) {
         if constexpr (std::is_destructible_v<T>)
@@ -162,10 +103,7 @@ private:
                 delete element;
     }
 
-    std::vector<T*> items;
-    std::size_t cursor = 0; // how many elements lie before the gap; all of them without one
     bool referencesOnly;
-    std::uint32_t gap = 0; // places after those that a walk has emptied
 };
 
 // A DSParray that refers to its elements and never destroys one.

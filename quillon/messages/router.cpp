@@ -31,7 +31,6 @@ std::uint32_t type_of(const cMessage* message) {
 }
 
 using Mailbox = cMessageRouter::Mailbox;
-using Entry = cMessageRouter::Entry;
 
 Mailbox& mailbox_of(cMessageRouter& router, std::uint32_t type) {
     if (Mailbox* const found = router.index.find(type))
@@ -69,17 +68,10 @@ bool remove_observer(const cMessageRouter& router, Mailbox& box, const cMessageO
     return true;
 }
 
-// Observers are scattered in memory: fetching them ahead overlaps their cache misses. The distance
-// comes from post_router in bench_messages.
-constexpr std::uint32_t PREFETCH_DISTANCE = 6;
-
 // By position, read afresh each time: observers come and go meanwhile.
-// Only the next observer is read by `get_unwalked`: with both, posts to 100 observers lose a tenth.
 [[gnu::always_inline]] inline void deliver(const Mailbox& box, cMessage* message) {
     std::uint32_t position = 0;
-    while (cMessageObserver* const observer = box.observers.get_unwalked(position)) {
-        if (const auto* const later = box.observers.get(position + PREFETCH_DISTANCE))
-            __builtin_prefetch(later);
+    while (cMessageObserver* const observer = box.observers.get(position)) {
         observer->receive_message(message);
         ++position;
     }
@@ -117,15 +109,10 @@ private:
 
     void process(Mailbox& box) {
         router.updating = &box;
-        box.queue.remove_if([&](Entry* entry) {
-            if (passed < entry->second) {
-                entry->second -= passed;
-                return false;
-            }
-            delivering = entry;
-            deliver_delayed(box, entry->first->message());
-            MessageClaims::release(entry->first);
-            return true;
+        box.queue.count_down(passed, [&](cMessageStable* holder, std::uint32_t position) {
+            delivering = position;
+            deliver_delayed(box, holder->message());
+            MessageClaims::release(holder);
         });
     }
 
@@ -133,14 +120,10 @@ private:
     // update resumes it, and counts the entries down that this update did not reach.
     void break_off() {
         Mailbox& box = *router.updating;
-        std::uint32_t position = 0;
-        while (box.queue.get(position) != delivering)
-            ++position;
-        box.queue.remove(position, true);
-        box.queue.add(delivering, 0);
-        delivering->second = OVERDUE;
+        box.queue.move_to_front(delivering);
+        box.queue.get(0)->second = OVERDUE;
 
-        count_down(box, position + 1);
+        count_down(box, delivering + 1);
         auto rest = &box == &router.anything ? router.mailboxes.begin() : std::next(current);
         for (; rest != router.mailboxes.end(); ++rest)
             count_down(*rest->second, 0);
@@ -156,7 +139,7 @@ private:
     cMessageRouter& router;
     float passed;
     DSPhashMap<Mailbox>::iterator current;
-    Entry* delivering = nullptr;
+    std::uint32_t delivering = 0; // the position of the entry in delivery
 };
 
 } // namespace
@@ -204,14 +187,12 @@ std::int16_t __messageRouter_post_message_delayed(cMessageRouter* router, cMessa
     if (holder == nullptr)
         return 0;
     Mailbox& box = mailbox_of(*router, type_of(holder->message()));
-    auto for_type = std::make_unique<Entry>(holder, delay);
-    auto for_anything = std::make_unique<Entry>(holder, delay);
     box.queue.make_room_for_one();
     router->anything.queue.make_room_for_one();
 
     MessageClaims::retain_twice(*holder);
-    box.queue.add(for_type.release(), DSP_APPEND);
-    router->anything.queue.add(for_anything.release(), DSP_APPEND);
+    box.queue.post(holder, delay);
+    router->anything.queue.post(holder, delay);
     return static_cast<std::int16_t>(box.observers.count());
 }
 

@@ -6,6 +6,7 @@
 #include "quillon/containers/list.h"
 #include "quillon/containers/map.h"
 #include "quillon/export.h"
+#include "quillon/messages/delay_queue.h"
 #include "quillon/messages/message.h"
 
 #include <cstdint>
@@ -23,12 +24,11 @@ namespace quillon {
 // only the operations change them.
 class cMessageRouter {
 public:
-    // A delayed message, and the delay that it has left.
-    using Entry = tuple2<cMessageStable*, float>;
+    using Entry = DelayQueue::Entry;
 
     // The queue and the observers of one type, or of anything.
     struct Mailbox {
-        DSParray<Entry> queue;                   // in order of posting
+        DelayQueue queue;                        // in order of posting
         DSPrefArray<cMessageObserver> observers; // in order of registration, none twice
         // The position of the observer that receives the due message next. Between two updates it
         // is above 0 only after an exception interrupted the delivery of the queue's first entry.

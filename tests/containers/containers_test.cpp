@@ -8,7 +8,6 @@
 
 #include <cstring>
 #include <memory>
-#include <stdexcept>
 #include <vector>
 
 namespace {
@@ -111,32 +110,11 @@ TEST_F(Containers, ThoseThatReferNeverDestroy) {
         for (int i = 0; i < 3; ++i)
             list.add(one.get(), DSP_APPEND);
         list.remove(0, false);
-        list.remove_if([](const Mortal*) { return true; });
         list.add(one.get(), DSP_APPEND);
         DSPrefHashMap<Mortal> map;
         map.add(one.get(), 1);
     }
     EXPECT_TRUE(died.empty());
-}
-
-TEST_F(Containers, ListRemovesManyInOneWalkThatSeesNoneOfThem) {
-    DSParray<Mortal> list;
-    fill(list, {1, 2, 3, 4, 5, 6});
-    std::uint32_t kept = 0;
-    list.remove_if([&](const Mortal* element) {
-        EXPECT_EQ(element, list.get(kept)); // those removed so far are not seen
-        if (element->name < 10)             // each appends one more, which may move the storage
-            fill(list, {element->name + 10});
-        kept += element->name % 3 == 0 ? 1 : 0;
-        return element->name % 3 != 0;
-    });
-    EXPECT_THAT(died, ElementsAre(1, 2, 4, 5, 11, 13, 14, 16));
-    EXPECT_THAT(names(list), ElementsAre(3, 6, 12, 15));
-    const auto cut = [](const Mortal* element) {
-        return element->name == 12 ? throw std::runtime_error("cut") : element->name == 3;
-    };
-    EXPECT_THROW(list.remove_if(cut), std::runtime_error);
-    EXPECT_THAT(names(list), ElementsAre(6, 12, 15));
 }
 
 // Leaves another one in its list, which may move the storage.

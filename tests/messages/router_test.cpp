@@ -16,11 +16,10 @@ using namespace quillon;
 using testing::ElementsAre;
 
 #pragma GCC diagnostic ignored "-Winvalid-offsetof"
-using List = DSParray<cMessageRouter::Entry>;
 static_assert(offsetof(cMessageRouter::Mailbox, queue) == 0 &&
-              offsetof(cMessageRouter::Mailbox, observers) == sizeof(List) &&
+              offsetof(cMessageRouter::Mailbox, observers) == sizeof(DelayQueue) &&
               offsetof(cMessageRouter, mailboxes) == 0 &&
-              offsetof(cMessageRouter, anything) == sizeof(DSPhashMap<List>));
+              offsetof(cMessageRouter, anything) == sizeof(DSPhashMap<DelayQueue>));
 
 // The router as the script sees it.
 class RouterBus {
