@@ -53,9 +53,10 @@ public:
 
     // Subtracts `passed` from every delay above it, and removes the other entries, in linear time.
     //
-    // `deliver` is called for each entry to be removed, with its holder and its position; it sees the
-    // queue without the entries removed so far, and with that one. It may post, which this walk then reaches too.
-    // An exception of `deliver` ends the walk: the entry in question and all after it stay.
+    // `deliver` is called for each entry to be removed, with its holder and its position; it sees
+    // the queue without the entries removed so far, and with that one. It may post, which this walk
+    // then reaches too. An exception of `deliver` ends the walk: the entry in question and all
+    // after it stay.
     template <typename Deliver>
     void count_down(float passed, Deliver deliver) {
         Walk walk(*this);
