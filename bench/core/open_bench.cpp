@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
-// What __mCore_open costs beside the bare loader calls on the same files.
+// What __mCore_open costs beside the bare loader calls on the same files: the calls alone, and in
+// the whole process of a host that starts, loads the library, opens the plug-ins and ends at once.
+#include "bench/core/bare_loader.h"
 #include "quillon/core/plugin_registry.h"
 
 #include <benchmark/benchmark.h>
@@ -12,6 +14,8 @@
 #include <vector>
 
 #include <dlfcn.h>
+#include <fcntl.h>
+#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -59,6 +63,9 @@ void time_in_child(benchmark::State& state, Work work) {
         std::abort();
     const pid_t child = fork();
     if (child == 0) {
+        // Each load prints a line, which is not what is measured here.
+        if (std::freopen("/dev/null", "w", stdout) == nullptr)
+            _exit(1);
         const auto start = std::chrono::steady_clock::now();
         work();
         const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - start;
@@ -76,42 +83,60 @@ void time_in_child(benchmark::State& state, Work work) {
 
 void Open(benchmark::State& state) {
     const PluginFolder folder(state.range(0));
-    // Each load prints a line, which is not what is measured here.
-    std::FILE* const quiet = std::freopen("/dev/null", "w", stdout);
     void* const library = dlopen(LIBRARY_FILE, RTLD_NOW | RTLD_LOCAL);
     auto* const open = reinterpret_cast<decltype(__mCore_open)*>(dlsym(library, "__mCore_open"));
     for (auto _ : state)
         time_in_child(state, [open] { open(); });
     dlclose(library);
-    benchmark::DoNotOptimize(quiet);
 }
 
 void BareLoader(benchmark::State& state) {
-    constexpr const char* NAMES[] = {"initialize",
-                                     "shutdown",
-                                     "get_plugin_name",
-                                     "get_plugin_purpose",
-                                     "get_plugin_compatibility",
-                                     "get_plugin_prereqs"};
     const PluginFolder folder(state.range(0));
     for (auto _ : state)
         time_in_child(state, [&] {
-            for (const std::string& file : folder.files) {
-                void* const handle = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
-                for (const char* name : NAMES)
-                    benchmark::DoNotOptimize(dlsym(handle, name));
-            }
+            for (const std::string& file : folder.files)
+                load_bare(file.c_str());
         });
+}
+
+// Times a process of the host with these arguments; it starts in the folder and prints nothing.
+void run_host(benchmark::State& state, std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), START_HOST);
+    std::vector<char*> pointers;
+    for (std::string& argument : arguments)
+        pointers.push_back(argument.data());
+    pointers.push_back(nullptr);
+    posix_spawn_file_actions_t quiet;
+    posix_spawn_file_actions_init(&quiet);
+    posix_spawn_file_actions_addopen(&quiet, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    for (auto _ : state) {
+        pid_t host = 0;
+        int status = 1;
+        if (posix_spawn(&host, START_HOST, &quiet, nullptr, pointers.data(), environ) != 0 ||
+            waitpid(host, &status, 0) != host || status != 0)
+            std::abort();
+    }
+    posix_spawn_file_actions_destroy(&quiet);
+}
+
+void OpeningProcess(benchmark::State& state) {
+    const PluginFolder folder(state.range(0));
+    run_host(state, {LIBRARY_FILE});
+}
+
+void BareProcess(benchmark::State& state) {
+    const PluginFolder folder(state.range(0));
+    std::vector<std::string> arguments = folder.files;
+    arguments.insert(arguments.begin(), LIBRARY_FILE);
+    run_host(state, arguments);
 }
 
 } // namespace
 
-BENCHMARK(BareLoader)
-    ->Arg(1)
-    ->Arg(10)
-    ->Arg(100)
-    ->Arg(500)
-    ->UseManualTime()
-    ->Unit(benchmark::kMicrosecond);
-BENCHMARK(Open)->Arg(1)->Arg(10)->Arg(100)->Arg(500)->UseManualTime()->Unit(
-    benchmark::kMicrosecond);
+#define QUILLON_BENCH(row)                                                                         \
+    BENCHMARK(row)->Arg(1)->Arg(10)->Arg(100)->Arg(500)->Unit(benchmark::kMicrosecond)
+
+QUILLON_BENCH(BareLoader)->UseManualTime();
+QUILLON_BENCH(Open)->UseManualTime();
+QUILLON_BENCH(BareProcess)->UseRealTime();
+QUILLON_BENCH(OpeningProcess)->UseRealTime();

@@ -3,8 +3,11 @@
 
 #include "quillon/platform/paths.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <span>
+#include <vector>
 
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -24,7 +27,9 @@ namespace {
 // A file that is open for reading, if it could be opened.
 class OpenFile {
 public:
-    explicit OpenFile(const std::string& path) : file(open(path.c_str(), O_RDONLY | O_CLOEXEC)) {}
+    // Without O_NONBLOCK the opening of a pipe waits for a writer that never comes.
+    explicit OpenFile(const std::string& path)
+        : file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {}
 
     OpenFile(const OpenFile&) = delete;
     OpenFile& operator=(const OpenFile&) = delete;
@@ -34,10 +39,13 @@ public:
             close(file);
     }
 
+    bool read_status(struct stat& status) const { return fstat(file, &status) == 0; }
+
     template <typename Record>
-    bool read(Record& record, std::uint64_t offset) const {
-        constexpr auto size = static_cast<ssize_t>(sizeof(Record));
-        return pread(file, &record, sizeof(Record), static_cast<off_t>(offset)) == size;
+    bool read(std::span<Record> records, std::uint64_t offset) const {
+        const auto size = static_cast<ssize_t>(records.size_bytes());
+        return pread(file, records.data(), records.size_bytes(), static_cast<off_t>(offset)) ==
+               size;
     }
 
 private:
@@ -48,23 +56,23 @@ private:
 // then reads pages after the end, which ends the process by SIGBUS.
 bool has_whole_segments(const OpenFile& file, std::uint64_t size) {
     ElfW(Ehdr) header;
-    if (!file.read(header, 0) || std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0)
+    if (!file.read(std::span(&header, 1), 0) || std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0 ||
+        header.e_phentsize != sizeof(ElfW(Phdr)))
         return false;
-    for (unsigned i = 0; i < header.e_phnum; ++i) {
-        ElfW(Phdr) segment;
-        if (!file.read(segment, header.e_phoff + std::uint64_t{i} * header.e_phentsize) ||
-            segment.p_offset > size || segment.p_filesz > size - segment.p_offset)
-            return false;
-    }
-    return true;
+    std::vector<ElfW(Phdr)> segments(header.e_phnum);
+    return file.read(std::span(segments), header.e_phoff) &&
+           std::ranges::all_of(segments, [size](const ElfW(Phdr) & segment) {
+               return segment.p_offset <= size && segment.p_filesz <= size - segment.p_offset;
+           });
 }
 
 bool can_be_loaded(const std::string& path) {
+    const OpenFile file(path);
+
     struct stat status {};
 
-    // Opening a pipe would wait for a writer that never comes.
-    return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
-           has_whole_segments(OpenFile(path), static_cast<std::uint64_t>(status.st_size));
+    return file.read_status(status) && S_ISREG(status.st_mode) &&
+           has_whole_segments(file, static_cast<std::uint64_t>(status.st_size));
 }
 
 // The library that contains `address`. glibc 2.35 finds it in logarithmic time; dladdr walks every
