@@ -14,6 +14,7 @@
 #include "quillon/containers/name_hash.h"
 #include "quillon/core/interfaces.h"
 #include "quillon/core/modules.h"
+#include "quillon/core/own_library.h"
 #include "quillon/core/plugin_registry.h"
 
 #include <algorithm>
@@ -142,6 +143,7 @@ Contract<Table> contract(const typename Table::Module* module) {
 // Writes the whole table, so own entries come after it.
 template <typename Table>
 void serve(void** table, const Table& functions) {
+    detail::report_other_library(Table::SERVICE);
     auto& target = *reinterpret_cast<Table*>(table);
     target = functions;
     target.identify = [](ContractIdentity* identity) { *identity = Table::IDENTITY; };

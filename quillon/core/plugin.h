@@ -36,6 +36,7 @@
 #include "quillon/containers/map.h"
 #include "quillon/containers/name_hash.h"
 #include "quillon/core/interfaces.h"
+#include "quillon/core/own_library.h"
 #include "quillon/core/plugin_registry.h"
 
 #include <algorithm>
@@ -99,6 +100,7 @@ namespace quillon {
 // `as_table<GraphicsTable>(table).load_bitmap = load`.
 template <typename Table>
 Table& as_table(void** table) {
+    detail::report_other_library(get_plugin_name());
     return *reinterpret_cast<Table*>(table);
 }
 

@@ -6,6 +6,8 @@
 #include <cstdlib>
 
 using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
 
 namespace {
 
@@ -67,4 +69,14 @@ TEST(Teardown, AnOrdinaryExitShutsDownBeforeStaticObjectsDie) {
 TEST(Teardown, ThousandCyclesLeaveNothing) {
     const Host folder({"all_five", "needs_graphics", "refuses"});
     EXPECT_EQ(run("reloading_host > /dev/null"), 0);
+}
+
+// A plug-in that links the shared library reaches its host's modules only if the host does so too.
+TEST(Teardown, SecondLibraryInAProcessIsReported) {
+    const Host folder({"graphics", "brings_library"});
+    const std::string report = "quillon: Guest: this plug-in is connected by another library";
+    EXPECT_EQ(run("linked_host 2> output"), 0);
+    EXPECT_THAT(text_of("output"), Not(HasSubstr(report)));
+    EXPECT_EQ(run("static_host 2> output"), 0);
+    EXPECT_THAT(text_of("output"), testing::StartsWith(report));
 }

@@ -48,6 +48,7 @@ TEST(Check, FaultFailsByItsRow) {
         {"wrong_network-enet", "hosts again", "hosts once, on a free port: a second host"},
         {"graphics", "", "it has connect_input_interface but says no to INPUT"},
         {"all_five", "", "names its contract: entry 0 is empty"},
+        {"brings_library", "", "it has connect_graphics_interface but says no to GRAPHICS"},
         {"crashes", "", "loads: crashes (Aborted) in get_plugin_name"},
     };
 
@@ -59,6 +60,7 @@ TEST(Check, FaultFailsByItsRow) {
                      std::string("ASAN_OPTIONS=detect_leaks=0 FAULT='") + row.fault + "'");
         EXPECT_EQ(1, run.code);
         EXPECT_THAT(first_fault(run), testing::HasSubstr(row.row)) << run.out << run.error;
+        EXPECT_THAT(run.error, testing::Not(testing::HasSubstr("another library")));
     }
 }
 

@@ -3,6 +3,7 @@
 #include "check/check.h"
 
 #include "child.h"
+#include "folder_of_links.h"
 #include "platform.h"
 #include "plugins/contracts/audio.h"
 #include "plugins/contracts/graphics.h"
@@ -10,6 +11,7 @@
 #include "plugins/contracts/network.h"
 #include "plugins/contracts/system.h"
 #include "quillon/containers/list.h"
+#include "quillon/core/plugin_registry.h"
 
 #include <memory>
 
@@ -177,6 +179,12 @@ const Service SERVICES[] = {
      [](const Patient&, const Table& table) { check_audio(as<quillon::Audio>(table)); }},
 };
 
+// As in a host, the library knows the plug-in that is connected.
+void register_plugin(const fs::path& file) {
+    const platform::OutputCapture without_its_lines;
+    __mCore_parse_folder_for_plugins(FolderOfLinks({file}).path().c_str());
+}
+
 void check_texts(const Patient& patient) {
     check(PLUGIN, "keeps its name and its purpose", [&] {
         const std::string name = patient.name();
@@ -252,6 +260,7 @@ void check(const std::string& subject, const std::string& promise,
 
 void check_file(const std::vector<std::string>& arguments) {
     checked_file = arguments.at(0);
+    register_plugin(checked_file);
     fs::current_path(arguments.at(1));
     platform::hide_display();
     Patient patient(checked_file);
