@@ -48,6 +48,7 @@ using SecondTable = std::function<const quillon::Network*()>;
 
 // The checks of each contract, on a table whose entries are filled.
 void check_audio(const quillon::Audio& audio);
+void check_drawing(const quillon::Graphics& graphics); // in an open surface
 void check_graphics(const quillon::Graphics& graphics);
 void check_input(const quillon::Input& input);
 void check_network(const quillon::Network& network, const SecondTable& second);
