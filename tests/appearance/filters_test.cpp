@@ -92,7 +92,9 @@ std::vector<Case> all_filters() {
     return {
         fill({0.5F, 1, 0, 2}),
         counted("key", __cBitmap_color_key_mask, plain::color_key_mask, quillon::BLACK),
+        counted("red", __cBitmap_monochrome_saturate_by_channel, plain::channel_mask, uint8_t{0}),
         counted("green", __cBitmap_monochrome_saturate_by_channel, plain::channel_mask, uint8_t{1}),
+        counted("blue", __cBitmap_monochrome_saturate_by_channel, plain::channel_mask, uint8_t{2}),
         {"alpha", [](uint8_t* p, int32_t w, int32_t h) { __cBitmap_alpha_mask(p, w * h); },
          [](uint8_t* p, int32_t w, int32_t h) { plain::channel_mask(3, p, w * h); }},
         counted("multiply", __cBitmap_multiply, plain::multiply, 1.37F),
