@@ -81,10 +81,10 @@ private:
         Walk& operator=(const Walk&) = delete;
 
         ~Walk() {
-            auto& entries = queue.entries;
-            while (place < entries.size())
-                entries[kept++] = entries[place++];
-            entries.erase(entries.begin() + static_cast<std::ptrdiff_t>(kept), entries.end());
+            auto& all = queue.entries;
+            while (place < all.size())
+                all[kept++] = all[place++];
+            all.erase(all.begin() + static_cast<std::ptrdiff_t>(kept), all.end());
             queue.items.resize(kept);
             queue.hide(0, 0);
         }
