@@ -38,6 +38,7 @@ TEST(Check, FaultFailsByItsRow) {
         {"wrong_clock", "crash", "pauses as long as it is asked to, by its own time too: crashes"},
         {"wrong_clock", "endless pause", ": does not come back within 2 seconds"},
         {"wrong_image", "loads nothing", "says why a picture does not load: load_bitmap"},
+        {"wrong_image", "no reasons", "load_bitmap of missing.png fails without a reason in"},
         {"wrong_image", "saves nothing", "loads the pixels that it saved"},
         {"wrong_graphics-gl", "opens again", "opens one surface without a window: a second open"},
         {"wrong_graphics-gl", "black frames", "clears a frame to the sky"},
@@ -57,6 +58,9 @@ TEST(Check, FaultFailsByItsRow) {
         {"graphics", "", "it has connect_input_interface but says no to INPUT"},
         {"all_five", "", "names its contract: entry 0 is empty"},
         {"brings_library", "", "it has connect_graphics_interface but says no to GRAPHICS"},
+        {"tool", "", "keeps its name and its purpose: its purpose is not 'Module'"},
+        {"says_yes", "", "it says yes to a word of no meaning"},
+        {"wrong_clock", "not ready", "initialises: initialize returns false on this machine"},
         {"crashes", "", "loads: crashes (Aborted) in get_plugin_name"},
     };
 

@@ -104,10 +104,12 @@ TEST(Plugins, EachRefusedFileHasItsReason) {
     fs::create_symlink("nothing", "plugin/b_dangling.so");
     fs::create_symlink("c_loop.so", "plugin/c_loop.so");
     add_changed("d_foreign", offsetof(Elf64_Ehdr, e_machine), EM_S390);
+    add_changed("d_word_size", EI_CLASS, ELFCLASS32);
     add_changed("e_object", offsetof(Elf64_Ehdr, e_type), ET_REL);
     fs::resize_file(add_copy("f_start"), 4);
     fs::resize_file(add_copy("g_header"), 40);
     fs::resize_file(add_copy("h_segments"), sizeof(Elf64_Ehdr) + 1);
+    fs::resize_file(add_copy("h_text"), 16'000);
     // Reading it from the start fails for every user, root too.
     fs::create_symlink("/proc/self/mem", "plugin/i_unreadable.so");
     fs::create_directory("plugin/j_folder.so");
@@ -126,9 +128,10 @@ TEST(Plugins, EachRefusedFileHasItsReason) {
                             "refused c_loop.so: a link that leads nowhere, to 'c_loop.so': "
                             "Too many levels of symbolic links",
                             "refused d_foreign.so: wrong architecture",
+                            "refused d_word_size.so: wrong architecture",
                             HasSubstr("e_object.so: does not load: "),
                             "refused f_start.so: cut off", "refused g_header.so: cut off",
-                            "refused h_segments.so: cut off",
+                            "refused h_segments.so: cut off", "refused h_text.so: cut off",
                             "refused i_unreadable.so: cannot be read: Input/output error",
                             "refused j_folder.so: a folder, not a file"));
 
@@ -142,7 +145,7 @@ TEST(Plugins, EachRefusedFileHasItsReason) {
 TEST(Plugins, OneThatWouldTakeTheHostAlongIsARowAmongTheOthers) {
     const ScratchFolder folder;
     copy_fixtures({"graphics", "crashes", "exits", "hangs", "throws", "throws_later", "no_name",
-                   "foreign_layout", "input_and_system"});
+                   "foreign_layout", "input_and_system", "no_purpose", "leaves_process"});
     // A folder of temporary files that must be empty again.
     fs::create_directory("temporary");
     const ToolRun run = run_tool("plugins --json --limit 2", "TMPDIR=$PWD/temporary");
@@ -150,7 +153,8 @@ TEST(Plugins, OneThatWouldTakeTheHostAlongIsARowAmongTheOthers) {
     EXPECT_THAT(
         summary(run),
         ElementsAre(
-            "0_graphics.so GRAPHICS", "8_input_and_system.so INPUT SYSTEM",
+            "0_graphics.so GRAPHICS", "10_leaves_process.so AUDIO",
+            "8_input_and_system.so INPUT SYSTEM",
             "refused 1_crashes.so: crashes (Aborted) in get_plugin_name",
             "refused 2_exits.so: ends the process with exit code 3 in get_plugin_name",
             "refused 3_hangs.so: does not come back within 2 seconds in initialize or a connect "
@@ -160,7 +164,8 @@ TEST(Plugins, OneThatWouldTakeTheHostAlongIsARowAmongTheOthers) {
             "entry point",
             "refused 6_no_name.so: get_plugin_name returns null",
             "refused 7_foreign_layout.so: built with debug containers (_GLIBCXX_DEBUG), not plain "
-            "containers"));
+            "containers",
+            "refused 9_no_purpose.so: get_plugin_purpose returns null"));
     EXPECT_TRUE(fs::is_empty("temporary"));
     EXPECT_THAT(run_tool("plugins --limit 2").out,
                 HasSubstr("\n-      1_crashes.so           -         -        -              -"));
@@ -192,6 +197,19 @@ TEST(Plugins, EachModuleSaysWhoServesItAndWhy) {
     fs::remove_all("plugin");
     fs::create_directory("plugin");
     EXPECT_EQ("AUDIO : no plug-in here serves it", modules_of("plugins --json")[4]);
+}
+
+TEST(Plugins, AnyNameIsPrinted) {
+    const ScratchFolder folder;
+    copy_fixtures({"odd_name"});
+    fs::create_symlink("\xFE", "plugin/\xFD.so");
+    const auto document = nlohmann::json::parse(run_tool("plugins --json").out);
+    EXPECT_EQ("a\n\"b\\\uFFFD", document["plugins"][0]["name"]);
+    EXPECT_EQ("\uFFFD.so", document["refused"][0]["file"]);
+    EXPECT_EQ("a link that leads nowhere, to '\uFFFD': No such file or directory",
+              document["refused"][0]["reason"]);
+    EXPECT_THAT(run_tool("plugins").out, HasSubstr(" a?\"b\\\uFFFD "));
+    EXPECT_THAT(run_tool("check --json plugin/\xFD.so").out, HasSubstr("nowhere, to '\uFFFD'"));
 }
 
 TEST(Plugins, GivenFolderIsTheOnlyOneOpened) {

@@ -22,7 +22,7 @@ const std::map<std::string, Work> KINDS = {
 
 // Names that are not UTF-8 get the replacement character.
 std::string text_of(const nlohmann::json& line) {
-    return line.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+    return line.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
 
 std::string in_quotes(const std::string& text) {
@@ -69,7 +69,11 @@ void add_limit(CLI::App& app, double& limit) {
 }
 
 void report(const nlohmann::json& line) {
-    platform::write_report(text_of(line));
+    platform::write_report(text_of(line) + "\n");
+}
+
+std::string valid_text(const std::string& text) {
+    return nlohmann::json::parse(text_of(text));
 }
 
 void enter_stage(const std::string& stage) {

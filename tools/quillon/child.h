@@ -43,6 +43,9 @@ void add_limit(CLI::App& app, double& limit);
 void report(const nlohmann::json& line);
 void enter_stage(const std::string& stage);
 
+// The text as it comes out of a report: what is not UTF-8 is the replacement character.
+std::string valid_text(const std::string& text);
+
 // In a child: does the work of the kind `arguments[0]`; returns the exit code.
 int run_as_child(const std::vector<std::string>& arguments);
 

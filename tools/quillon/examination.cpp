@@ -140,9 +140,13 @@ private:
     void add_reasons(std::vector<RefusedFile>& refused) const {
         for (const std::string& name : left_out)
             refused.push_back({name, ""});
+        // The names in a report are UTF-8, and those of files need not be.
+        std::map<std::string, std::string> reported;
+        for (const auto& [name, reason] : reasons)
+            reported[valid_text(name)] = reason;
         for (RefusedFile& file : refused)
-            if (const auto reason = reasons.find(file.file);
-                file.reason.empty() && reason != reasons.end())
+            if (const auto reason = reported.find(valid_text(file.file));
+                file.reason.empty() && reason != reported.end())
                 file.reason = reason->second.empty()
                                   ? "it loads by itself, but did not in this folder's turn"
                                   : reason->second;
