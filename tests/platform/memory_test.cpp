@@ -48,12 +48,12 @@ TEST(Memory, MakesTheWholePagesOfAnArrayResidentAndNoOthers) {
     const NewPages probe(1);
     if (madvise(probe.bytes, PAGE, MADV_POPULATE_WRITE) != 0)
         GTEST_SKIP() << "the kernel makes no pages ahead of their use";
-    const NewPages pages(100);
+    const NewPages pages(200);
     static_cast<void>(madvise(pages.bytes, pages.size, MADV_NOHUGEPAGE));
-    platform::make_resident(pages.bytes + 2 * PAGE + 16, 95 * PAGE);
+    platform::make_resident(pages.bytes + 2 * PAGE + 16, 195 * PAGE);
     const std::vector<unsigned char> resident = pages.resident();
     EXPECT_THAT(std::span(resident).first(3), Each(0));
-    EXPECT_THAT(std::span(resident).subspan(3, 94), Each(1));
+    EXPECT_THAT(std::span(resident).subspan(3, 194), Each(1));
     EXPECT_THAT(std::span(resident).last(3), Each(0));
 }
 
