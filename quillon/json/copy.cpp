@@ -54,10 +54,6 @@ private:
         bool repeats;         // a key is there twice
     };
 
-    // A tree of a reading is in memory in the order of its text; in bench_json this distance hides
-    // the misses.
-    static constexpr std::intptr_t FETCH_DISTANCE = 512;
-
     // Copies a scalar, or opens a container for its entries; null for what can't be copied.
     cson_value* begin(const cson_value* source) {
         if (source == nullptr || source->api == nullptr)

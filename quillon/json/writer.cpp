@@ -347,10 +347,6 @@ private:
         bool comma_due; // after a pair that is not the last
     };
 
-    // A tree of a reading is in memory in the order of its text; in bench_json this distance hides
-    // the misses.
-    static constexpr std::intptr_t FETCH_DISTANCE = 768;
-
     std::uint32_t level() const { return first_level + static_cast<std::uint32_t>(open.size()); }
 
     void write_value(const cson_value* value) {
@@ -434,6 +430,8 @@ private:
                 return end();
             const auto* pair = static_cast<const cson_kvp*>(top.entries[top.next++]);
             prefetch(pair, FETCH_DISTANCE);
+            if (pair != nullptr)
+                prefetch(pair->value, FETCH_DISTANCE);
             const bool comma = std::exchange(top.comma_due, false);
             const cson_string* key = key_of(pair);
             if (key != nullptr) {
