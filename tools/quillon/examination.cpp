@@ -82,8 +82,8 @@ std::vector<std::string> library_names(const fs::path& folder) {
 
 class Examiner {
 public:
-    Examiner(fs::path examined, const std::vector<std::string>& chosen, double seconds)
-        : folder(std::move(examined)), choices(chosen), limit(seconds) {
+    Examiner(fs::path examined, std::vector<std::string> chosen, double seconds)
+        : folder(std::move(examined)), choices(std::move(chosen)), limit(seconds) {
         for (const std::string& name : library_names(folder)) {
             const FileVerdict verdict = examine_alone(folder / name, limit);
             reasons[name] = verdict.reason;

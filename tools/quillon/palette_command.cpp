@@ -72,14 +72,14 @@ int draw_colors(Canvas& canvas, int y) {
 }
 
 int draw_gradients(Canvas& canvas, int y) {
-    constexpr int LEFT = MARGIN + COLUMN_WIDTH;
-    constexpr int BAR_WIDTH = WIDTH - MARGIN - LEFT;
+    constexpr int left = MARGIN + COLUMN_WIDTH;
+    constexpr int bar_width = WIDTH - MARGIN - left;
     for (const std::string_view name : quillon::GRADIENT_NAMES) {
         const quillon::cGradient* gradient = __nsGradient_gradient_table(std::string(name));
-        chequer(canvas, LEFT, y, BAR_WIDTH, BAR_HEIGHT);
-        for (int x = 0; x < BAR_WIDTH; ++x)
-            canvas.fill(LEFT + x, y, 1, BAR_HEIGHT,
-                        gradient->function(static_cast<float>(x) / (BAR_WIDTH - 1)));
+        chequer(canvas, left, y, bar_width, BAR_HEIGHT);
+        for (int x = 0; x < bar_width; ++x)
+            canvas.fill(left + x, y, 1, BAR_HEIGHT,
+                        gradient->function(static_cast<float>(x) / (bar_width - 1)));
         canvas.write(MARGIN, y + (BAR_HEIGHT - LABEL_SIZE) / 2, LABEL_SIZE, name, INK);
         y += GRADIENT_HEIGHT;
     }
@@ -124,16 +124,16 @@ int draw_materials(Canvas& canvas, int y) {
 }
 
 ExitCode draw_palette(const std::string& file, const std::string& plugins) {
-    constexpr int HEIGHT = 3 * TITLE_HEIGHT + rows_of(quillon::NAMED_COLORS.size()) * COLOR_HEIGHT +
+    constexpr int height = 3 * TITLE_HEIGHT + rows_of(quillon::NAMED_COLORS.size()) * COLOR_HEIGHT +
                            static_cast<int>(quillon::GRADIENT_NAMES.size()) * GRADIENT_HEIGHT +
                            rows_of(quillon::NAMED_MATERIALS.size()) * MATERIAL_HEIGHT;
     open_graphics(plugins);
-    Canvas canvas(WIDTH, HEIGHT, BACKGROUND);
+    Canvas canvas(WIDTH, height, BACKGROUND);
     int y = draw_colors(canvas, draw_title(canvas, 0, "Colours"));
     y = draw_gradients(canvas, draw_title(canvas, y, "Gradients, from 0 to 1"));
     draw_materials(canvas, draw_title(canvas, y, "Materials"));
     save_picture(file, canvas.picture());
-    std::cout << file << ": " << WIDTH << " x " << HEIGHT << " pixels\n";
+    std::cout << file << ": " << WIDTH << " x " << height << " pixels\n";
     return SUCCESS;
 }
 

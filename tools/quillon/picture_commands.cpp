@@ -56,7 +56,7 @@ void add_files(CLI::App& app, Files& files) {
 }
 
 // Requires exactly one of the options.
-void require_one(CLI::App& app, std::vector<CLI::Option*> options, const char* names) {
+void require_one(CLI::App& app, const std::vector<CLI::Option*>& options, const char* names) {
     for (CLI::Option* option : options)
         for (CLI::Option* other : options)
             if (option != other)

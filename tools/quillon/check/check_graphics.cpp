@@ -57,6 +57,9 @@ void check_frames(const Graphics& graphics) {
         expect_failure(graphics, !graphics.begin_frame({}), "a second begin_frame");
         end_frame(graphics);
     });
+}
+
+void check_rectangles(const Graphics& graphics) {
     check(GRAPHICS, "draws an overlay pixel on pixel", [&] {
         begin_frame(graphics);
         expect_success(graphics, graphics.draw_overlay({.x = 9, .y = 4, .width = 16, .height = 10}),
@@ -144,6 +147,7 @@ void check_graphics(const Graphics& graphics) {
     if (!opens(graphics))
         return;
     check_frames(graphics);
+    check_rectangles(graphics);
     check_resources(graphics);
     check_drawing(graphics);
     check_size(graphics);

@@ -39,8 +39,10 @@ void check_input(const Input& input) {
     check(SUBJECT, "answers the same until the next update", [&] {
         input.update();
         for (std::uint16_t code = 0; code < CODES; ++code) {
-            for (const auto& [name, entry] : KEYS)
-                expect((input.*entry)(code) == (input.*entry)(code), call(name, code) + " changes");
+            for (const auto& [name, entry] : KEYS) {
+                const bool is_so = (input.*entry)(code);
+                expect(is_so == (input.*entry)(code), call(name, code) + " changes");
+            }
             for (const auto& [name, entry] : AXES) {
                 const float value = (input.*entry)(code);
                 expect(std::isfinite(value), call(name, code) + " is not finite");
@@ -49,12 +51,12 @@ void check_input(const Input& input) {
         }
     });
     check(SUBJECT, "has nothing for codes and pads beyond the last", [&] {
-        constexpr std::uint16_t BEYOND = 65535;
+        constexpr std::uint16_t beyond = 65535;
         for (const auto& [name, entry] : KEYS)
-            expect(!(input.*entry)(BEYOND), call(name, BEYOND) + " is true");
+            expect(!(input.*entry)(beyond), call(name, beyond) + " is true");
         for (const auto& [name, entry] : AXES)
-            expect((input.*entry)(BEYOND) == 0, call(name, BEYOND) + " is not 0");
-        expect(input.key_label(BEYOND) == nullptr, "key_label of 65535 is not null");
+            expect((input.*entry)(beyond) == 0, call(name, beyond) + " is not 0");
+        expect(input.key_label(beyond) == nullptr, "key_label of 65535 is not null");
         expect(input.pad_name(4) == nullptr, "pad_name of 4 is not null");
         expect(!input.rumble(4, 0.5F, 0.25F, 0.01F), "rumble of pad 4 is true");
     });
