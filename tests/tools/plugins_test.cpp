@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+#include <cstring>
 #include <elf.h>
 #include <fstream>
 
@@ -97,6 +99,19 @@ void add_changed(const std::string& name, std::streamoff offset, char byte) {
     std::fstream(add_copy(name), std::ios::in | std::ios::out).seekp(offset).put(byte);
 }
 
+std::size_t end_of_segments(const fs::path& file) {
+    const std::string bytes = bytes_of(file);
+    Elf64_Ehdr header;
+    std::memcpy(&header, bytes.data(), sizeof header);
+    std::size_t end = 0;
+    for (std::size_t i = 0; i < header.e_phnum; ++i) {
+        Elf64_Phdr segment;
+        std::memcpy(&segment, &bytes[header.e_phoff + i * sizeof segment], sizeof segment);
+        end = std::max<std::size_t>(end, segment.p_offset + segment.p_filesz);
+    }
+    return end;
+}
+
 TEST(Plugins, EachRefusedFileHasItsReason) {
     const ScratchFolder folder;
     copy_fixtures({"graphics", "missing_library", "missing_symbol", "without_shutdown"});
@@ -109,7 +124,7 @@ TEST(Plugins, EachRefusedFileHasItsReason) {
     fs::resize_file(add_copy("f_start"), 4);
     fs::resize_file(add_copy("g_header"), 40);
     fs::resize_file(add_copy("h_segments"), sizeof(Elf64_Ehdr) + 1);
-    fs::resize_file(add_copy("h_text"), 16'000);
+    fs::resize_file(add_copy("h_text"), end_of_segments(FIXTURE_FOLDER "/graphics.so") - 1);
     // Reading it from the start fails for every user, root too.
     fs::create_symlink("/proc/self/mem", "plugin/i_unreadable.so");
     fs::create_directory("plugin/j_folder.so");

@@ -16,10 +16,18 @@ namespace {
 using quillon::cInputAnalog;
 using quillon::cInputDigital;
 
-// In wide terminals, and in narrow ones.
-constexpr std::size_t WIDE = 90;
-constexpr std::size_t NAME_WIDTHS[] = {32, 22};
-constexpr std::size_t BAR_HALVES[] = {12, 8};
+// The width of names, in terminals of at least so many columns.
+struct NameWidth {
+    std::size_t columns;
+    std::size_t width;
+};
+
+constexpr NameWidth NAME_WIDTHS[] = {{90, 32}, {60, 22}, {0, 18}};
+
+constexpr std::size_t MAX_BAR_HALF = 12;
+constexpr std::size_t MIN_BAR_HALF = 3;
+// What a line has beside its name and the halves of a bar: "[|] +0.00", and " center" of a binding.
+constexpr std::size_t BAR_TEXT = 16;
 
 // What is left of a travel from one frame to the next: a hundredth after 0.7 seconds.
 constexpr float FADING = 0.9F;
@@ -65,27 +73,42 @@ std::string answers(const cInputAnalog& input) {
 
 } // namespace
 
-InputView::InputView(std::span<const Binding> watched, int screen_columns)
-    : bindings(watched), columns(static_cast<std::size_t>(screen_columns)) {
-    const bool is_narrow = columns > 0 && columns < WIDE;
-    name_width = NAME_WIDTHS[is_narrow];
-    bar_half = BAR_HALVES[is_narrow];
+void InputView::fit(int screen_columns) {
+    columns = static_cast<std::size_t>(screen_columns);
+    name_width = NAME_WIDTHS[0].width;
+    bar_half = MAX_BAR_HALF;
+    if (columns == 0)
+        return;
+    name_width = std::ranges::find_if(NAME_WIDTHS, [this](const NameWidth& row) {
+                     return columns >= row.columns;
+                 })->width;
+    const std::size_t beside = name_width + BAR_TEXT;
+    bar_half =
+        std::clamp(columns > beside ? (columns - beside) / 2 : 0, MIN_BAR_HALF, MAX_BAR_HALF);
 }
 
-// A longer line would wrap, and the next frame would not cover it.
+// A longer line would wrap, and the next frame would not cover it. The name gives way first, as
+// what follows is the news.
 std::string InputView::line(std::string_view label, const std::string& text) const {
     std::string whole(label);
-    whole.resize(std::max(name_width, label.size() + 1), ' ');
+    if (columns > 0 && whole.size() >= name_width && whole.size() + 1 + text.size() > columns) {
+        const std::size_t rest = columns > text.size() ? columns - text.size() : 0;
+        whole = whole.substr(0, std::max(name_width, rest) - 4) + "...";
+    }
+    whole.resize(std::max(name_width, whole.size() + 1), ' ');
     whole += text;
-    if (columns > 0 && whole.size() > columns)
+    if (columns > 3 && whole.size() > columns)
         whole = whole.substr(0, columns - 3) + "...";
     return whole + "\n";
 }
 
 // "[       ====|            ] -0.33"
 std::string InputView::bar(float value) const {
-    const auto filled = std::min(bar_half, static_cast<std::size_t>(std::lround(
-                                               std::fabs(value) * static_cast<float>(bar_half))));
+    const float size = std::fabs(value);
+    // What the number shows, the bar shows too.
+    const long least = size >= GONE ? 1 : 0;
+    const long length = std::max(least, std::lround(size * static_cast<float>(bar_half)));
+    const auto filled = std::min(bar_half, static_cast<std::size_t>(length));
     const std::string blank(bar_half - filled, ' ');
     const std::string full(filled, '=');
     const std::string empty(bar_half, ' ');
@@ -121,7 +144,8 @@ std::string InputView::axis_lines(const quillon::Input& plugin) {
     return lines;
 }
 
-std::string InputView::frame(const quillon::Input& plugin) {
+std::string InputView::frame(const quillon::Input& plugin, int screen_columns) {
+    fit(screen_columns);
     std::string text = line("pressed", pressed_names()) + axis_lines(plugin);
     for (const Binding& binding : bindings) {
         const std::string value = std::holds_alternative<cInputAnalog>(binding.input)

@@ -49,10 +49,21 @@ const quillon::Input& open_input() {
 // Shows each frame in the place of the last one, or below it in a file.
 class Screen {
 public:
+    // The width of the terminal now; 0 for a file.
+    int columns() {
+        const int now = platform::output_is_terminal() ? platform::output_columns() : 0;
+        // A terminal of another width has wrapped or joined the lines that it shows.
+        if (now != width && !last.empty()) {
+            std::cout << "\x1b[H\x1b[2J";
+            last.clear();
+        }
+        return width = now;
+    }
+
     void show(const std::string& frame) {
         if (frame == last)
             return;
-        if (platform::output_is_terminal() && !last.empty())
+        if (width > 0 && !last.empty())
             std::cout << "\x1b[" << std::ranges::count(last, '\n') << "A\x1b[J";
         else if (!last.empty())
             std::cout << "\n";
@@ -62,6 +73,7 @@ public:
 
 private:
     std::string last;
+    int width = 0;
 };
 
 ExitCode show_inputs(const Arguments& arguments) {
@@ -75,12 +87,12 @@ ExitCode show_inputs(const Arguments& arguments) {
         std::cerr << "no keys and no mouse, only pads: " << input.last_error() << "\n";
 
     Screen screen;
-    InputView view(bindings, platform::output_is_terminal() ? platform::output_columns() : 0);
+    InputView view(bindings);
     for (int frame = 0; arguments.frames == 0 || frame < arguments.frames; ++frame) {
         input.update();
         if (input.quit_requested())
             break;
-        screen.show(view.frame(input));
+        screen.show(view.frame(input, screen.columns()));
         std::this_thread::sleep_for(FRAME);
     }
     return SUCCESS;
