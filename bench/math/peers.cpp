@@ -1,6 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "bench/math/peers.h"
 
+#define GLM_ENABLE_EXPERIMENTAL
+#include <glm/gtx/spline.hpp>
+
+#include <algorithm>
+
 namespace {
 
 struct Indexed {
@@ -51,6 +56,14 @@ void rotate(quillon::cVector3D& v, const quillon::cMatrix3D& m) {
     plain::rotate(v, m);
 }
 
+void rotate(glm::dvec3& v, const glm::dquat& q) {
+    v = q * v;
+}
+
+void rotate(Eigen::Vector3d& v, const Eigen::Quaterniond& q) {
+    v = q * v;
+}
+
 void rotate(quillon::cVector3D& v, const quillon::cQuaternion& q) {
     plain::rotate(v, q);
 }
@@ -72,6 +85,17 @@ void slerp(Eigen::Quaterniond& q, const Eigen::Quaterniond& a, const Eigen::Quat
 
 void smooth_value(const quillon::cSpline3D& s, quillon::cVector3D& out, double t) {
     out = plain::smooth_value(s, t);
+}
+
+void catmull_rom(const quillon::cSpline3D& s, quillon::cVector3D& out, double t) {
+    const int index = static_cast<int>(t);
+    const auto point = [&](int i) {
+        const quillon::cVector3D& p = s.points[std::clamp(i, 0, s.count - 1)];
+        return glm::dvec3(p.x, p.y, p.z);
+    };
+    const glm::dvec3 value = glm::catmullRom(point(index - 1), point(index), point(index + 1),
+                                             point(index + 2), t - index);
+    out.set(value.x, value.y, value.z);
 }
 
 double value_closest_to(const quillon::cSpline3D& s, const quillon::cVector3D& target,

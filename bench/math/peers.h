@@ -22,6 +22,9 @@ void multiply(quillon::cQuaternion& q, const quillon::cQuaternion& b);
 void rotate(glm::dvec3& v, const glm::dmat3& m);
 void rotate(Eigen::Vector3d& v, const Eigen::Matrix3d& m);
 void rotate(quillon::cVector3D& v, const quillon::cMatrix3D& m);
+
+void rotate(glm::dvec3& v, const glm::dquat& q);
+void rotate(Eigen::Vector3d& v, const Eigen::Quaterniond& q);
 void rotate(quillon::cVector3D& v, const quillon::cQuaternion& q);
 
 // The same where the compiler cannot inline the indexed access to the matrix, as if operator[] were
@@ -33,6 +36,10 @@ void slerp(Eigen::Quaterniond& q, const Eigen::Quaterniond& a, const Eigen::Quat
            double t);
 
 void smooth_value(const quillon::cSpline3D& s, quillon::cVector3D& out, double t);
+
+// Another curve through the same points: a Catmull-Rom spline, open.
+void catmull_rom(const quillon::cSpline3D& s, quillon::cVector3D& out, double t);
+
 double value_closest_to(const quillon::cSpline3D& s, const quillon::cVector3D& target,
                         double tolerance, std::uint32_t iterations);
 

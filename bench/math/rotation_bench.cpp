@@ -124,5 +124,9 @@ BENCHMARK_TEMPLATE(in_place, cVector3D, cQuaternion, peers::rotate)
     ->Name("vector_by_quaternion/plain");
 BENCHMARK_TEMPLATE(in_place, cVector3D, cQuaternion, peers::rotate_indexed)
     ->Name("vector_by_quaternion/plain_indexed");
+BENCHMARK_TEMPLATE(in_place, glm::dvec3, glm::dquat, peers::rotate)
+    ->Name("vector_by_quaternion/glm");
+BENCHMARK_TEMPLATE(in_place, Eigen::Vector3d, Eigen::Quaterniond, peers::rotate)
+    ->Name("vector_by_quaternion/eigen");
 
 } // namespace

@@ -63,6 +63,10 @@ BENCHMARK_TEMPLATE(smooth_value, peers::smooth_value)
     ->Name("smooth_value/plain")
     ->ArgName("closed")
     ->DenseRange(0, 1);
+BENCHMARK_TEMPLATE(smooth_value, peers::catmull_rom)
+    ->Name("smooth_value/catmull_rom_of_glm")
+    ->ArgName("closed")
+    ->Arg(0);
 BENCHMARK_TEMPLATE(value_closest_to, __cSpline3d_get_value_closest_to)
     ->Name("value_closest_to/quillon");
 BENCHMARK_TEMPLATE(value_closest_to, peers::value_closest_to)->Name("value_closest_to/plain");

@@ -102,17 +102,26 @@ QUILLON_KERNEL inline Lanes normalize(Lanes (&vectors)[3]) {
     return lengths;
 }
 
-// The segment that leaves point `index`: tangents bisect the unit chords that meet at an end, where
-// two do, and handles are a third of the chord long.
+// The points that a segment depends on: its own two, and one on either side.
+struct Reach {
+    const cVector3D& before;
+    const cVector3D& start;
+    const cVector3D& end;
+    const cVector3D& after;
+};
+
+// The segment from `start` to `end`: tangents bisect the unit chords that meet at an end, or follow
+// the segment's own at the first and the last of a path, and handles are a third of the chord long.
 //
 // Square roots and divisions are the cost of a segment, and four of them take little longer than
 // one. So lanes 0 and 1 hold the segment's chord as seen from its start and its end, lanes 2 and 3
 // those of its neighbours.
-QUILLON_KERNEL inline void read_segment(Segment& segment, const cSpline3D& s, std::int32_t index) {
-    const double* const before = &point_at(s, index - 1).x;
-    const double* const start = &point_at(s, index).x;
-    const double* const end = &point_at(s, index + 1).x;
-    const double* const after = &point_at(s, index + 2).x;
+QUILLON_KERNEL inline void read_segment(Segment& segment, const Reach& reach, bool first,
+                                        bool last) {
+    const double* const before = &reach.before.x;
+    const double* const start = &reach.start.x;
+    const double* const end = &reach.end.x;
+    const double* const after = &reach.after.x;
 
     Quad chords[3];
     for (int c = 0; c < 3; ++c)
@@ -126,12 +135,27 @@ QUILLON_KERNEL inline void read_segment(Segment& segment, const cSpline3D& s, st
     normalize(tangents);
 
     using Mask = decltype(Pair{} < Pair{});
-    const Mask alone{-(index <= 0), -(index >= s.count - 2)};
+    const Mask alone{-first, -last};
     for (int c = 0; c < 3; ++c) {
         const Pair tangent = alone ? Pair{chords[c][0], chords[c][1]} : tangents[c];
         segment.ends[c] = Pair{start[c], end[c]};
         segment.handles[c] = (segment.ends[c] + tangent * lengths[0] / 3.0) * 3.0;
     }
+}
+
+// The segment that leaves point `index`. Most are neither first nor last, and so need no wrapping
+// and no choice of tangents.
+QUILLON_KERNEL inline void read_segment(Segment& segment, const cSpline3D& s, std::int32_t index) {
+    const bool first = index <= 0;
+    const bool last = index >= s.count - 2;
+    if (!first && !last) [[likely]] {
+        const cVector3D* const start = s.points + index;
+        read_segment(segment, {start[-1], start[0], start[1], start[2]}, false, false);
+        return;
+    }
+    const Reach reach{point_at(s, index - 1), point_at(s, index), point_at(s, index + 1),
+                      point_at(s, index + 2)};
+    read_segment(segment, reach, first, last);
 }
 
 // Reads a smooth path at one parameter after another; successive ones mostly share a segment.

@@ -11,6 +11,10 @@
 #include <cstddef>
 #include <cstring>
 
+#if defined(__SSE2__)
+    #include <emmintrin.h>
+#endif
+
 // GCC warns that the convention of returning a vector depends on the processor. Functions over
 // lanes are kernels, so no convention comes into it.
 #pragma GCC diagnostic ignored "-Wpsabi"
@@ -54,6 +58,13 @@ QUILLON_KERNEL inline FloatPair narrowed(const Pair& lanes) {
 QUILLON_KERNEL inline FloatQuad narrowed(const Quad& lanes) {
     return __builtin_convertvector(lanes, FloatQuad);
 }
+
+#if defined(__SSE2__)
+// One instruction, where GCC makes one for each root of the loop below.
+QUILLON_KERNEL inline Pair square_roots(const Pair& values) {
+    return _mm_sqrt_pd(values);
+}
+#endif
 
 template <typename Lanes>
 QUILLON_KERNEL inline Lanes square_roots(const Lanes& values) {
