@@ -28,105 +28,115 @@ Bytes bytes_of(std::string_view text) {
     return reinterpret_cast<Bytes>(text.data());
 }
 
-// --- Outputs -----------------------------------------------------------------------------------
-
-// After the first code other than 0, which is the result, an output takes nothing more.
-struct Outcome {
-    void fail(int failure) {
-        if (code == cson_OK)
-            code = failure;
-    }
-
-    int code = cson_OK;
-};
+// --- Output ------------------------------------------------------------------------------------
 
 std::string_view view_between(Bytes begin, Bytes end) {
     return {reinterpret_cast<const char*>(begin), reinterpret_cast<const char*>(end)};
 }
 
-// The text between two quotes goes out in pieces of one character: an escape, or a single byte.
-std::size_t piece_length(const char* at) {
-    if (*at != '\\')
-        return 1;
-    return at[1] == 'u' ? 6 : 2;
+// The length of the piece that a text without scalars begins with. An escape, an empty string, an
+// empty container and a colon with its blank are one piece, all others are single bytes.
+// `in_string` says whether the text begins, and after the piece goes on, within quotes.
+std::size_t next_piece(std::string_view text, bool& in_string) {
+    const auto next = [text](char c) { return text.size() > 1 && text[1] == c; };
+    const char first = text.front();
+    if (in_string && first == '\\')
+        return next('u') ? 6 : 2;
+    const bool is_pair =
+        !in_string && ((first == '"' && next('"')) || (first == '[' && next(']')) ||
+                       (first == '{' && next('}')) || (first == ':' && next(' ')));
+    if (first == '"' && !is_pair)
+        in_string = !in_string;
+    return is_pair ? 2 : 1;
 }
 
-template <typename Output>
-void write_pieces(Output& output, std::string_view text) {
-    while (!text.empty() && output.code == cson_OK) {
-        const std::size_t length = piece_length(text.data());
-        output.piece(text.substr(0, length));
-        text.remove_prefix(length);
-    }
-}
-
-// Both outputs take a piece, and a run of pieces of one character each. `space` is where up to
-// `count` bytes may be put directly, if anywhere, and `advance` adds them, up to `end`.
-class SinkOutput : public Outcome {
+// Takes the text in runs and passes it to a sink in pieces. Into a buffer that wouldn't grow
+// meanwhile, a run is written at once.
+//
+// After the first code other than 0, which is the result, nothing more is taken.
+class Output {
 public:
-    SinkOutput(cson_sink used_sink, void* used_state, bool joins = false)
-        : sink(used_sink), state(used_state), joins_runs(joins) {}
+    // The most that may be asked for at once: any double, with what comes before it.
+    static constexpr std::size_t LARGEST_RUN = 512;
 
-    void piece(std::string_view text) {
+    Output(cson_sink used_sink, void* used_state, bool joins = false)
+        : sink(used_sink), state(used_state), joins_pieces(joins) {}
+
+    explicit Output(cson_buffer& target);
+
+    void fail(int failure) {
         if (code == cson_OK)
+            code = failure;
+    }
+
+    // Where a run of up to `count` bytes may be put; `add` ends it.
+    unsigned char* space(std::size_t count) {
+        const bool fits = buffer != nullptr && code == cson_OK &&
+                          std::uint64_t{buffer->used} + count < buffer->capacity;
+        run = fits ? buffer->mem + buffer->used : block.data();
+        return run;
+    }
+
+    // Adds the run up to `end`, which begins within quotes or not.
+    void add(Bytes end, bool in_string = false) {
+        if (is_direct())
+            buffer->used = static_cast<std::uint32_t>(end - buffer->mem);
+        else
+            add_pieces(view_between(run, end), in_string);
+    }
+
+    // Adds the run, of which the bytes from `scalar` on are a piece.
+    void add_scalar(Bytes scalar, Bytes end) {
+        if (is_direct())
+            return add(end);
+        add(scalar);
+        add_piece(view_between(scalar, end));
+    }
+
+    int code = cson_OK;
+
+private:
+    bool is_direct() const { return run != block.data(); }
+
+    void add_piece(std::string_view text) {
+        if (code == cson_OK && !text.empty())
             code = sink(state, text.data(), static_cast<std::uint32_t>(text.size()));
     }
 
-    void run(std::string_view text) {
-        if (joins_runs && !text.empty())
-            piece(text);
-        else
-            write_pieces(*this, text);
+    void add_pieces(std::string_view text, bool in_string) {
+        while (!text.empty() && code == cson_OK) {
+            const std::size_t length = joins_pieces ? text.size() : next_piece(text, in_string);
+            add_piece(text.substr(0, length));
+            text.remove_prefix(length);
+        }
     }
 
-    static unsigned char* space(std::uint64_t) { return nullptr; }
-
-    static void advance(Bytes) {}
-
-private:
     cson_sink sink;
     void* state;
-    bool joins_runs; // the library's own sinks can't tell the difference
+    cson_buffer* buffer = nullptr; // what the sink fills, if that is a buffer
+    unsigned char* run = nullptr;
+    bool joins_pieces; // the library's own sinks can't tell the difference
+    std::array<unsigned char, LARGEST_RUN> block;
 };
 
-class BufferOutput : public Outcome {
-public:
-    explicit BufferOutput(cson_buffer& target) : buffer(target) {}
-
-    void piece(std::string_view text) {
-        const std::uint64_t needed = std::uint64_t{buffer.used} + text.size();
-        if (code == cson_OK && needed >= buffer.capacity)
-            code = grow_to(needed * 2);
-        if (code != cson_OK)
-            return;
-        copy_bytes(buffer.mem + buffer.used, text.data(), text.size());
-        buffer.used += static_cast<std::uint32_t>(text.size());
-    }
-
-    // Grows where its pieces would have made it grow.
-    void run(std::string_view text) {
-        if (space(text.size()) != nullptr)
-            piece(text);
-        else
-            write_pieces(*this, text);
-    }
-
-    unsigned char* space(std::uint64_t count) {
-        const bool fits = code == cson_OK && buffer.used + count < buffer.capacity;
-        return fits ? buffer.mem + buffer.used : nullptr;
-    }
-
-    void advance(Bytes end) { buffer.used = static_cast<std::uint32_t>(end - buffer.mem); }
-
-private:
-    int grow_to(std::uint64_t capacity) {
-        if (capacity > std::numeric_limits<std::uint32_t>::max())
+// Grows to twice what a piece needs.
+int append_to_buffer(void* state, const void* bytes, std::uint32_t count) {
+    auto& buffer = *static_cast<cson_buffer*>(state);
+    const std::uint64_t needed = std::uint64_t{buffer.used} + count;
+    if (needed >= buffer.capacity) {
+        if (needed * 2 > std::numeric_limits<std::uint32_t>::max())
             return cson_ArgError;
-        return cson_buffer_reserve_bytes(&buffer, static_cast<std::uint32_t>(capacity));
+        const int code = cson_buffer_reserve_bytes(&buffer, static_cast<std::uint32_t>(needed * 2));
+        if (code != cson_OK)
+            return code;
     }
+    copy_bytes(buffer.mem + buffer.used, bytes, count);
+    buffer.used += count;
+    return cson_OK;
+}
 
-    cson_buffer& buffer;
-};
+Output::Output(cson_buffer& target)
+    : sink(append_to_buffer), state(&target), buffer(&target), joins_pieces(false) {}
 
 // --- Strings -----------------------------------------------------------------------------------
 
@@ -157,6 +167,14 @@ std::uint64_t escaped_in(std::uint64_t bytes, bool escape_slashes) {
 unsigned char* put(unsigned char* to, std::string_view text) {
     copy_bytes(to, text.data(), text.size());
     return to + text.size();
+}
+
+// What comes before a value or key: up to two bytes, of which two can be read.
+constexpr std::string_view NOTHING("\0", 0);
+
+unsigned char* put_prefix(unsigned char* to, std::string_view prefix) {
+    std::memcpy(to, prefix.data(), 2);
+    return to + prefix.size();
 }
 
 // The character at `at`, which `escaped_in` has marked, in up to six bytes. Null for one that
@@ -191,12 +209,7 @@ std::uint64_t next_bytes(Bytes at, Bytes end) {
 }
 
 // What `put_characters` may write after its limit: eight bytes at a time, or an escape.
-constexpr std::ptrdiff_t CHARACTER_SPACE = 16;
-
-// No character takes more than three times its bytes; then come the quotes and eight bytes more.
-std::uint64_t quoted_space(std::uint64_t length) {
-    return 3 * length + CHARACTER_SPACE;
-}
+constexpr std::size_t CHARACTER_SPACE = 16;
 
 // Where the writing of a text has come to, in the output and in the text.
 struct Cursor {
@@ -229,49 +242,33 @@ Cursor put_characters(unsigned char* to, Bytes limit, Bytes at, Bytes end, bool 
     return {to, at};
 }
 
-// The whole string into `quoted_space` bytes; null where a character can't be written. The eight
-// bytes before the text's end must be readable.
-unsigned char* put_quoted(unsigned char* to, std::string_view text, bool escape_slashes) {
-    const Bytes end = bytes_of(text) + text.size();
-    Bytes limit = to + 3 * text.size() + 1;
-    *to = '"';
-    const Cursor stop = put_characters(to + 1, limit, bytes_of(text), end, escape_slashes);
-    if (stop.at != end && *stop.at != 0)
-        return nullptr;
-    *stop.to = '"';
-    return stop.to + 1;
-}
-
-// For an output without space for the whole string: block by block. A string that fails has no
-// closing quote.
-template <typename Output>
-void write_in_blocks(Output& output, std::string_view text, bool escape_slashes) {
-    std::array<unsigned char, 512> block;
-    Bytes limit = block.data() + block.size() - CHARACTER_SPACE;
-    Bytes at = bytes_of(text);
-    const Bytes end = at + text.size();
-    output.piece("\"");
-    while (output.code == cson_OK && at != end && *at != 0) {
-        const Cursor stop = put_characters(block.data(), limit, at, end, escape_slashes);
-        output.run(view_between(block.data(), stop.to));
-        if (at == stop.at)
-            output.fail(cson_RangeError);
-        at = stop.at;
-    }
-    output.piece("\"");
-}
-
-// Ends at a zero byte.
-template <typename Output>
-void write_string(Output& output, std::string_view text, bool escape_slashes) {
+// Writes the prefix and a quoted string, which ends at a zero byte. One that fails has no closing
+// quote. The eight bytes before the text's end must be readable.
+void write_string(Output& output, std::string_view prefix, std::string_view text,
+                  bool escape_slashes) {
+    // No character takes more than three times its bytes.
+    const std::size_t most = prefix.size() + 3 * text.size() + CHARACTER_SPACE + 2;
+    const std::size_t space = std::min(most, Output::LARGEST_RUN);
+    unsigned char* to = output.space(space);
+    Bytes limit = to + space - CHARACTER_SPACE - 1;
+    to = put_prefix(to, prefix);
     if (text.empty() || text.front() == 0)
-        return output.piece("\"\"");
-    unsigned char* to = output.space(quoted_space(text.size()));
-    to = to != nullptr ? put_quoted(to, text, escape_slashes) : nullptr;
-    if (to != nullptr)
-        output.advance(to);
-    else
-        write_in_blocks(output, text, escape_slashes);
+        return output.add(put(to, "\"\""));
+    Cursor cursor = {put(to, "\""), bytes_of(text)};
+    const Bytes end = cursor.at + text.size();
+    for (bool in_string = false;; in_string = true) {
+        cursor = put_characters(cursor.to, limit, cursor.at, end, escape_slashes);
+        const bool is_whole = cursor.at == end || *cursor.at == 0;
+        if (is_whole)
+            *cursor.to++ = '"';
+        output.add(cursor.to, in_string);
+        if (!is_whole && cursor.to <= limit)
+            output.fail(cson_RangeError);
+        if (is_whole || output.code != cson_OK)
+            return;
+        cursor.to = output.space(space);
+        limit = cursor.to + space - CHARACTER_SPACE - 1;
+    }
 }
 
 // --- Scalars -----------------------------------------------------------------------------------
@@ -294,45 +291,50 @@ unsigned char* put_scalar(unsigned char* to, const cson_value* value, std::strin
     }
 }
 
-template <typename Output>
-void write_scalar(Output& output, const cson_value* value, std::string_view point) {
-    std::array<unsigned char, DOUBLE_ROOM> text;
-    Bytes end = put_scalar(text.data(), value, point);
+// For a double that `put_scalar` doesn't write.
+void write_formatted(Output& output, std::string_view prefix, double number) {
+    unsigned char* to = put_prefix(output.space(prefix.size() + DOUBLE_ROOM), prefix);
+    const unsigned char* end = put_formatted(to, number);
+    output.add_scalar(to, end != nullptr ? end : to);
     if (end == nullptr)
-        end = put_formatted(text.data(), number_of<double>(value));
-    if (end != nullptr)
-        output.piece(view_between(text.data(), end));
-    else
         output.fail(cson_RangeError);
 }
 
-template <typename Output>
+void write_scalar(Output& output, std::string_view prefix, const cson_value* value,
+                  std::string_view point) {
+    unsigned char* to = put_prefix(output.space(prefix.size() + NUMBER_ROOM), prefix);
+    const unsigned char* end = put_scalar(to, value, point);
+    if (end == nullptr)
+        return write_formatted(output, prefix, number_of<double>(value));
+    output.add_scalar(to, end);
+}
+
 void write_line_break(Output& output, std::uint8_t indentation, std::uint32_t level) {
     if (indentation == 0)
         return;
-    std::array<char, 32> indent;
-    indent.fill(indentation == 1 ? '\t' : ' ');
-    output.piece("\n");
+    output.add(put(output.space(1), "\n"));
     std::uint64_t left = std::uint64_t{level} * indentation;
     while (left != 0 && output.code == cson_OK) {
-        const auto part = static_cast<std::size_t>(std::min<std::uint64_t>(left, indent.size()));
-        output.run({indent.data(), part});
+        const auto part =
+            static_cast<std::size_t>(std::min<std::uint64_t>(left, Output::LARGEST_RUN));
+        unsigned char* to = output.space(part);
+        std::memset(to, indentation == 1 ? '\t' : ' ', part);
+        output.add(to + part);
         left -= part;
     }
 }
 
 // --- Trees -------------------------------------------------------------------------------------
 
-template <typename Output>
 class TreeWriter {
 public:
     TreeWriter(Output& used_output, const cson_write_options& used_options, std::uint32_t level)
         : output(used_output), options(used_options), first_level(level) {}
 
     int write(const cson_value* value) {
-        write_value(value);
+        write_value(NOTHING, value);
         while (output.code == cson_OK && !open.empty())
-            open.top().is_array ? write_elements() : write_members();
+            write_entries();
         return output.code;
     }
 
@@ -344,36 +346,46 @@ private:
         std::uint32_t next;
         bool is_array;
         bool indent;
-        bool comma_due; // after a pair that is not the last
+        bool comma_due; // after an entry that is not the last
     };
 
     std::uint32_t level() const { return first_level + static_cast<std::uint32_t>(open.size()); }
 
-    void write_value(const cson_value* value) {
+    // Writes a scalar or string, or opens a container, after the prefix.
+    void write_value(std::string_view prefix, const cson_value* value) {
         if (value == nullptr || value->api == nullptr)
-            return output.fail(cson_ArgError);
+            return fail(prefix, cson_ArgError);
         switch (value->api->kind) {
         case cson_kind_string:
-            return write_string(output, view_of(static_cast<const cson_string*>(value->value)),
+            return write_string(output, prefix,
+                                view_of(static_cast<const cson_string*>(value->value)),
                                 options.escape_slashes);
         case cson_kind_array:
-            return begin(payload_of<cson_array>(value)->list, true);
+            return begin(prefix, payload_of<cson_array>(value)->list, true);
         case cson_kind_object:
-            return begin(payload_of<cson_object>(value)->list, false);
+            return begin(prefix, payload_of<cson_object>(value)->list, false);
         default:
-            return value->api->kind < cson_kind_string ? write_scalar(output, value, point)
-                                                       : output.fail(cson_TypeError);
+            return value->api->kind < cson_kind_string ? write_scalar(output, prefix, value, point)
+                                                       : fail(prefix, cson_TypeError);
         }
     }
 
+    void fail(std::string_view prefix, int code) {
+        output.add(put_prefix(output.space(2), prefix));
+        output.fail(code);
+    }
+
     template <typename List>
-    void begin(const List& list, bool is_array) {
+    void begin(std::string_view prefix, const List& list, bool is_array) {
         if (level() > options.max_depth)
-            return output.fail(cson_RangeError);
-        const std::string_view brackets = is_array ? "[]" : "{}";
+            return fail(prefix, cson_RangeError);
+        unsigned char* to = put_prefix(output.space(prefix.size() + 2), prefix);
+        *to++ = is_array ? '[' : '{';
         if (list.count == 0)
-            return output.piece(brackets);
-        output.piece(brackets.substr(0, 1));
+            *to++ = is_array ? ']' : '}';
+        output.add(to);
+        if (list.count == 0)
+            return;
         const bool indent =
             options.indentation != 0 && (list.count != 1 || options.indent_single_member);
         auto* entries = reinterpret_cast<void* const*>(list.items);
@@ -388,102 +400,53 @@ private:
         open.pop();
         if (ended.indent)
             break_line();
-        output.piece(ended.is_array ? "]" : "}");
+        output.add(put(output.space(1), ended.is_array ? "]" : "}"));
     }
 
-    // Both go on to the end of the container on top, or to one within, which comes first.
-    void write_elements() {
+    // Goes on to the end of the container on top, or to one within, which comes first.
+    void write_entries() {
         const std::size_t depth = open.size();
-        while (output.code == cson_OK && open.size() == depth) {
-            Frame& top = open.top();
-            if (!top.indent)
-                put_scalars(top);
-            if (top.next == top.count)
-                return end();
-            const auto* value = static_cast<const cson_value*>(top.entries[top.next]);
-            if (top.next++ != 0)
-                write_comma(top.indent);
-            write_value(value != nullptr ? value : &shared_constants.null);
-        }
-    }
-
-    // Elements as long as they are scalars and there is space.
-    void put_scalars(Frame& top) {
-        for (; top.next != top.count; ++top.next) {
-            const auto* value = static_cast<const cson_value*>(top.entries[top.next]);
-            unsigned char* to = output.space(NUMBER_ROOM + 2);
-            if (to == nullptr || value == nullptr || value->api == nullptr)
-                return;
-            prefetch(value, FETCH_DISTANCE);
-            to = put_scalar(top.next != 0 ? put(to, ", ") : to, value, point);
-            if (to == nullptr)
-                return;
-            output.advance(to);
-        }
-    }
-
-    void write_members() {
-        const std::size_t depth = open.size();
-        while (output.code == cson_OK && open.size() == depth) {
-            Frame& top = open.top();
-            if (top.next == top.count)
-                return end();
-            const auto* pair = static_cast<const cson_kvp*>(top.entries[top.next++]);
-            prefetch(pair, FETCH_DISTANCE);
-            if (pair != nullptr)
-                prefetch(pair->value, FETCH_DISTANCE);
-            const bool comma = std::exchange(top.comma_due, false);
-            const cson_string* key = key_of(pair);
-            if (key != nullptr) {
+        Frame& top = open.top();
+        while (top.next != top.count) {
+            const void* entry = top.entries[top.next++];
+            prefetch(entry, FETCH_DISTANCE);
+            const std::string_view separator = take_separator(top);
+            if (top.is_array) {
                 top.comma_due = top.next != top.count;
-                const cson_value* member =
-                    pair->value != nullptr ? pair->value : &shared_constants.null;
-                write_member(key, member, comma, top.indent);
-            } else if (comma) {
-                write_comma(top.indent);
+                write_value(separator, or_null(static_cast<const cson_value*>(entry)));
+            } else {
+                write_member(separator, static_cast<const cson_kvp*>(entry), top);
             }
+            if (output.code != cson_OK || open.size() != depth)
+                return;
         }
+        end();
     }
 
-    void write_member(const cson_string* key, const cson_value* member, bool comma, bool indent) {
-        if (!indent && put_member(key, member, comma))
-            return;
-        if (comma)
-            write_comma(indent);
-        write_string(output, view_of(key), options.escape_slashes);
-        output.piece(options.space_after_colon ? ": " : ":");
-        write_value(member);
+    // A pair without a key writes neither itself nor a comma.
+    void write_member(std::string_view separator, const cson_kvp* pair, Frame& top) {
+        const cson_string* key = key_of(pair);
+        if (key == nullptr)
+            return output.add(put_prefix(output.space(2), separator));
+        prefetch(pair->value, FETCH_DISTANCE);
+        top.comma_due = top.next != top.count;
+        write_string(output, separator, view_of(key), options.escape_slashes);
+        write_value(options.space_after_colon ? ": " : ":", or_null(pair->value));
     }
 
-    // Comma, key, colon and member at once; false, with nothing written, without the space or for
-    // what has to go piece by piece.
-    bool put_member(const cson_string* key, const cson_value* member, bool comma) {
-        const std::uint64_t text_length =
-            has_kind(member, cson_kind_string)
-                ? static_cast<const cson_string*>(member->value)->length
-                : 0;
-        unsigned char* to =
-            output.space(quoted_space(key->length) + quoted_space(text_length) + NUMBER_ROOM);
-        if (to == nullptr || member->api == nullptr)
-            return false;
-        to = put_quoted(comma ? put(to, ", ") : to, view_of(key), options.escape_slashes);
-        if (to == nullptr)
-            return false;
-        to = put(to, options.space_after_colon ? ": " : ":");
-        to = member->api->kind == cson_kind_string
-                 ? put_quoted(to, view_of(static_cast<const cson_string*>(member->value)),
-                              options.escape_slashes)
-                 : put_scalar(to, member, point);
-        if (to != nullptr)
-            output.advance(to);
-        return to != nullptr;
+    static const cson_value* or_null(const cson_value* value) {
+        return value != nullptr ? value : &shared_constants.null;
     }
 
-    void write_comma(bool indent) {
-        if (!indent)
-            return output.run(", ");
-        output.piece(",");
+    // What comes before an entry; a line break has been written.
+    std::string_view take_separator(Frame& top) {
+        if (!std::exchange(top.comma_due, false))
+            return NOTHING;
+        if (!top.indent)
+            return ", ";
+        output.add(put(output.space(1), ","));
         break_line();
+        return NOTHING;
     }
 
     void break_line() { write_line_break(output, options.indentation, level()); }
@@ -495,13 +458,12 @@ private:
     Stack<Frame> open;
 };
 
-template <typename Output>
 int write_tree(Output& output, const cson_value* value, const cson_write_options* options) {
     const cson_write_options defaults;
     const cson_write_options& used = options != nullptr ? *options : defaults;
-    TreeWriter<Output>(output, used, 0).write(value);
+    TreeWriter(output, used, 0).write(value);
     if (used.add_newline)
-        output.piece("\n");
+        output.add(put(output.space(1), "\n"));
     return output.code;
 }
 
@@ -511,8 +473,8 @@ int write_container(const cson_value* value, std::uint32_t kind, cson_sink sink,
         return cson_ArgError;
     if (!has_kind(value, kind))
         return cson_TypeError;
-    SinkOutput output(sink, state);
-    return TreeWriter<SinkOutput>(output, *options, level).write(value);
+    Output output(sink, state);
+    return TreeWriter(output, *options, level).write(value);
 }
 
 int write_to_stream(void* state, const void* bytes, std::uint32_t count) {
@@ -528,7 +490,7 @@ int cson_write(const cson_value* value, cson_sink sink, void* state,
                const cson_write_options* options) {
     if (sink == nullptr)
         return cson_ArgError;
-    SinkOutput output(sink, state);
+    Output output(sink, state);
     return write_tree(output, value, options);
 }
 
@@ -538,7 +500,7 @@ int cson_write_stream(const cson_value* value, std::FILE* stream,
         return cson_ArgError;
     cson_write_options with_newline;
     with_newline.add_newline = true;
-    SinkOutput output(write_to_stream, stream, true);
+    Output output(write_to_stream, stream, true);
     const int code = write_tree(output, value, options != nullptr ? options : &with_newline);
     if (code != cson_OK)
         return code;
@@ -560,7 +522,7 @@ int cson_write_buffer(const cson_value* value, cson_buffer* buffer,
                       const cson_write_options* options) {
     if (buffer == nullptr)
         return cson_ArgError;
-    BufferOutput output(*buffer);
+    Output output(*buffer);
     int code = write_tree(output, value, options);
     if (code == cson_OK)
         code = cson_buffer_reserve_bytes(buffer, buffer->used + 1);
@@ -579,8 +541,8 @@ int cson_write_text(const char* text, std::uint32_t length, bool escape_slashes,
     std::array<char, 16> padded = {};
     if (length != 0 && length < 8)
         text = static_cast<const char*>(std::memcpy(padded.data() + 8, text, length));
-    SinkOutput output(sink, state);
-    write_string(output, {text, length}, escape_slashes);
+    Output output(sink, state);
+    write_string(output, NOTHING, {text, length}, escape_slashes);
     return output.code;
 }
 
@@ -597,7 +559,7 @@ int cson_write_object(const cson_value* value, cson_sink sink, void* state,
 int cson_write_break(cson_sink sink, void* state, std::uint8_t indentation, std::uint32_t level) {
     if (sink == nullptr)
         return cson_ArgError;
-    SinkOutput output(sink, state);
+    Output output(sink, state);
     write_line_break(output, indentation, level);
     return output.code;
 }
