@@ -2,6 +2,7 @@
 # What every target of this tree is compiled with; nothing here depends on a preset.
 
 include(CheckCXXCompilerFlag)
+include(CheckCXXSourceCompiles)
 include(CheckIPOSupported)
 
 set(CMAKE_CXX_STANDARD 20)
@@ -13,6 +14,7 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 
 check_cxx_compiler_flag(-fno-gnu-unique QUILLON_HAS_NO_GNU_UNIQUE)
+check_cxx_source_compiles("#ifdef __i386__\nint main() {}\n#endif" QUILLON_FOR_I386)
 check_ipo_supported(RESULT QUILLON_HAS_IPO OUTPUT quillon_ipo_output LANGUAGES CXX)
 
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion
@@ -42,10 +44,15 @@ endif()
 # users of a library (PUBLIC), since they compile the arithmetic in its headers.
 # A square root that may set errno, or a comparison that may trap, is not vectorised; giving that up
 # changes no result.
+# The 32-bit x86's own unit for floats keeps 80 bits between operations and so rounds otherwise; SSE2 rounds
+# as every other processor does (PUBLIC for the same reason as contraction).
 function(quillon_compile_flags target scope)
     target_compile_options(${target}
         ${scope} -ffp-contract=off
         PRIVATE -fno-math-errno -fno-trapping-math)
+    if(QUILLON_FOR_I386)
+        target_compile_options(${target} ${scope} -msse2 -mfpmath=sse)
+    endif()
     if(QUILLON_HAS_NO_GNU_UNIQUE)
         target_compile_options(${target} PRIVATE -fno-gnu-unique)
     endif()
