@@ -44,14 +44,12 @@ endif()
 # users of a library (PUBLIC), since they compile the arithmetic in its headers.
 # A square root that may set errno, or a comparison that may trap, is not vectorised; giving that up
 # changes no result.
-# The 32-bit x86's own unit for floats keeps 80 bits between operations and so rounds otherwise; SSE2 rounds
-# as every other processor does (PUBLIC for the same reason as contraction).
 function(quillon_compile_flags target scope)
     target_compile_options(${target}
         ${scope} -ffp-contract=off
         PRIVATE -fno-math-errno -fno-trapping-math)
     if(QUILLON_FOR_I386)
-        target_compile_options(${target} ${scope} -msse2 -mfpmath=sse)
+        target_compile_definitions(${target} PRIVATE _FILE_OFFSET_BITS=64) # files of 2 GiB and more
     endif()
     if(QUILLON_HAS_NO_GNU_UNIQUE)
         target_compile_options(${target} PRIVATE -fno-gnu-unique)

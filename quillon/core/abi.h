@@ -12,6 +12,10 @@
     #error "quillon needs C++20: compile with -std=c++20 or later"
 #endif
 
+#if defined(__i386__) && !defined(__SSE2_MATH__)
+    #error "quillon: floats rounded by the x87 unit differ; compile with -msse2 -mfpmath=sse"
+#endif
+
 #include <cstddef>
 #include <string>
 #include <string_view>

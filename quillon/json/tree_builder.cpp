@@ -29,7 +29,8 @@ std::uint64_t sample_of(const char* text, std::uint32_t length) {
 template <std::size_t count>
 std::size_t slot_of(const char* text, std::uint32_t length) {
     constexpr std::uint64_t golden_ratio = 0x9E3779B97F4A7C15; // of 2^64
-    return (sample_of(text, length) + length) * golden_ratio >> (65 - std::bit_width(count));
+    const std::uint64_t product = (sample_of(text, length) + length) * golden_ratio;
+    return static_cast<std::size_t>(product >> (65 - std::bit_width(count)));
 }
 
 bool has_text(const cson_value* string, const char* text, std::uint32_t length) {

@@ -22,7 +22,10 @@ using simd::square_roots;
 namespace quillon {
 namespace {
 
-constexpr std::int32_t MOST_POINTS = std::numeric_limits<std::int32_t>::max();
+// As many as counts and addresses can tell apart.
+constexpr auto MOST_POINTS = static_cast<std::int32_t>(std::min<std::ptrdiff_t>(
+    std::numeric_limits<std::int32_t>::max(),
+    std::numeric_limits<std::ptrdiff_t>::max() / std::ptrdiff_t{sizeof(cVector3D)}));
 
 // Frees the array and owns `fresh`, which the caller allocates first, so that a failed allocation
 // leaves the spline unchanged.

@@ -63,8 +63,8 @@ TEST_F(Files, TextThatCannotBeReadIsRefusedWithOneLine) {
     write("huge", "x");
     std::error_code failed;
     fs::resize_file("huge", std::uintmax_t{1} << 43, failed);
-    if (failed)
-        GTEST_SKIP() << "the file system has no sparse files of this size";
+    if (failed || sizeof(long) < 8)
+        GTEST_SKIP() << "the file system, or a long, has no files of this size";
     testing::internal::CaptureStderr();
     EXPECT_EQ(std::nullopt, string_from("huge"));
     EXPECT_THAT(testing::internal::GetCapturedStderr(),
