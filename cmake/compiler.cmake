@@ -15,6 +15,33 @@ set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 
 check_cxx_compiler_flag(-fno-gnu-unique QUILLON_HAS_NO_GNU_UNIQUE)
 check_cxx_source_compiles("#ifdef __i386__\nint main() {}\n#endif" QUILLON_FOR_I386)
+
+# Refused here, not in the middle of a build.
+check_cxx_source_compiles("#include <cstdlib>
+#if defined(__GLIBC__) || defined(_WIN32)
+int main() {}
+#endif" QUILLON_HAS_PLATFORM)
+if(NOT QUILLON_HAS_PLATFORM)
+    message(FATAL_ERROR "quillon runs on Linux with glibc and on Windows with mingw-w64. On musl, macOS and "
+        "others the loader does not say which file a function is from.")
+endif()
+check_cxx_source_compiles("#include <algorithm>
+#include <charconv>
+#include <memory>
+#include <vector>
+int main(int count, char** words) {
+    double number = 0;
+    std::from_chars(words[0], words[0] + 1, number);
+    std::vector<int> list(count);
+    std::ranges::sort(list);
+    return std::make_unique_for_overwrite<int[]>(count) == nullptr;
+}" QUILLON_HAS_STANDARD_LIBRARY)
+if(NOT QUILLON_HAS_STANDARD_LIBRARY)
+    message(FATAL_ERROR "quillon needs a standard library with std::ranges, std::make_unique_for_overwrite and "
+        "std::from_chars for double: libstdc++ 11 or libc++ 20. What the compiler said is in "
+        "${CMAKE_BINARY_DIR}/CMakeFiles/CMakeError.log")
+endif()
+
 check_ipo_supported(RESULT QUILLON_HAS_IPO OUTPUT quillon_ipo_output LANGUAGES CXX)
 
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion

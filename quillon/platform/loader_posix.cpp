@@ -15,10 +15,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#ifdef __GLIBC_PREREQ
-    #if __GLIBC_PREREQ(2, 35)
-        #define HAS_FIND_OBJECT
-    #endif
+#ifndef __GLIBC__
+    #error "quillon: only glibc says which file a function is from (dladdr1)"
+#elif __GLIBC_PREREQ(2, 35)
+    #define HAS_FIND_OBJECT
 #endif
 
 namespace quillon::platform {
