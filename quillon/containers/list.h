@@ -92,7 +92,7 @@ public:
     }
 
 protected:
-    std::vector<T*> items;
+    std::vector<T*> items;  // in order
     std::size_t cursor = 0; // the position after the last element
 
 private:

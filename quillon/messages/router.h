@@ -24,7 +24,7 @@ namespace quillon {
 // only the operations change them.
 class cMessageRouter {
 public:
-    using Entry = DelayQueue::Entry;
+    using Entry = DelayQueue::Entry; // a message that waits, and its delay
 
     // The queue and the observers of one type, or of anything.
     struct Mailbox {
