@@ -4,14 +4,13 @@
 #include "quillon/appearance/gradient.h"
 #include "quillon/appearance/material_names.h"
 #include "tests/appearance/expect_color.h"
+#include "tests/flat_form.h"
 
 #include <algorithm>
-#include <fstream>
-#include <sstream>
-#include <vector>
+#include <string>
+#include <string_view>
 
 using quillon::cColor;
-using quillon::cMaterial;
 
 namespace {
 
@@ -38,44 +37,12 @@ TEST(Named, OtherNamesFindNothing) {
     }
 }
 
-// Calls check(name, numbers) for every row of a published table; an entry is a decimal or n/255.
-template <typename Check>
-int for_each_row(const char* file, Check check) {
-    std::ifstream table(std::string(TABLE_FOLDER) + file);
-    int rows = 0;
-    for (std::string line; std::getline(table, line);) {
-        if (line.starts_with('#'))
-            continue;
-        std::istringstream words(line);
-        std::string name;
-        words >> name;
-        std::vector<float> numbers;
-        for (std::string word; words >> word;)
-            numbers.push_back(
-                static_cast<float>(std::stod(word) / (word.ends_with("/255") ? 255 : 1)));
-        SCOPED_TRACE(name);
-        check(name, numbers);
-        ++rows;
-    }
-    return rows;
-}
-
-TEST(Named, ColorsAreThePublishedOnes) {
-    EXPECT_EQ(53, for_each_row("colors.txt", [](const std::string& name, const auto& n) {
-                  expect_color(*__nsColor_color_table(lower_case(name)),
-                               {n.at(0), n.at(1), n.at(2), n.at(3)});
-              }));
-}
-
-TEST(Named, MaterialsAreThePublishedOnes) {
-    EXPECT_EQ(27, for_each_row("materials.txt", [](const std::string& name, const auto& n) {
-                  const cMaterial& material = *__nsMaterial_material_table(lower_case(name));
-                  expect_color(material.ambient, {n.at(0), n.at(1), n.at(2), n.at(9)});
-                  expect_color(material.diffuse, {n.at(3), n.at(4), n.at(5), n.at(9)});
-                  expect_color(material.specular, {n.at(6), n.at(7), n.at(8), n.at(9)});
-                  expect_color(material.emission, {0, 0, 0, n.at(9)});
-                  EXPECT_EQ(n.at(10), material.shininess);
-              }));
+TEST(Named, AreFoundInLowerCase) {
+    for (const auto& [name, color] : quillon::NAMED_COLORS)
+        expect_color(*__nsColor_color_table(lower_case(name)), color);
+    for (const auto& [name, material] : quillon::NAMED_MATERIALS)
+        EXPECT_EQ(flat_form_of(material),
+                  flat_form_of(*__nsMaterial_material_table(lower_case(name))));
 }
 
 TEST(Named, GradientsFollowTheirFormulas) {

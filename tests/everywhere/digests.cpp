@@ -2,6 +2,9 @@
 // digests: prints a digest of the results of each part of the library over fixed random input,
 // equal in every build for every system. The tables are the exact ones.
 
+#include "quillon/appearance/color_names.h"
+#include "quillon/appearance/material_names.h"
+#include "quillon/input/names.h"
 #include "quillon/json/parser.h"
 #include "quillon/json/writer.h"
 #include "quillon/quillon.h"
@@ -11,6 +14,7 @@
 #include <cstring>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 using namespace quillon;
@@ -79,6 +83,8 @@ public:
         (add_bytes(&numbers, sizeof numbers), ...);
     }
 
+    void add_text(std::string_view text) { add_bytes(text.data(), text.size()); }
+
     void add(const cVector3D& v) { add(v.x, v.y, v.z); }
 
     void add(const cQuaternion& q) { add(q.x, q.y, q.z, q.w); }
@@ -91,6 +97,42 @@ private:
     const char* name;
     std::uint64_t value = 0xCBF29CE484222325;
 };
+
+// The names of the interface, with what each stands for.
+void names(Source&) {
+    Digest digest("names");
+    for (const auto& [name, color] : NAMED_COLORS) {
+        digest.add_text(name);
+        digest.add(color);
+    }
+    for (const auto& [name, material] : NAMED_MATERIALS) {
+        digest.add_text(name);
+        for (const cColor& color :
+             {material.ambient, material.diffuse, material.specular, material.emission})
+            digest.add(color);
+        digest.add(material.shininess);
+    }
+    const auto add_all = [&](const auto& table) {
+        for (const char* name : table)
+            digest.add_text(name);
+    };
+    add_all(digital_input_names);
+    add_all(analog_input_names);
+    add_all(pad_input_names);
+    add_all(pad_axis_names);
+    add_all(input_logic_names);
+}
+
+// Every entry of the trigonometry tables: those that were compared with MPFR.
+void entries(Source&) {
+    Digest digest("entries");
+    for (int i = 0; i < 72000; ++i)
+        digest.add(cosTD(i / 200.0), sinTD(i / 200.0), tanTD(i / 200.0));
+    for (int i = 0; i <= 20000; ++i)
+        digest.add(acosT((i + 0.5) / 10000.0 - 1.0), asinT((i + 0.5) / 10000.0 - 1.0));
+    for (int i = 0; i <= 1000000; ++i)
+        digest.add(atanT((i + 0.5) / 50000.0), atanT(-(i + 0.5) / 50000.0));
+}
 
 void tables(Source& source) {
     Digest digest("tables");
@@ -282,8 +324,8 @@ void documents(Source& source) {
 
 int main() {
     __mPhysics_open();
-    for (const auto part :
-         {tables, rotations, splines, colors, bitmaps, caches, messages, documents}) {
+    for (const auto part : {names, entries, tables, rotations, splines, colors, bitmaps, caches,
+                            messages, documents}) {
         Source source;
         part(source);
     }

@@ -2,6 +2,7 @@
 #include "quillon/core/modules.h"
 #include "quillon/input/analog.h"
 #include "quillon/input/digital.h"
+#include "quillon/input/names.h"
 
 #include <gmock/gmock.h>
 
@@ -263,6 +264,14 @@ TEST_F(InputAnalog, UnsetAsksNothing) {
     EXPECT_EQ(0, unset.query());
     EXPECT_FALSE(unset.query_up() || unset.query_down() || unset.query_center());
     EXPECT_TRUE(asked.empty());
+}
+
+TEST(InputNames, FindTheirOwnCodes) {
+    for (int code = 0; code < quillon::DIGITAL_CODES; ++code)
+        EXPECT_EQ(code, quillon::digital_code(quillon::digital_input_names[code]));
+    for (int code = 0; code < quillon::ANALOG_CODES; ++code)
+        EXPECT_EQ(code, quillon::analog_code(quillon::analog_input_names[code]));
+    EXPECT_EQ(quillon::NO_INPUT, quillon::digital_code("a"));
 }
 
 } // namespace

@@ -1,44 +1,34 @@
 // SPDX-License-Identifier: MIT
-#include "quillon/math/trigonometry.h"
+#include "table_entries.h"
 
-#include <gtest/gtest.h>
+#include <mpfr.h>
 
-#include <bit>
-#include <cstdint>
+using namespace quillon;
 
 namespace {
 
-// FNV-1a over 64-bit words.
-class Digest {
-public:
-    void add(double value) { sum = (sum ^ std::bit_cast<std::uint64_t>(value)) * 0x100000001b3; }
+// The correctly rounded value of a function. The argument keeps 53 bits, the result as many as
+// `precision` says: 53 for an entry of a table of doubles, 24 for one of floats.
+std::function<double(double)> rounded(int (*function)(mpfr_t, const mpfr_t, mpfr_rnd_t),
+                                      mpfr_prec_t precision) {
+    return [=](double x) {
+        mpfr_t argument;
+        mpfr_t result;
+        mpfr_init2(argument, 53);
+        mpfr_init2(result, precision);
+        mpfr_set_d(argument, x, MPFR_RNDN);
+        function(result, argument, MPFR_RNDN);
+        const double value = mpfr_get_d(result, MPFR_RNDN);
+        mpfr_clears(argument, result, static_cast<mpfr_ptr>(nullptr));
+        return value;
+    };
+}
 
-    std::uint64_t value() const { return sum; }
+using ExactTables = FilledTables;
 
-private:
-    std::uint64_t sum = 0xcbf29ce484222325;
-};
-
-// Where there is no MPFR, on a foreign processor or system, this shows that the entries are those
-// which were compared with it.
-TEST(ExactTables, EveryEntryIsTheSameEverywhere) {
-    __init_trig_tables();
-    Digest digest;
-    for (std::int32_t i = 0; i < 72000; ++i) {
-        digest.add(cosTD(i / 200.0));
-        digest.add(sinTD(i / 200.0));
-        digest.add(tanTD(i / 200.0));
-    }
-    for (std::int32_t i = 0; i <= 20000; ++i) {
-        digest.add(acosT((i + 0.5) / 10000.0 - 1.0));
-        digest.add(asinT((i + 0.5) / 10000.0 - 1.0));
-    }
-    for (std::int32_t i = 0; i <= 1000000; ++i) {
-        digest.add(atanT((i + 0.5) / 50000.0));
-        digest.add(atanT(-(i + 0.5) / 50000.0));
-    }
-    EXPECT_EQ(0xeb34d6e2b631f6dbU, digest.value());
-    __clear_trig_tables();
+TEST_F(ExactTables, EveryEntryIsRoundedCorrectly) {
+    expect_entries_of({rounded(mpfr_cos, 53), rounded(mpfr_sin, 53), rounded(mpfr_tan, 53),
+                       rounded(mpfr_acos, 24), rounded(mpfr_asin, 24), rounded(mpfr_atan, 24)});
 }
 
 } // namespace

@@ -1,130 +1,206 @@
 // SPDX-License-Identifier: MIT
-// The router's rules followed word by word, and the script that drives the router and this model.
-// Observers and messages are numbers.
+// The router's rules followed word by word, under the names of its operations, and the script that
+// drives the router and this model.
 #pragma once
 
+#include "quillon/messages/router.h"
+
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstdint>
-#include <functional>
 #include <limits>
 #include <map>
 #include <memory>
 #include <random>
+#include <set>
 #include <utility>
 #include <vector>
 
-using Queue = std::vector<std::pair<int, float>>; // messages, and the delay that each has left
-
 class Model {
 public:
-    std::function<void(int observer, int message)> receive;
-    std::function<void(int message)> destroyed;
+    // The holders that wait, and the delay that each has left; read as the router's queue is.
+    struct Waiting : std::vector<std::pair<std::shared_ptr<quillon::cMessageStable>, float>> {
+        std::uint32_t count() const { return static_cast<std::uint32_t>(size()); }
 
-    // What still waits is not destroyed by the router either.
-    ~Model() { destroyed = nullptr; }
+        const value_type* get(std::uint32_t position) const { return &at(position); }
+    };
 
-    bool add(int observer, std::uint32_t type) { return add_to(boxes[type], observer); }
+    struct Mailbox {
+        Waiting queue;
+        std::vector<quillon::cMessageObserver*> observers;
+    };
 
-    bool add_to_anything(int observer) { return add_to(anything, observer); }
+    // Found as the router finds its own.
+    struct Mailboxes : std::map<std::uint32_t, Mailbox> {
+        Mailbox* find(std::uint32_t type) { return contains(type) ? &at(type) : nullptr; }
+    };
 
-    bool remove(int observer, std::uint32_t type) {
-        return boxes.contains(type) && std::erase(boxes[type].observers, observer) > 0;
+    bool register_for_message(quillon::cMessageObserver* observer, std::uint32_t type) {
+        return add_to(mailboxes[type], observer);
     }
 
-    int remove_all(int observer) {
-        return static_cast<int>(std::count_if(boxes.begin(), boxes.end(), [&](auto& entry) {
+    bool register_for_anything(quillon::cMessageObserver* observer) {
+        return add_to(anything, observer);
+    }
+
+    bool unregister_for_message(quillon::cMessageObserver* observer, std::uint32_t type) {
+        Mailbox* const box = mailboxes.find(type);
+        return box != nullptr && std::erase(box->observers, observer) > 0;
+    }
+
+    int unregister_all(quillon::cMessageObserver* observer) {
+        return static_cast<int>(std::ranges::count_if(mailboxes, [=](auto& entry) {
             return std::erase(entry.second.observers, observer) > 0;
         }));
     }
 
-    int post(std::uint32_t type, int message) {
-        const std::size_t result = boxes.contains(type) ? deliver(boxes[type], message) : 0;
+    int post_message(quillon::cMessage* message) {
+        const Mailbox* const box = mailboxes.find(message->messageType);
+        const std::size_t result = box != nullptr ? deliver(*box, message) : 0;
         deliver(anything, message);
         return static_cast<int>(result);
     }
 
-    int post_delayed(std::uint32_t type, int message, float delay) {
-        const std::shared_ptr<int> holder(new int(message), [this](int* number) {
-            if (destroyed)
-                destroyed(*number);
-            delete number;
-        });
-        boxes[type].queue.push_back({holder, delay});
-        anything.queue.push_back({holder, delay});
-        return static_cast<int>(boxes[type].observers.size());
+    int post_message_delayed(quillon::cMessageStable* posted, float delay) {
+        const std::shared_ptr<quillon::cMessageStable> holder(posted);
+        Mailbox& box = mailboxes[posted->message()->messageType];
+        box.queue.emplace_back(holder, delay);
+        anything.queue.emplace_back(holder, delay);
+        return static_cast<int>(box.observers.size());
     }
 
     void update(float passed) {
         if (std::exchange(updating, true))
             return;
         work_through(anything, passed);
-        for (auto& [type, box] : boxes)
+        for (auto& [type, box] : mailboxes)
             work_through(box, passed);
         updating = false;
     }
 
-    Queue queue(std::uint32_t type) { return boxes.contains(type) ? of(boxes[type]) : Queue(); }
-
-    Queue queue_of_anything() { return of(anything); }
+    Mailboxes mailboxes;
+    Mailbox anything;
 
 private:
-    struct Entry {
-        std::shared_ptr<int> holder;
-        float left;
-    };
-
-    struct Box {
-        std::vector<Entry> queue;
-        std::vector<int> observers;
-    };
-
-    static Queue of(const Box& box) {
-        Queue entries;
-        for (const Entry& entry : box.queue)
-            entries.emplace_back(*entry.holder, entry.left);
-        return entries;
-    }
-
-    static bool add_to(Box& box, int observer) {
-        const bool is_new = std::count(box.observers.begin(), box.observers.end(), observer) == 0;
+    static bool add_to(Mailbox& box, quillon::cMessageObserver* observer) {
+        const bool is_new = std::ranges::count(box.observers, observer) == 0;
         if (is_new)
             box.observers.push_back(observer);
         return is_new;
     }
 
-    std::size_t deliver(const Box& box, int message) const {
+    static std::size_t deliver(const Mailbox& box, quillon::cMessage* message) {
         for (std::size_t i = 0; i < box.observers.size(); ++i)
-            receive(box.observers[i], message);
+            box.observers[i]->receive_message(message);
         return box.observers.size();
     }
 
-    void work_through(Box& box, float passed) const {
-        for (std::size_t position = 0; position < box.queue.size();) {
-            Entry& entry = box.queue[position];
-            if (passed < entry.left) {
-                entry.left -= passed;
+    static void work_through(Mailbox& box, float passed) {
+        for (std::uint32_t position = 0; position < box.queue.count();) {
+            auto& [holder, left] = box.queue[position];
+            if (passed < left) {
+                left -= passed;
                 ++position;
                 continue;
             }
-            deliver(box, *entry.holder);
-            box.queue.erase(box.queue.begin() + static_cast<std::ptrdiff_t>(position));
+            deliver(box, holder->message());
+            box.queue.erase(box.queue.begin() + position);
         }
     }
 
-    std::map<std::uint32_t, Box> boxes;
-    Box anything;
     bool updating = false;
 };
 
-// Drives a bus at random; two buses that behave alike make the same script say the same.
-template <typename Bus>
-class Script {
+using Queue = std::vector<std::pair<int, float>>; // messages, and the delay that each has left
+
+// Observers and messages that are numbers, and the log of what happens to them: "observer, message"
+// for a delivery, "-message" for an end.
+class Stage {
 public:
-    Script(Bus& driven, std::uint32_t seed) : bus(driven), draw(seed) {
-        bus.receive = [this](int observer, int message) { react(observer, message); };
-        bus.destroyed = [this](int message) { log.push_back(-message); };
+    Stage() = default;
+    Stage(const Stage&) = delete;
+    Stage& operator=(const Stage&) = delete;
+
+    virtual ~Stage() {
+        while (!waiting.empty())
+            delete *waiting.begin();
     }
+
+    quillon::cMessageObserver* observer(int number) { return &audience[number]; }
+
+    quillon::cMessageStable* make_holder(std::uint32_t type, int message) {
+        return new Holder(*this, {type, message});
+    }
+
+    template <typename Bus>
+    static int post(Bus& bus, std::uint32_t type, int message) {
+        Numbered numbered{type, message};
+        return bus.post_message(reinterpret_cast<quillon::cMessage*>(&numbered));
+    }
+
+    template <typename Mailbox>
+    static Queue queue_of(const Mailbox* box) {
+        Queue entries;
+        for (std::uint32_t i = 0; box != nullptr && i < box->queue.count(); ++i)
+            entries.emplace_back(number_of(box->queue.get(i)->first->message()),
+                                 box->queue.get(i)->second);
+        return entries;
+    }
+
+    std::vector<int> log;
+
+protected:
+    // What an observer does, after its delivery is in the log.
+    virtual void react(int observer, int message) = 0;
+
+    // The holders that nobody has destroyed yet.
+    std::set<quillon::cMessageStable*> waiting;
+
+private:
+    struct Numbered {
+        std::uint32_t messageType;
+        int number;
+    };
+
+    struct Holder final : quillon::cMessageHolder<Numbered> {
+        Holder(Stage& owner, Numbered numbered) : cMessageHolder(numbered), stage(owner) {
+            stage.waiting.insert(this);
+        }
+
+        ~Holder() override {
+            stage.waiting.erase(this);
+            stage.log.push_back(-get().number);
+        }
+
+        Stage& stage;
+    };
+
+    struct Observer final : quillon::cMessageObserver {
+        Observer(Stage& owner, int own_number) : stage(owner), number(own_number) {}
+
+        void receive_message(quillon::cMessage* message) override {
+            stage.log.insert(stage.log.end(), {number, number_of(message)});
+            stage.react(number, number_of(message));
+        }
+
+        Stage& stage;
+        int number;
+    };
+
+    static int number_of(quillon::cMessage* message) {
+        return reinterpret_cast<Numbered*>(message)->number;
+    }
+
+    std::array<Observer, 6> audience{
+        {{*this, 0}, {*this, 1}, {*this, 2}, {*this, 3}, {*this, 4}, {*this, 5}}};
+};
+
+// Drives a bus at random; two buses that behave alike make the same script log the same.
+template <typename Bus>
+class Script : public Stage {
+public:
+    explicit Script(std::uint32_t seed) : draw(seed) {}
 
     // One operation, with all that observers do in turn; what happened is in `log`.
     void step() {
@@ -132,8 +208,6 @@ public:
         reactions = 0;
         operate();
     }
-
-    std::vector<int> log;
 
 private:
     static constexpr std::uint32_t TYPES[] = {0, 1, 7, 0x80000000, 0xFFFFFFFF};
@@ -149,39 +223,35 @@ private:
         return choices[draw() % count];
     }
 
-    void react(int observer, int message) {
-        log.insert(log.end(), {observer, message});
-        note(draw() % 2 == 0 ? bus.queue_of_anything() : bus.queue(one_of(TYPES)));
+    void react(int, int) override {
+        const auto* const box = draw() % 2 == 0 ? &bus.anything : bus.mailboxes.find(one_of(TYPES));
+        for (const auto& [message, left] : queue_of(box))
+            log.insert(log.end(), {message, std::bit_cast<int>(left)});
         if (draw() % 8 < 3 && ++reactions < 30)
             operate();
     }
 
-    void note(const Queue& queue) {
-        for (const auto& [message, left] : queue)
-            log.insert(log.end(), {message, std::bit_cast<int>(left)});
-    }
-
     void operate() {
-        const int observer = static_cast<int>(draw() % 6);
+        auto* const someone = observer(static_cast<int>(draw() % 6));
         const std::uint32_t type = one_of(TYPES);
         const auto kind = draw() % 100;
         if (kind < 20)
-            log.push_back(bus.add(observer, type) ? 1 : 0);
+            log.push_back(bus.register_for_message(someone, type) ? 1 : 0);
         else if (kind < 21)
-            log.push_back(bus.add_to_anything(observer) ? 1 : 0);
+            log.push_back(bus.register_for_anything(someone) ? 1 : 0);
         else if (kind < 35)
-            log.push_back(bus.remove(observer, type) ? 1 : 0);
+            log.push_back(bus.unregister_for_message(someone, type) ? 1 : 0);
         else if (kind < 38)
-            log.push_back(bus.remove_all(observer));
+            log.push_back(bus.unregister_all(someone));
         else if (kind < 60)
-            log.push_back(bus.post(type, ++messages));
+            log.push_back(post(bus, type, ++messages));
         else if (kind < 80)
-            log.push_back(bus.post_delayed(type, ++messages, one_of(DELAYS)));
+            log.push_back(bus.post_message_delayed(make_holder(type, ++messages), one_of(DELAYS)));
         else
             bus.update(one_of(TIMES));
     }
 
-    Bus& bus;
+    Bus bus;
     std::mt19937 draw;
     int messages = 1000;
     int reactions = 0;

@@ -62,28 +62,6 @@ struct OwnEntries {
 
 } // namespace
 
-TEST(Contracts, EveryOperationOfThePluginsIsFilled) {
-    const struct {
-        const char* file;
-        const char* entry_point;
-        std::vector<std::size_t> past; // ends of the filled runs and of the gaps between them
-        std::size_t count;
-    } cases[] = {
-        {GRAPHICS_FILE, "connect_graphics_interface", {28}, 97},
-        {IMAGE_FILE, "connect_graphics_interface", {2, 15, 17}, 97},
-    };
-
-    for (const auto& row : cases) {
-        Connected connected(row.file, row.entry_point);
-        std::size_t run = 0;
-        for (std::size_t entry = 0; entry < row.count; ++entry) {
-            run += run < row.past.size() && entry == row.past[run] ? 1 : 0;
-            EXPECT_EQ(run % 2 == 0 && run < row.past.size(), connected.data()[entry] != nullptr)
-                << row.file << " entry " << entry;
-        }
-    }
-}
-
 TEST(Contracts, ATableIsTypedOnlyUnderItsOwnContract) {
     Connected graphics(GRAPHICS_FILE, "connect_graphics_interface");
     Connected image(IMAGE_FILE, "connect_graphics_interface");
