@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 #include "quillon/appearance/color_names.h"
-#include "quillon/appearance/gradient.h"
 #include "quillon/appearance/light.h"
 #include "quillon/appearance/material_names.h"
 #include "tests/appearance/expect_color.h"
@@ -28,8 +27,6 @@ constexpr bool are_in_order(auto... offsets) {
     return std::ranges::is_sorted(std::array{sizeof(void*), offsets...});
 }
 
-static_assert(are_in_order(offsetof(cColor, r), offsetof(cColor, g), offsetof(cColor, b),
-                           offsetof(cColor, a)));
 static_assert(are_in_order(offsetof(cLight, diffuse), offsetof(cLight, specular),
                            offsetof(cLight, ambient), offsetof(cLight, position),
                            offsetof(cLight, direction), offsetof(cLight, spot_cutoff),
@@ -37,11 +34,6 @@ static_assert(are_in_order(offsetof(cLight, diffuse), offsetof(cLight, specular)
                            offsetof(cLight, linear_attenuation),
                            offsetof(cLight, quadratic_attenuation), offsetof(cLight, intensity),
                            offsetof(cLight, light_flag)));
-static_assert(are_in_order(offsetof(cMaterial, ambient), offsetof(cMaterial, diffuse),
-                           offsetof(cMaterial, specular), offsetof(cMaterial, emission),
-                           offsetof(cMaterial, shininess)));
-static_assert(offsetof(quillon::cGradient, name) == 0);
-
 using Rgba = std::array<std::uint8_t, 4>;
 
 TEST(Light, FieldsHaveTheirOffsetsAndComeBack) {

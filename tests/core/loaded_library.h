@@ -8,9 +8,12 @@
 #include "tests/scratch_folder.h"
 
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <memory>
+#include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <dlfcn.h>
@@ -20,12 +23,23 @@
 
 class LoadedLibrary {
 public:
-    LoadedLibrary();
+    LoadedLibrary() : handle(dlopen(LIBRARY_FILE, RTLD_NOW | RTLD_LOCAL), dlclose) {
+        if (handle == nullptr)
+            throw std::runtime_error(dlerror());
+    }
 
     void unload() { handle.reset(); }
 
     // Calls `observer` with the events of the fixtures that are initialised from now on.
-    void observe(std::function<void(const std::string& event)> observer) const;
+    void observe(std::function<void(const std::string& event)> observer) const {
+        static std::function<void(const std::string&)> current;
+        current = std::move(observer);
+        void (*const pass_on)(const std::string&) = [](const std::string& event) {
+            current(event);
+        };
+        function<decltype(__mCore_add_plugin_init_parameter)>("__mCore_add_plugin_init_parameter")(
+            "observer", reinterpret_cast<void*>(pass_on));
+    }
 
     // The export of that name, as a function of the given type; see EXPORT_OF.
     template <typename Function>
@@ -38,17 +52,31 @@ private:
 };
 
 // Copies a fixture to `file`.
-void copy_fixture(const std::filesystem::path& file, const std::string& name);
+inline void copy_fixture(const std::filesystem::path& file, const std::string& name) {
+    std::filesystem::create_directories(file.parent_path());
+    std::filesystem::copy(std::filesystem::path(FIXTURE_FOLDER) / (name + ".so"), file);
+}
 
-// Copies fixtures into a folder, under names that load in the given order.
-void copy_fixtures(const std::vector<std::string>& names, const std::string& folder = "plugin");
+// Copies fixtures into the folder "plugin", under names that load in the given order.
+inline void copy_fixtures(const std::vector<std::string>& names) {
+    int number = 0;
+    for (const std::string& name : names)
+        copy_fixture("plugin/" + std::to_string(number++) + "_" + name + ".so", name);
+}
 
 // A host in a folder of its own, with fixtures in "plugin" that load in the given order.
 struct Host : ScratchFolder, LoadedLibrary {
     explicit Host(const std::vector<std::string>& fixtures) { copy_fixtures(fixtures); }
 
     // The lines of the file "events", without those that have `unwanted` after the plug-in's name.
-    static std::vector<std::string> events(const std::string& unwanted = "asked");
+    static std::vector<std::string> events(const std::string& unwanted = "asked") {
+        std::vector<std::string> lines;
+        std::ifstream file("events");
+        for (std::string line; std::getline(file, line);)
+            if (unwanted.empty() || line.find(": " + unwanted) == std::string::npos)
+                lines.push_back(line);
+        return lines;
+    }
 
     decltype(&__mCore_open) open = EXPORT_OF(*this, __mCore_open);
     decltype(&__mCore_parse_folder_for_plugins) scan =
@@ -64,4 +92,6 @@ struct Host : ScratchFolder, LoadedLibrary {
 };
 
 // Whether a mapping of this process names `text`.
-bool is_mapped(const std::string& text);
+inline bool is_mapped(const std::string& text) {
+    return text_of("/proc/self/maps").find(text) != std::string::npos;
+}

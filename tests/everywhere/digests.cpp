@@ -98,6 +98,22 @@ private:
     std::uint64_t value = 0xCBF29CE484222325;
 };
 
+void constants(Source&) {
+    Digest digest("constants");
+    digest.add(PI, HALF_PI, QUARTER_PI, THREE_HALF_PI, TWO_PI, INV_PI, FULL_CIRCLE, PI_OVER_6,
+               PI_OVER_4, PI_OVER_3, PI_OVER_2, DEG_TO_RAD, RAD_TO_DEG);
+    digest.add(PHYS_AVOGADRO, PHYS_VACUUM_PERMEABILITY, PHYS_BOLTZMANN, PHYS_STEFAN_BOLTZMANN,
+               PHYS_PLANCK, PHYS_REDUCED_PLANCK, PHYS_PROTON_MASS, PHYS_NEUTRON_MASS,
+               PHYS_ELECTRON_MASS, PHYS_ATOMIC_MASS_UNIT, PHYS_MEV_IN_JOULES);
+    for (const auto& v : {VECTOR2D_ZERO, VECTOR2D_UNIT_X, VECTOR2D_UNIT_Y, VECTOR2D_ONE})
+        digest.add(v.x, v.y);
+    for (const auto& v : {VECTOR2L_ZERO, VECTOR2L_UNIT_X, VECTOR2L_UNIT_Y, VECTOR2L_ONE})
+        digest.add(v.x, v.y);
+    for (const cVector3D& v :
+         {VECTOR3D_ZERO, VECTOR3D_UNIT_X, VECTOR3D_UNIT_Y, VECTOR3D_UNIT_Z, VECTOR3D_ONE})
+        digest.add(v);
+}
+
 // The names of the interface, with what each stands for.
 void names(Source&) {
     Digest digest("names");
@@ -121,6 +137,8 @@ void names(Source&) {
     add_all(pad_input_names);
     add_all(pad_axis_names);
     add_all(input_logic_names);
+    for (int code = -1; code <= 20; ++code)
+        digest.add_text(cson_error_name(code));
 }
 
 // Every entry of the trigonometry tables: those that were compared with MPFR.
@@ -324,8 +342,8 @@ void documents(Source& source) {
 
 int main() {
     __mPhysics_open();
-    for (const auto part : {names, entries, tables, rotations, splines, colors, bitmaps, caches,
-                            messages, documents}) {
+    for (const auto part : {constants, names, entries, tables, rotations, splines, colors, bitmaps,
+                            caches, messages, documents}) {
         Source source;
         part(source);
     }

@@ -7,7 +7,6 @@
 #include <gmock/gmock.h>
 
 #include <bit>
-#include <cstddef>
 #include <limits>
 #include <map>
 #include <string>
@@ -20,12 +19,6 @@ using quillon::cInputAnalog;
 using quillon::cInputDigital;
 using quillon::InputLogic;
 using testing::ElementsAre;
-
-static_assert(offsetof(cInputDigital, pad1) == 2 && offsetof(cInputDigital, code2) == 4 &&
-              offsetof(cInputDigital, pad2) == 6 && offsetof(cInputDigital, logic) == 8);
-static_assert(offsetof(cInputAnalog, pad) == 2 && offsetof(cInputAnalog, dead_zone) == 4 &&
-              offsetof(cInputAnalog, saturation_zone) == 8 &&
-              offsetof(cInputAnalog, inverted) == 12);
 
 using Question = std::pair<char, std::uint16_t>; // the first letter of the entry, and the code
 

@@ -18,18 +18,6 @@ std::uint32_t size(std::string_view text) {
     return static_cast<std::uint32_t>(text.size());
 }
 
-TEST(ErrorName, EveryCodeHasItsOwn) {
-    std::string names;
-    for (int code = -1; code <= 20; ++code)
-        names.append(cson_error_name(code)).append(" ");
-    EXPECT_EQ("UnknownError OK ArgError RangeError TypeError IOError AllocError NYIError "
-              "InternalError UnsupportedError NotFoundError UnknownError Parse_INVALID_CHAR "
-              "Parse_INVALID_KEYWORD Parse_INVALID_ESCAPE_SEQUENCE "
-              "Parse_INVALID_UNICODE_SEQUENCE Parse_INVALID_NUMBER Parse_NESTING_DEPTH_REACHED "
-              "Parse_UNBALANCED_COLLECTION Parse_EXPECTED_KEY Parse_EXPECTED_COLON UnknownError ",
-              names);
-}
-
 TEST(Value, OwnersAreCounted) {
     const TrackingAllocator allocator;
     EXPECT_EQ(0u, cson_value_release(cson_value_from_int(7)));

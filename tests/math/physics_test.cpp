@@ -8,7 +8,6 @@
 
 #include <array>
 #include <cmath>
-#include <cstddef>
 #include <numbers>
 #include <string>
 
@@ -120,6 +119,3 @@ TEST(PhysicsCollision, StopsTheSideThatStruck) {
             << row.name;
     }
 }
-
-static_assert(offsetof(cCollisionReport, bottom) == 0 && offsetof(cCollisionReport, left) == 1 &&
-              offsetof(cCollisionReport, top) == 2 && offsetof(cCollisionReport, right) == 3);

@@ -51,7 +51,8 @@ TEST(Spline3D, ValuesEqualThePlainOnesBitForBit) {
     for (int i = 0; i < 600; ++i) {
         numbers.awkward = i % 2 == 0;
         const cSpline3D s = random_spline(numbers, 1 + i % 9, i % 4 < 2);
-        for (double t = -2.0; t <= s.count + 2; t += 0.125) {
+        for (int eighths = -16; eighths <= 8 * (s.count + 2); ++eighths) {
+            const double t = eighths / 8.0;
             SCOPED_TRACE(testing::Message() << "spline " << i << ", t " << t);
             ASSERT_TRUE(
                 same_bits(plain::hard_value(s, t), value_at(__cSpline3d_get_hard_value, s, t), 3));
@@ -212,12 +213,6 @@ TEST(Spline3D, TextIsWrittenInThreeDecimalsOrInRoom) {
     cSpline3D read;
     __cSpline3d_spline_from_string(read, text_of(cSpline3D(false, &longest, &longest)).c_str());
     EXPECT_NEAR(1.0, read.points[1].z / -most, 1e-6);
-}
-
-TEST(Spline3D, FieldsComeInTheirOrder) {
-    const cSpline3D s;
-    const void* const fields[] = {&s, &s.points, &s.count, &s.capacity, &s.closed, &s + 1};
-    EXPECT_TRUE(std::is_sorted(std::begin(fields), std::end(fields)));
 }
 
 TEST(Spline3D, FlatFormCountsTheUnusedCapacityAtAnyAddress) {

@@ -12,7 +12,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
-#include <cstring>
 #include <limits>
 #include <numeric>
 #include <string>
@@ -89,36 +88,6 @@ TYPED_TEST(IndexedAccess, BadIndicesReachAScratchZeroAndNoComponent) {
 }
 
 static_assert(sizeof(cVector2D<long>::x) == 4, "32 bits whatever the width of long");
-
-template <typename Vector>
-constexpr int digits(const Vector& v) {
-    return static_cast<int>(v.x * 10 + v.y);
-}
-
-static_assert(digits(VECTOR2D_ZERO) == 0 && digits(VECTOR2D_UNIT_X) == 10 &&
-              digits(VECTOR2D_UNIT_Y) == 1 && digits(VECTOR2D_ONE) == 11);
-static_assert(digits(VECTOR2L_ZERO) == 0 && digits(VECTOR2L_UNIT_X) == 10 &&
-              digits(VECTOR2L_UNIT_Y) == 1 && digits(VECTOR2L_ONE) == 11);
-static_assert(digits(VECTOR3D_ZERO) + VECTOR3D_ZERO.z * 2 == 0 &&
-              digits(VECTOR3D_UNIT_X) + VECTOR3D_UNIT_X.z * 2 == 10 &&
-              digits(VECTOR3D_UNIT_Y) + VECTOR3D_UNIT_Y.z * 2 == 1 &&
-              digits(VECTOR3D_UNIT_Z) + VECTOR3D_UNIT_Z.z * 2 == 2 &&
-              digits(VECTOR3D_ONE) + VECTOR3D_ONE.z * 2 == 13);
-
-// The place of a virtual operation among those of its class; a pointer to one holds the offset in
-// the table of operations, which some processors mark in the lowest bit.
-template <typename Operation>
-std::ptrdiff_t slot_of(Operation operation) {
-    std::ptrdiff_t offset;
-    std::memcpy(&offset, &operation, sizeof offset);
-    return offset / static_cast<std::ptrdiff_t>(sizeof(void*));
-}
-
-TEST(Serializable, OperationsComeInTheirOrder) {
-    EXPECT_EQ(0, slot_of(&cSerializable::serialize));
-    EXPECT_EQ(1, slot_of(&cSerializable::deserialize));
-    EXPECT_EQ(2, slot_of(&cSerializable::serialized_size));
-}
 
 TEST(TextForm, IsReadFieldByField) {
     const std::string endless = std::string(100000, '7') + "#2#3#" + std::string(100000, '#');

@@ -6,7 +6,6 @@
 
 #include <gmock/gmock.h>
 
-#include <cstddef>
 #include <memory>
 #include <string>
 
@@ -14,12 +13,6 @@ namespace {
 
 using namespace quillon;
 using testing::ElementsAre;
-
-#pragma GCC diagnostic ignored "-Winvalid-offsetof"
-static_assert(offsetof(cMessageRouter::Mailbox, queue) == 0 &&
-              offsetof(cMessageRouter::Mailbox, observers) == sizeof(DelayQueue) &&
-              offsetof(cMessageRouter, mailboxes) == 0 &&
-              offsetof(cMessageRouter, anything) == sizeof(DSPhashMap<DelayQueue>));
 
 TEST(RouterModel, AgreesOver400000Operations) {
     for (std::uint32_t seed = 0; seed < 1000; ++seed) {

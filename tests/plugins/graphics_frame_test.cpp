@@ -12,7 +12,6 @@
 
 #include <link.h>
 
-using namespace quillon;
 namespace fs = std::filesystem;
 using testing::HasSubstr;
 

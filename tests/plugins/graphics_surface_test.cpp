@@ -6,7 +6,6 @@
 
 #include <cmath>
 
-using namespace quillon;
 using testing::Each;
 using testing::Gt;
 using testing::Lt;

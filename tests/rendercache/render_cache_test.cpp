@@ -72,13 +72,6 @@ void expect_entry(const cRenderCache& cache, std::size_t i, const Sources& sourc
 
 } // namespace
 
-constexpr std::size_t OFFSETS[] = {
-    offsetof(cRenderCache, positions),     offsetof(cRenderCache, normals),
-    offsetof(cRenderCache, tangents),      offsetof(cRenderCache, texcoords),
-    offsetof(cRenderCache, colors),        offsetof(cRenderCache, poly_count),
-    offsetof(cRenderCache, verts_per_poly)};
-static_assert(std::is_sorted(std::begin(OFFSETS), std::end(OFFSETS)));
-
 TEST(RenderCache, HoldsOnlyWhatIsAskedForUntilCleanup) {
     for (const unsigned asked : {0b0000U, 0b0001U, 0b0010U, 0b0100U, 0b1000U}) {
         const auto is_asked = [=](int flag) { return (asked >> flag & 1) != 0; };

@@ -4,7 +4,6 @@
 #include "tool_run.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
 

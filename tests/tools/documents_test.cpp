@@ -14,14 +14,14 @@ TEST(Documents, QuotedExamplesAreTheFiles) {
         if (entry.path().extension() == ".md")
             pages.push_back(entry.path());
     for (const fs::path& page : pages) {
-        const std::string text = bytes_of(page);
+        const std::string text = text_of(page);
         for (std::size_t at = text.find(promise); at != std::string::npos;
              at = text.find(promise, at + 1)) {
             const std::size_t name = at + promise.size();
             const std::string file = text.substr(name, text.find(' ', name) - name);
             const std::size_t begin = text.find('\n', text.find("```", name)) + 1;
             const std::size_t end = text.find("```\n", begin);
-            const std::string quoted = bytes_of(fs::path(SOURCE_FOLDER) / file);
+            const std::string quoted = text_of(fs::path(SOURCE_FOLDER) / file);
             const bool has_licence = quoted.substr(0, quoted.find('\n')).ends_with("MIT");
             EXPECT_EQ(quoted.substr(has_licence ? quoted.find('\n') + 1 : 0),
                       text.substr(begin, end - begin))

@@ -4,7 +4,6 @@
 #include "tool_run.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <fstream>
 
@@ -52,10 +51,10 @@ TEST_F(Pictures, PngToPngKeepsEveryPixelAndJpegIsThereAndBack) {
         EXPECT_EQ("", run.error);
         EXPECT_THAT(run.out, MatchesRegex(step.from + " -> " + step.to +
                                           ": 320 x 200 pixels in [0-9]+\\.[0-9] ms\n"));
-        EXPECT_THAT(bytes_of(step.to), testing::StartsWith(step.start));
+        EXPECT_THAT(text_of(step.to), testing::StartsWith(step.start));
     }
     // The same pixels make the same bytes.
-    EXPECT_EQ(bytes_of("once.png"), bytes_of("twice.png"));
+    EXPECT_EQ(text_of("once.png"), text_of("twice.png"));
 }
 
 TEST_F(Pictures, FailureSaysTheFileAndTheReason) {

@@ -3,7 +3,6 @@
 #include "tool_run.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -100,7 +99,7 @@ void add_changed(const std::string& name, std::streamoff offset, char byte) {
 }
 
 std::size_t end_of_segments(const fs::path& file) {
-    const std::string bytes = bytes_of(file);
+    const std::string bytes = text_of(file);
     Elf64_Ehdr header;
     std::memcpy(&header, bytes.data(), sizeof header);
     std::size_t end = 0;

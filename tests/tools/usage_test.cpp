@@ -3,7 +3,6 @@
 #include "tool_run.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <fstream>
@@ -35,7 +34,7 @@ TEST(Usage, ManualPageAndCompletionKnowEveryCommand) {
                                    "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _quillon; "
                                    "echo ${COMPREPLY[@]}' > completed";
         EXPECT_EQ(0, std::system(script.c_str()));
-        return bytes_of("completed");
+        return text_of("completed");
     };
     EXPECT_EQ("check\n", complete("ch"));
     EXPECT_EQ("--radius\n", complete("brush in.png --ra"));

@@ -1,20 +1,68 @@
 // SPDX-License-Identifier: MIT
 // Pictures of every kind are in the folder "pictures": PNG of 10 x 9 pixels, as five times two
 // pixels in each row, and flat JPEG of 19 x 17.
-#include "image_plugin.h"
 #include "loaded_library.h"
+#include "loaded_plugin.h"
+#include "plugins/contracts/pictures.h"
 #include "tests/limited_memory.h" // the plug-in allocates by it too
 
 #include <gmock/gmock.h>
 
 #include <array>
+#include <cstdint>
 #include <fstream>
+#include <memory>
+#include <string>
+#include <vector>
 
 #include <sys/stat.h>
 
+namespace fs = std::filesystem;
 using testing::HasSubstr;
 
 namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+struct Loaded {
+    std::uint16_t width = 1;
+    std::uint16_t height = 1;
+    Bytes rgba;
+    bool has_buffer = true;
+    std::string error;
+};
+
+const LoadedPlugin<quillon::Pictures>& image() {
+    static const LoadedPlugin<quillon::Pictures> plugin(IMAGE_FILE, "connect_graphics_interface",
+                                                        {});
+    return plugin;
+}
+
+Loaded load_image(const std::string& file) {
+    Loaded loaded;
+    std::uint8_t untouched = 0;
+    std::uint8_t* pixels = &untouched;
+    image()->load_bitmap(file.c_str(), &loaded.width, &loaded.height, &pixels);
+    const std::unique_ptr<std::uint8_t[]> owner(pixels);
+    loaded.has_buffer = pixels != nullptr;
+    if (loaded.has_buffer)
+        loaded.rgba.assign(pixels, pixels + std::size_t{loaded.width} * loaded.height * 4);
+    loaded.error = image()->last_error();
+    return loaded;
+}
+
+void write_file(const char* name, const Bytes& bytes) {
+    // Some file systems wait for the disk when a file is truncated and written again.
+    std::filesystem::remove(name);
+    std::ofstream(name, std::ios::binary)
+        .write(reinterpret_cast<const char*>(bytes.data()),
+               static_cast<std::streamsize>(bytes.size()));
+}
+
+Loaded load_image_bytes(const Bytes& bytes) {
+    write_file("bytes", bytes);
+    return load_image("bytes");
+}
 
 std::string stored(const std::string& name) {
     return STORED_PICTURES "/" + name;
@@ -30,6 +78,23 @@ void expect_failure(const Loaded& loaded, const std::string& reason) {
     EXPECT_EQ(0, loaded.height);
     EXPECT_FALSE(loaded.has_buffer);
     EXPECT_THAT(loaded.error, HasSubstr(reason));
+}
+
+constexpr std::uint16_t WIDTH = 37;
+constexpr std::uint16_t HEIGHT = 23;
+
+// Soft colours under every alpha there is.
+Bytes test_picture() {
+    Bytes pixels;
+    for (unsigned y = 0; y < HEIGHT; ++y)
+        for (unsigned x = 0; x < WIDTH; ++x)
+            for (const unsigned value : {x * 5, 200 - y * 4, x * 3 + y * 2, x * 7 + y * 11})
+                pixels.push_back(static_cast<std::uint8_t>(value));
+    return pixels;
+}
+
+bool save(const char* file, std::uint16_t width, std::uint16_t height, Bytes pixels) {
+    return image()->save_bitmap(file, width, height, pixels.data());
 }
 
 } // namespace
@@ -157,4 +222,62 @@ TEST(ImageLoad, NoLoadNorSaveThrowsWhereMemoryEnds) {
         EXPECT_EQ(is_saved, std::filesystem::remove("saved.png"));
     }
     EXPECT_GT(refused, 2 * 40 + 1);
+}
+
+TEST(ImageSave, TheExtensionDecidesWhatComesBack) {
+    const ScratchFolder folder;
+    const Bytes pixels = test_picture();
+
+    const struct {
+        const char* file;
+        int start;
+        int color_error;
+        bool keeps_alpha;
+    } cases[] = {{"round.png", 0x89, 0, true},
+                 {"no_extension", 0x89, 0, true},
+                 {"picture.jpg.tga", 0x89, 0, true},
+                 {"a.jpg", 0xff, 8, false},
+                 {"b.JPEG", 0xff, 8, false}};
+
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.file);
+        ASSERT_TRUE(save(row.file, WIDTH, HEIGHT, pixels)) << image()->last_error();
+        EXPECT_EQ(row.start, std::ifstream(row.file).get());
+        const Loaded loaded = load_image(row.file);
+        EXPECT_EQ(WIDTH, loaded.width);
+        ASSERT_EQ(pixels.size(), loaded.rgba.size()) << loaded.error;
+        for (std::size_t i = 0; i < pixels.size(); ++i)
+            if (i % 4 == 3)
+                ASSERT_EQ(row.keeps_alpha ? pixels[i] : 255, loaded.rgba[i]) << i;
+            else
+                ASSERT_NEAR(pixels[i], loaded.rgba[i], row.color_error) << i;
+    }
+}
+
+TEST(ImageSave, FailuresGiveFalseAndTheReasonAndLeaveNoFile) {
+    const ScratchFolder folder;
+    fs::create_symlink("/dev/full", "full.png");
+    fs::create_symlink("/dev/full", "full.jpg");
+    fs::create_symlink("/proc/self/exe", "running.png");
+
+    const struct {
+        const char* file;
+        std::uint16_t width;
+        const char* reason;
+    } cases[] = {{"wide.jpg", 65535, "65500"},
+                 {"empty.png", 0, "no pixels"},
+                 {"no/such/folder.png", 9, "cannot save 'no/such/folder.png': No such file"},
+                 {"full.png", 9, "No space left on device"},
+                 {"full.jpg", 9, "JPEG: Output file write error"},
+                 {"running.png", 9, "Text file busy"}};
+
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.file);
+        EXPECT_FALSE(save(row.file, row.width, 1, Bytes(std::size_t{row.width} * 4)));
+        EXPECT_THAT(image()->last_error(), HasSubstr(row.reason));
+        // What could not be opened for writing stays.
+        EXPECT_EQ(row.file == std::string("running.png"), fs::is_regular_file(row.file));
+    }
+    EXPECT_TRUE(fs::exists("/dev/full"));
+    EXPECT_FALSE(image()->save_bitmap("null.png", 5, 5, nullptr));
 }
