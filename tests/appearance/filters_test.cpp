@@ -231,18 +231,6 @@ TEST(NormalMap, IsExactOnSmoothMaps) {
     }
 }
 
-// One bump in column 1 of row 1, of height 4 / 512: beside it the slope is 3 / 4 or 3 / 2.
-TEST(NormalMap, WeighsTheRowAboveAndTheColumnToTheLeftTwice) {
-    Bytes map(4 * 3 * 4);
-    const std::array<uint8_t, 4> bump{2, 4, 6, 128};
-    std::copy(bump.begin(), bump.end(), map.begin() + 5 * 4);
-    __cBitmap_bump_map_to_normal_map(map.data(), 4, 3, 768);
-    EXPECT_THAT(map, ElementsAre(62, 62, 215, 255, 128, 51, 230, 255, 177, 29, 193, 255, 128, 128,
-                                 255, 255, 51, 128, 230, 255, 128, 128, 255, 255, 204, 128, 230,
-                                 255, 128, 128, 255, 255, 29, 177, 193, 255, 128, 204, 230, 255,
-                                 209, 209, 182, 255, 128, 128, 255, 255));
-}
-
 TEST(GaussBrush, EqualsThePlainReadingAnywhere) {
     std::mt19937 generator(3);
     const auto pick = [&](int low, int high) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "loaded_library.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <clocale>
 #include <fstream>

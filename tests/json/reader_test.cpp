@@ -4,13 +4,13 @@
 #include "json_testing.h"
 
 #include "quillon/json/document_reader.h"
+#include "tests/scratch_folder.h"
 
 #include <gtest/gtest.h>
 
 #include <clocale>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <regex>
 #include <unistd.h>
@@ -55,18 +55,12 @@ std::vector<std::filesystem::path> corpus() {
     return paths;
 }
 
-std::string content(const std::filesystem::path& path) {
-    std::ifstream stream(path, std::ios::binary);
-    EXPECT_TRUE(stream) << path;
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
 class Corpus : public testing::TestWithParam<std::filesystem::path> {};
 
 TEST_P(Corpus, VerdictHoldsForEveryWayToRead) {
     const std::string path = GetParam().string();
     const cson_read_options options{25, path.find("comments") != std::string::npos};
-    const std::string text = content(path);
+    const std::string text = text_of(GetParam());
     const Outcome outcome = read_every_way(text, options);
     EXPECT_EQ(text_of(outcome), text_of(outcome_of([&](cson_value** out, cson_read_info* info) {
                   return cson_read_path(out, path.c_str(), &options, info);
@@ -78,7 +72,7 @@ TEST_P(Corpus, VerdictHoldsForEveryWayToRead) {
         EXPECT_EQ(cson_OK, outcome.code);
         EXPECT_EQ(text.size(), info.length);
         const auto expected = std::filesystem::path(path).replace_extension(".tree");
-        EXPECT_EQ(content(expected), tree_text(outcome.value.get()) + "\n");
+        EXPECT_EQ(text_of(expected), tree_text(outcome.value.get()) + "\n");
         return;
     }
     EXPECT_STREQ(cson_error_name(std::stoi(verdict[1])), cson_error_name(outcome.code));

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "json_testing.h"
 
+#include "tests/scratch_folder.h"
+
 #include <gtest/gtest.h>
 
 #include <array>
@@ -199,12 +201,8 @@ TEST(Write, FilesEndInALineFeedByDefault) {
     const std::string path = testing::TempDir() + "quillon_json_writer_test.json";
     const Value value = tree(SAMPLE);
     ASSERT_EQ(cson_OK, cson_write_path(value.get(), path.c_str(), nullptr));
-    std::FILE* stream = std::fopen(path.c_str(), "rb");
-    char text[100] = {};
-    EXPECT_EQ(27u, std::fread(text, 1, sizeof(text), stream));
-    EXPECT_STREQ("{\"a\":1, \"b\":[1, 2.5, \"x\"]}\n", text);
-    std::fclose(stream);
-    std::remove(path.c_str());
+    EXPECT_EQ("{\"a\":1, \"b\":[1, 2.5, \"x\"]}\n", text_of(std::filesystem::path(path)));
+    std::filesystem::remove(path);
     EXPECT_EQ(cson_IOError, cson_write_path(value.get(), "no/such/folder/file", nullptr));
     EXPECT_EQ(cson_IOError, cson_write_path(value.get(), "/dev/full", nullptr));
 }

@@ -13,31 +13,22 @@
 // clang-format on
 #undef interface
 
+#include "graphics_plugin.h"
 #include "quillon/platform/loader.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 using namespace quillon;
 
 namespace {
 
-// The table of a plug-in file, in the module where a host finds it.
-class Connected {
-public:
-    Connected(const char* file, const char* entry_point) : table(ENTRY_COUNT<GraphicsTable>) {
-        void* const library = platform::load_library(file);
-        reinterpret_cast<void (*)(void**)>(platform::find_function(library, entry_point))(
-            table.data());
-    }
-
-    void** data() { return table.data(); }
-
-private:
-    std::vector<void*> table;
-};
+// The entries of a table, as the library has them.
+template <typename Table>
+void** entries_of(const Table& table) {
+    return reinterpret_cast<void**>(const_cast<Table*>(&table));
+}
 
 // The reason, or the empty text for a contract that is served.
 template <typename Table>
@@ -63,22 +54,23 @@ struct OwnEntries {
 } // namespace
 
 TEST(Contracts, ATableIsTypedOnlyUnderItsOwnContract) {
-    Connected graphics(GRAPHICS_FILE, "connect_graphics_interface");
-    Connected image(IMAGE_FILE, "connect_graphics_interface");
+    void** const renderer = entries_of(graphics());
+    const LoadedPlugin<Pictures> plugin(IMAGE_FILE, "connect_graphics_interface", {});
+    void** const image = entries_of(*plugin.operator->());
     void* nameless[97] = {};
     void* foreign[97] = {reinterpret_cast<void*>(+[](ContractIdentity*) {})};
-    EXPECT_EQ("", reason_of<Graphics>(graphics.data()));
-    EXPECT_EQ("", reason_of<Pictures>(graphics.data()));
-    EXPECT_EQ("", reason_of<Pictures>(image.data()));
+    EXPECT_EQ("", reason_of<Graphics>(renderer));
+    EXPECT_EQ("", reason_of<Pictures>(renderer));
+    EXPECT_EQ("", reason_of<Pictures>(image));
     EXPECT_EQ("no plug-in serves GRAPHICS", reason_of<Graphics>(nullptr));
     EXPECT_EQ("the plug-in that serves GRAPHICS names no contract", reason_of<Graphics>(nameless));
     EXPECT_EQ("the plug-in that serves GRAPHICS names no contract", reason_of<Graphics>(foreign));
     EXPECT_EQ("the plug-in that serves GRAPHICS does so under the contract 'quillon.pictures' "
               "version 1, not 'quillon.graphics' version 1",
-              reason_of<Graphics>(image.data()));
+              reason_of<Graphics>(image));
     EXPECT_EQ("the plug-in that serves GRAPHICS does so under the contract 'quillon.graphics' "
               "version 1, not 'quillon.graphics' version 2",
-              reason_of<GraphicsOfTomorrow>(graphics.data()));
+              reason_of<GraphicsOfTomorrow>(renderer));
 }
 
 TEST(Contracts, OwnEntriesFollowTheReservedOnes) {

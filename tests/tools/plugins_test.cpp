@@ -42,15 +42,6 @@ struct Outcome {
 };
 
 const Outcome OUTCOMES[] = {
-    {"Empty", {}, {}},
-    {"Sound", {"graphics"}, {"0_graphics.so GRAPHICS"}},
-    {"SeveralModules",
-     {"graphics", "all_five"},
-     {"0_graphics.so GRAPHICS", "1_all_five.so INPUT SYSTEM NET AUDIO"}},
-    {"SaysYesAtTheSecondAsking", {"hesitates"}, {"0_hesitates.so GRAPHICS INPUT"}},
-    {"PrerequisiteMet",
-     {"needs_graphics", "graphics"},
-     {"0_needs_graphics.so AUDIO", "1_graphics.so GRAPHICS"}},
     {"InitializeSaysNo", {"refuses"}, {"0_refuses.so!: initialize said no"}},
     {"NoConnectEntryPoint",
      {"no_connect"},
