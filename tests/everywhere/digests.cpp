@@ -10,6 +10,7 @@
 #include "quillon/quillon.h"
 
 #include <cinttypes>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -165,6 +166,17 @@ void tables(Source& source) {
                    __tarn_extract_angle(static_cast<float>(angle), static_cast<float>(ratio)));
         digest.add(gauss_near_zero_taylor7(static_cast<float>(ratio), 0.7F));
     }
+    // Close to powers of two, where the steps of a turn round, up to where they change nothing.
+    for (int i = 0; i < 100 * TURNS; ++i) {
+        const int exponent = static_cast<int>(source.bits() % 56);
+        const double power = std::ldexp(1.0, exponent);
+        double wide = power + source.number(-20.0, 20.0) * (1.0 + power * 0x1p-52);
+        wide = i % 2 != 0 ? wide : -wide;
+        auto narrow = static_cast<float>(std::ldexp(wide, exponent > 26 ? -29 : 0));
+        trig_bind(wide);
+        trig_bind_32(narrow);
+        digest.add(wide, narrow);
+    }
 }
 
 void rotations(Source& source) {
@@ -203,6 +215,18 @@ void splines(Source& source) {
             digest.add(out);
             digest.add(__cSpline3d_get_value_closest_to(path, source.vector(), 1e-4, 9));
         }
+    }
+    for (int i = 0; i < TURNS; ++i) {
+        cSpline3D path(i % 2 != 0);
+        for (int count = 2 + i % 7; count > 0; --count) {
+            const cVector3D point = source.vector();
+            const bool is_repeated = path.count > 0 && i % 5 == count;
+            __cSpline3d_add_control_point(path, is_repeated ? path.points[path.count - 1] : point);
+        }
+        const double found =
+            __cSpline3d_get_value_closest_to(path, source.vector(), i % 3 * 0.05, i % 12);
+        if (std::abs(found) < 32000.0) // beyond it leaves for good, to NaN too
+            digest.add(found);
     }
 }
 

@@ -62,23 +62,6 @@ TEST(Spline3D, ValuesEqualThePlainOnesBitForBit) {
     }
 }
 
-TEST(Spline3D, ClosestParameterEqualsThePlainOneBitForBit) {
-    Numbers numbers;
-    numbers.awkward = false;
-    int compared = 0;
-    for (int i = 0; i < 2000; ++i) {
-        const cSpline3D s = random_spline(numbers, 2 + i % 7, i % 2 == 0);
-        const cVector3D target = numbers.vector();
-        const double tolerance = i % 3 * 0.05;
-        const double expected = plain::value_closest_to(s, target, tolerance, i % 12);
-        if (!(std::abs(expected) < 32000.0))
-            continue;
-        ASSERT_EQ(expected, __cSpline3d_get_value_closest_to(s, target, tolerance, i % 12)) << i;
-        ++compared;
-    }
-    EXPECT_LT(1000, compared);
-}
-
 TEST(Spline3D, NoParameterAndNoSplineReadsOutsideTheArray) {
     const cSpline3D none;
     const cSpline3D open(false, &B, &C);
