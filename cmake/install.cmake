@@ -17,6 +17,9 @@ if("shared" IN_LIST QUILLON_LIBRARIES)
     install(EXPORT quillon_shared NAMESPACE quillon:: DESTINATION ${package_folder}
         FILE quillon-shared.cmake ${development})
 endif()
+if(quillon_runtime_libraries)
+    install(FILES ${quillon_runtime_libraries} DESTINATION ${CMAKE_INSTALL_BINDIR} ${runtime})
+endif()
 # Where gdb looks for what it loads with the library; Visual Studio's are added to a project.
 if("shared" IN_LIST QUILLON_LIBRARIES AND NOT WIN32)
     install(FILES ${PROJECT_SOURCE_DIR}/cmake/debug/quillon-gdb.py

@@ -11,6 +11,7 @@ inline std::size_t allocations = 0;
 inline std::size_t allocations_left = SIZE_MAX; // how many succeed before all fail
 
 // gcc would take an inlined one for a mismatch with the other.
+// NOLINTBEGIN(misc-definitions-in-headers): replacements may not be inline
 [[gnu::noinline]] void* operator new(std::size_t size) {
     ++allocations;
     void* const block = allocations_left == 0 ? nullptr : std::malloc(size);
@@ -25,3 +26,5 @@ inline std::size_t allocations_left = SIZE_MAX; // how many succeed before all f
 [[gnu::noinline]] void operator delete(void* block, std::size_t) noexcept {
     std::free(block);
 }
+
+// NOLINTEND(misc-definitions-in-headers)

@@ -2,18 +2,20 @@
 // What tests that write files share.
 #pragma once
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <string>
+#include <system_error>
 
 // Makes a fresh folder the current one as long as it lives.
 class ScratchFolder {
 public:
     ScratchFolder() {
-        std::string name = (std::filesystem::temp_directory_path() / "quillon-XXXXXX").string();
-        std::filesystem::current_path(mkdtemp(name.data()));
+        const std::string name = "test-of-quillon-" + std::to_string(std::random_device()());
+        std::filesystem::create_directory(std::filesystem::temp_directory_path() / name);
+        std::filesystem::current_path(std::filesystem::temp_directory_path() / name);
     }
 
     ScratchFolder(const ScratchFolder&) = delete;
@@ -22,7 +24,8 @@ public:
     ~ScratchFolder() {
         const std::filesystem::path folder = std::filesystem::current_path();
         std::filesystem::current_path(before);
-        std::filesystem::remove_all(folder);
+        std::error_code ignored; // Windows keeps the files of libraries that stay loaded
+        std::filesystem::remove_all(folder, ignored);
     }
 
 private:

@@ -82,7 +82,12 @@ QUILLON_PLUGIN_EXPORT void connect_sound_interface(void** table);
 //
 // Exit handlers of a DLL are its own here, and a plug-in's run before the library's. A null takes
 // back what was given: the DLL may outlive the library.
-QUILLON_PLUGIN_EXPORT inline void call_before_end_of_plugin(void (*function)()) {
+//
+// It is emitted and exported by hand, as -fno-keep-inline-dllexport, which CMake sets for hidden
+// inline functions, leaves it out.
+__asm__(".section .drectve\n\t.ascii \" -export:call_before_end_of_plugin\"\n\t.text");
+
+extern "C" __attribute__((used)) inline void call_before_end_of_plugin(void (*function)()) {
     static constinit decltype(function) end_of_life = nullptr;
     end_of_life = function;
     if (function == nullptr)

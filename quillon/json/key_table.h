@@ -54,7 +54,7 @@ inline bool start_keys(KeyTable& table, std::size_t count) {
         table.capacity = wanted;
         table.generation = 1;
     }
-    std::memset(table.slots, 0, table.capacity * sizeof(KeyTable::Slot));
+    std::fill_n(table.slots, table.capacity, KeyTable::Slot{});
     table.used = 0;
     table.last = 0;
     return true;

@@ -3,6 +3,7 @@
 #include "quillon/json/document_reader.h"
 #include "quillon/json/parser.h"
 #include "quillon/json/tree_builder.h"
+#include "quillon/platform/files.h"
 
 #include <algorithm>
 #include <array>
@@ -239,7 +240,7 @@ int cson_read_path(cson_value** out, const char* path, const cson_read_options* 
                    cson_read_info* info) {
     if (out == nullptr || path == nullptr)
         return cson_ArgError;
-    std::FILE* stream = std::fopen(path, "r");
+    std::FILE* stream = platform::open_file(path, "rb");
     if (stream == nullptr)
         return cson_IOError;
     const int code = cson_read_stream(out, stream, options, info);

@@ -53,7 +53,8 @@ private:
     bool grow() {
         const bool is_inner = entries == inner.data();
         const std::size_t count = size();
-        void* block = reallocate(is_inner ? nullptr : entries, count * 2 * sizeof(inner[0]), TAG);
+        // NOLINTNEXTLINE(bugprone-sizeof-expression): the entries of some stacks are pointers
+        void* block = reallocate(is_inner ? nullptr : entries, count * 2 * sizeof(Entry), TAG);
         if (block == nullptr)
             return false;
         if (is_inner)

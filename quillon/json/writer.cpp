@@ -5,6 +5,7 @@
 #include "quillon/json/number.h"
 #include "quillon/json/record.h"
 #include "quillon/json/stack.h"
+#include "quillon/platform/files.h"
 
 #include <algorithm>
 #include <array>
@@ -170,7 +171,7 @@ unsigned char* put(unsigned char* to, std::string_view text) {
 }
 
 // What comes before a value or key: up to two bytes, of which two can be read.
-constexpr std::string_view NOTHING("\0", 0);
+constexpr std::string_view NOTHING = std::string_view("\0").substr(0, 0);
 
 unsigned char* put_prefix(unsigned char* to, std::string_view prefix) {
     std::memcpy(to, prefix.data(), 2);
@@ -524,7 +525,7 @@ int cson_write_stream(const cson_value* value, std::FILE* stream,
 int cson_write_path(const cson_value* value, const char* path, const cson_write_options* options) {
     if (value == nullptr || path == nullptr)
         return cson_ArgError;
-    std::FILE* stream = std::fopen(path, "wb");
+    std::FILE* stream = platform::open_file(path, "wb");
     if (stream == nullptr)
         return cson_IOError;
     const int code = cson_write_stream(value, stream, options);

@@ -8,6 +8,10 @@
 
 #include <malloc.h>
 
+#if defined(_WIN32)
+    #define malloc_usable_size _msize
+#endif
+
 namespace {
 
 const struct {

@@ -34,6 +34,8 @@ void observe(const std::string& event) {
         trace += std::string(" ") + __mCore_get_plugin_name(static_cast<std::int16_t>(i));
 }
 
+// Windows ends a program's static objects before the libraries that it links.
+#if !defined(_WIN32)
 const struct LateCaller {
     ~LateCaller() {
         const bool answers = __mCore_open() && __mCore_get_plugin_count() == 0 &&
@@ -44,6 +46,7 @@ const struct LateCaller {
         std::fprintf(stderr, "%s, %s", trace.c_str(), answers ? "answers" : "does not answer");
     }
 } LATE_CALLER;
+#endif
 
 } // namespace
 

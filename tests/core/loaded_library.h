@@ -5,8 +5,10 @@
 #include "quillon/core/modules.h"
 #include "quillon/core/plugin_registry.h"
 #include "quillon/core/worker.h"
+#include "quillon/platform/loader.h"
 #include "tests/scratch_folder.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -16,16 +18,26 @@
 #include <utility>
 #include <vector>
 
-#include <dlfcn.h>
+#if defined(_WIN32)
+    #include <windows.h>
+
+    #include <psapi.h>
+#endif
+
+// On Windows they lack a drive, which is that of the folder in which the test starts.
+inline const std::filesystem::path LIBRARY = std::filesystem::absolute(LIBRARY_FILE);
+inline const std::filesystem::path FIXTURES = std::filesystem::absolute(FIXTURE_FOLDER);
 
 // The export NAME of a loaded library.
 #define EXPORT_OF(library, NAME) (library).function<decltype(NAME)>(#NAME)
 
 class LoadedLibrary {
 public:
-    LoadedLibrary() : handle(dlopen(LIBRARY_FILE, RTLD_NOW | RTLD_LOCAL), dlclose) {
+    LoadedLibrary()
+        : handle(quillon::platform::load_library(LIBRARY.string()),
+                 quillon::platform::release_library) {
         if (handle == nullptr)
-            throw std::runtime_error(dlerror());
+            throw std::runtime_error(LIBRARY.string() + " does not load");
     }
 
     void unload() { handle.reset(); }
@@ -44,24 +56,24 @@ public:
     // The export of that name, as a function of the given type; see EXPORT_OF.
     template <typename Function>
     Function* function(const char* name) const {
-        return reinterpret_cast<Function*>(dlsym(handle.get(), name));
+        return reinterpret_cast<Function*>(quillon::platform::find_function(handle.get(), name));
     }
 
 private:
-    std::unique_ptr<void, int (*)(void*)> handle;
+    std::unique_ptr<void, void (*)(void*)> handle;
 };
 
 // Copies a fixture to `file`.
 inline void copy_fixture(const std::filesystem::path& file, const std::string& name) {
     std::filesystem::create_directories(file.parent_path());
-    std::filesystem::copy(std::filesystem::path(FIXTURE_FOLDER) / (name + ".so"), file);
+    std::filesystem::copy(FIXTURES / (name + PLUGIN_EXTENSION), file);
 }
 
 // Copies fixtures into the folder "plugin", under names that load in the given order.
 inline void copy_fixtures(const std::vector<std::string>& names) {
     int number = 0;
     for (const std::string& name : names)
-        copy_fixture("plugin/" + std::to_string(number++) + "_" + name + ".so", name);
+        copy_fixture("plugin/" + std::to_string(number++) + "_" + name + PLUGIN_EXTENSION, name);
 }
 
 // A host in a folder of its own, with fixtures in "plugin" that load in the given order.
@@ -92,6 +104,19 @@ struct Host : ScratchFolder, LoadedLibrary {
 };
 
 // Whether a mapping of this process names `text`.
+#if defined(_WIN32)
+inline bool is_mapped(const std::string& text) {
+    HMODULE modules[1024];
+    DWORD size = 0;
+    K32EnumProcessModules(GetCurrentProcess(), modules, sizeof modules, &size);
+    return std::any_of(modules, modules + size / sizeof *modules, [&text](HMODULE module) {
+        wchar_t file[MAX_PATH] = {};
+        GetModuleFileNameW(module, file, MAX_PATH);
+        return std::filesystem::path(file).string().find(text) != std::string::npos;
+    });
+}
+#else
 inline bool is_mapped(const std::string& text) {
     return text_of("/proc/self/maps").find(text) != std::string::npos;
 }
+#endif

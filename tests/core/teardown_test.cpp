@@ -11,9 +11,13 @@ using testing::Not;
 
 namespace {
 
+namespace fs = std::filesystem;
+
+const fs::path PROGRAMS = fs::absolute(PROGRAM_FOLDER).make_preferred();
+
 // Runs a program of the build folder and returns its status.
 int run(const std::string& command) {
-    return std::system((PROGRAM_FOLDER "/" + command).c_str());
+    return std::system((PROGRAMS / command).string().c_str());
 }
 
 } // namespace
@@ -38,7 +42,7 @@ TEST(Teardown, UnloadingShutsDownInitialisedPluginsAndKeepsTheIndices) {
     host.open();
     EXPORT_OF(host, __mCore_close)();
     EXPECT_EQ(host.plugin_count(), 5u);
-    std::filesystem::remove("events");
+    fs::remove("events");
     host.unload();
     EXPECT_THAT(Host::events(),
                 ElementsAre("Both: shutdown", "Graphics: shutdown", "Sound: shutdown"));
@@ -46,26 +50,42 @@ TEST(Teardown, UnloadingShutsDownInitialisedPluginsAndKeepsTheIndices) {
                                   "INVALID Graphics Graphics Sound Idle ",
                                   "INVALID INVALID INVALID Sound Idle "));
     EXPECT_FALSE(is_mapped("libquillon"));
-    EXPECT_FALSE(is_mapped(std::filesystem::current_path()));
+    EXPECT_FALSE(is_mapped(fs::current_path().string()));
 }
 
 TEST(Teardown, AnOrdinaryExitShutsDownBeforeStaticObjectsDie) {
-    const std::pair<const char*, const char*> rows[] = {
-        {"", "AaNnSIGggu All: shutdown: All Tool, answers"},
-        {"scan", "AaNnSIGggu All: shutdown: All Tool Idle, answers"},
-        {"initialize", "AaNnSIGggu All: shutdown: All Tool Idle"
-                       " Idle: shutdown: INVALID INVALID Idle, answers"},
-        {"throw", "aNnSIGggu All: shutdown: All Tool, answers"},
+    struct Row {
+        const char* mode;
+        std::vector<std::string> shutdowns;
+        const char* trace; // where an operator new of the program is the library's too
     };
-    for (const auto& [mode, expected] : rows) {
+
+    const Row rows[] = {
+        {"", {"All: shutdown"}, "AaNnSIGggu All: shutdown: All Tool, answers"},
+        {"scan", {"All: shutdown"}, "AaNnSIGggu All: shutdown: All Tool Idle, answers"},
+        {"initialize",
+         {"All: shutdown", "Idle: shutdown"},
+         "AaNnSIGggu All: shutdown: All Tool Idle Idle: shutdown: INVALID INVALID Idle, answers"},
+        {"throw", {"All: shutdown"}, "aNnSIGggu All: shutdown: All Tool, answers"},
+    };
+    for (const auto& [mode, shutdowns, trace] : rows) {
         SCOPED_TRACE(mode);
-        const Host folder({"all_five", "tool"});
-        copy_fixture("late/idle.so", "serves_nothing");
+        const Host folder({"all_five"});
+        copy_fixture(fs::path(u8"plugin/1_\u20AC" PLUGIN_EXTENSION), "tool");
+        copy_fixture("late/idle" PLUGIN_EXTENSION, "serves_nothing");
         EXPECT_EQ(run("linked_host 2> trace " + std::string(mode)), 0);
-        EXPECT_EQ(text_of("trace"), expected);
+        std::vector<std::string> events = Host::events();
+        std::erase_if(
+            events, [](const auto& event) { return event.find("shutdown") == std::string::npos; });
+        EXPECT_EQ(events, shutdowns);
+#if !defined(_WIN32)
+        EXPECT_EQ(text_of("trace"), trace);
+#endif
     }
 }
 
+// These look at /proc, and link what is in reach at run time.
+#if !defined(_WIN32)
 TEST(Teardown, ThousandCyclesLeaveNothing) {
     const Host folder({"all_five", "needs_graphics", "refuses"});
     EXPECT_EQ(run("reloading_host > /dev/null"), 0);
@@ -80,3 +100,4 @@ TEST(Teardown, SecondLibraryInAProcessIsReported) {
     EXPECT_EQ(run("static_host 2> output"), 0);
     EXPECT_THAT(text_of("output"), testing::StartsWith(report));
 }
+#endif

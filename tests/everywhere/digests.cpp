@@ -242,10 +242,10 @@ void colors(Source& source) {
 
 void bitmaps(Source& source) {
     Digest digest("bitmaps");
-    constexpr int WIDTH = 61;
-    constexpr int HEIGHT = 37;
+    constexpr int width = 61;
+    constexpr int height = 37;
     const auto filter = [&](auto apply) {
-        auto pixels = source.pixels(WIDTH * HEIGHT);
+        auto pixels = source.pixels(width * height);
         apply(pixels.data());
         digest.add_bytes(pixels.data(), pixels.size());
     };
@@ -253,21 +253,21 @@ void bitmaps(Source& source) {
         const auto amount = static_cast<std::uint8_t>(source.bits());
         const auto factor = static_cast<float>(source.number(-0.5, 3.0));
         const cColor color = source.color();
-        filter([&](auto* p) { __cBitmap_multiply(factor, p, WIDTH * HEIGHT); });
-        filter([&](auto* p) { __cBitmap_darken(amount, p, WIDTH * HEIGHT); });
-        filter([&](auto* p) { __cBitmap_brighten(amount, p, WIDTH * HEIGHT); });
-        filter([&](auto* p) { __cBitmap_alpha_mask(p, WIDTH * HEIGHT); });
+        filter([&](auto* p) { __cBitmap_multiply(factor, p, width * height); });
+        filter([&](auto* p) { __cBitmap_darken(amount, p, width * height); });
+        filter([&](auto* p) { __cBitmap_brighten(amount, p, width * height); });
+        filter([&](auto* p) { __cBitmap_alpha_mask(p, width * height); });
         filter([&](auto* p) {
-            __cBitmap_monochrome_saturate_by_channel(amount % 4, p, WIDTH * HEIGHT);
+            __cBitmap_monochrome_saturate_by_channel(amount % 4, p, width * height);
         });
-        filter([&](auto* p) { __cBitmap_set_to_color(color, p, WIDTH * HEIGHT / 2); });
-        filter([&](auto* p) { __cBitmap_bump_map_to_normal_map(p, WIDTH, HEIGHT, factor); });
+        filter([&](auto* p) { __cBitmap_set_to_color(color, p, width * height / 2); });
+        filter([&](auto* p) { __cBitmap_bump_map_to_normal_map(p, width, height, factor); });
         filter([&](auto* p) {
-            __cBitmap_gauss_brush(color, p, 20, 11, WIDTH, HEIGHT, 9.5F, factor + 1.0F);
+            __cBitmap_gauss_brush(color, p, 20, 11, width, height, 9.5F, factor + 1.0F);
         });
         filter([&](auto* p) {
             cColor average = color;
-            __cBitmap_get_average_color(average, p, WIDTH, HEIGHT);
+            __cBitmap_get_average_color(average, p, width, height);
             digest.add(average);
         });
     }
@@ -276,8 +276,8 @@ void bitmaps(Source& source) {
 void caches(Source& source) {
     Digest digest("caches");
     for (const std::uint32_t corners : {3U, 4U}) {
-        constexpr std::uint32_t POLYS = 501;
-        const std::size_t count = POLYS * corners;
+        constexpr std::uint32_t poly_count = 501;
+        const std::size_t count = poly_count * corners;
         std::vector<cVector3D> positions, normals;
         std::vector<cVector2D<double>> texcoords;
         std::vector<cColor> shades;
@@ -285,12 +285,14 @@ void caches(Source& source) {
         for (std::size_t i = 0; i < count; ++i) {
             positions.push_back(source.vector());
             normals.push_back(source.vector());
-            texcoords.push_back({source.number(0.0, 1.0), source.number(0.0, 1.0)});
+            const double u = source.number(0.0, 1.0);
+            const double v = source.number(0.0, 1.0);
+            texcoords.emplace_back(u, v);
             shades.push_back(source.color());
-            indices.push_back(source.bits() % (POLYS * corners));
+            indices.push_back(source.bits() % (poly_count * corners));
         }
         const std::unique_ptr<cRenderCache> cache(
-            __mGraphics_create_render_cache(POLYS, corners, true, true, true, true));
+            __mGraphics_create_render_cache(poly_count, corners, true, true, true, true));
         for (const bool is_indexed : {false, true}) {
             if (is_indexed)
                 __mGraphics_modify_render_cache_from_polys(

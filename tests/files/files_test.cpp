@@ -29,7 +29,9 @@ class Files : public testing::Test, ScratchFolder {
 protected:
     Files() {
         fs::create_directory("folder");
+#if !defined(_WIN32)
         EXPECT_EQ(0, mkfifo("pipe", 0600));
+#endif
     }
 
     static void write(const std::string& path, const std::string& bytes) {
@@ -49,8 +51,10 @@ TEST_F(Files, TextIsReadToTheLengthOfTheFile) {
         write("text", bytes);
         EXPECT_EQ(bytes, string_from("text"));
     }
+#if !defined(_WIN32)
     EXPECT_EQ("", string_from("/dev/zero")); // endless, and without a length
     EXPECT_EQ("", string_from("/proc/self/status"));
+#endif
 }
 
 TEST_F(Files, TextThatCannotBeReadIsRefusedWithOneLine) {
@@ -119,18 +123,18 @@ TEST_F(Files, FoldersAreMadeOneLevelAtATime) {
         bool made;
     };
 
-    for (const auto& [path, made] :
-         {Case{"a/b", false},
-          {"a", true},
-          {"a", false},
-          {"a\\b", true},
-          {"a//b\\\\c", true},
-          {"", false},
-          {"." + std::string(300, '/') + "z", true}, // every second slash goes
-          {"./././././././././././././././" + std::string(229, 'n'), true},
-          {"./././././././././././././././" + std::string(230, 'n'), false}})
+    for (const auto& [path, made] : {
+             Case{"a/b", false}, {"a", true}, {"a", false}, {"a\\b", true}, {"a//b\\\\c", true},
+                 {"", false}, {"." + std::string(300, '/') + "z", true}, // every second slash goes
+#if !defined(_WIN32) // whose own limit is a little lower
+                 {"./././././././././././././././" + std::string(229, 'n'), true},
+#endif
+             {
+                 "./././././././././././././././" + std::string(230, 'n'), false
+             }
+         })
         EXPECT_EQ(made, __mFileOps_create_directory(path.c_str())) << path;
-    for (const char* path : {"a/b/c", "./z", "pipe"})
+    for (const char* path : {"a/b/c", "./z", "folder"})
         EXPECT_TRUE(__mFileOps_file_exists(path)) << path;
     EXPECT_FALSE(__mFileOps_file_exists("a/b/d"));
 }

@@ -12,8 +12,8 @@ namespace {
 // The first promise that is not kept, and what of it.
 std::string first_fault(const ToolRun& run) {
     for (const auto& row : nlohmann::json::parse(run.out))
-        if (row["fault"] != "")
-            return row["promise"].get<std::string>() + ": " + row["fault"].get<std::string>();
+        if (const std::string fault = row["fault"]; !fault.empty())
+            return row["promise"].get<std::string>() + ": " + fault;
     return "";
 }
 

@@ -25,9 +25,11 @@ std::vector<std::string> summary(const ToolRun& run) {
         EXPECT_EQ(lines.size(), plugin["index"]);
         std::string line = plugin["file"].get<std::string>() + (plugin["initialised"] ? "" : "!");
         for (const std::string module : plugin["modules"])
-            line += " " + module;
+            line.append(" ").append(module);
         const std::string reason = plugin["reason"];
-        lines.push_back(reason.empty() ? line : line + ": " + reason);
+        if (!reason.empty())
+            line.append(": ").append(reason);
+        lines.push_back(line);
     }
     for (const auto& file : document["refused"])
         lines.push_back("refused " + file["file"].get<std::string>() + ": " +

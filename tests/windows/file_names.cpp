@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <string_view>
 
 #include <windows.h>
@@ -34,6 +35,7 @@ bool lists(const char* folder, const char* filter, std::string_view name) {
 } // namespace
 
 int main() {
+    std::filesystem::remove_all(L"\u00e4"); // of an earlier run
     constexpr const char* FILE_NAME = "\u00e4/\u20ac \U0001f600.txt";
     expect(__mFileOps_create_directory("\u00e4"), "the folder is not made");
     expect(exists(L"\u00e4"), "the folder has another name");

@@ -19,12 +19,13 @@ namespace {
 
 using quillon::cColor;
 
-// Where distributions keep the font DejaVu Sans.
+// Where distributions keep the font DejaVu Sans, and Windows one that holds as much.
 constexpr const char* FONT_FILES[] = {
     "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf",
     "/usr/share/fonts/TTF/DejaVuSans.ttf",
     "/usr/share/fonts/dejavu/DejaVuSans.ttf",
     "/usr/share/fonts/dejavu-sans-fonts/DejaVuSans.ttf",
+    "C:/Windows/Fonts/arial.ttf",
 };
 
 class Font {

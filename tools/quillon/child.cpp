@@ -8,17 +8,33 @@
 #include "platform.h"
 
 #include <CLI/CLI.hpp>
+#include <chrono>
 #include <exception>
+#include <filesystem>
 #include <map>
 #include <sstream>
+#include <thread>
 
 namespace tool {
 namespace {
 
 using Work = void (*)(const std::vector<std::string>& arguments);
 
-const std::map<std::string, Work> KINDS = {
-    {"file", examine_file}, {"folder", examine_folder}, {"check", check_file}};
+// Removes the folder `arguments[0]` as soon as no program holds a library in it any more.
+void remove_when_free(const std::vector<std::string>& arguments) {
+    std::error_code failure;
+    for (int attempt = 0; attempt < 200; ++attempt) {
+        std::filesystem::remove_all(platform::to_path(arguments.at(0)), failure);
+        if (!failure)
+            return;
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
+}
+
+const std::map<std::string, Work> KINDS = {{"file", examine_file},
+                                           {"folder", examine_folder},
+                                           {"check", check_file},
+                                           {"remove", remove_when_free}};
 
 // Names that are not UTF-8 get the replacement character.
 std::string text_of(const nlohmann::json& line) {

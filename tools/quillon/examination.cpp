@@ -64,7 +64,7 @@ std::string abi_difference(const platform::LibraryFile& library) {
 std::vector<fs::path> files_without(const fs::path& folder, const std::set<std::string>& left_out) {
     std::vector<fs::path> files;
     for (const fs::directory_entry& entry : fs::directory_iterator(folder))
-        if (!left_out.contains(entry.path().filename()))
+        if (!left_out.contains(entry.path().filename().string()))
             files.push_back(entry.path());
     return files;
 }
@@ -85,7 +85,7 @@ public:
     Examiner(fs::path examined, std::vector<std::string> chosen, double seconds)
         : folder(std::move(examined)), choices(std::move(chosen)), limit(seconds) {
         for (const std::string& name : library_names(folder)) {
-            const FileVerdict verdict = examine_alone(folder / name, limit);
+            const FileVerdict verdict = examine_alone(folder / platform::to_path(name), limit);
             reasons[name] = verdict.reason;
             if (verdict.is_dangerous)
                 left_out.insert(name);
@@ -180,7 +180,7 @@ Examination examine(const fs::path& folder, const std::vector<std::string>& choi
 void examine_file(const std::vector<std::string>& arguments) {
     enter_stage("as it is loaded");
     // Stays loaded until the process ends: it holds the code of the exceptions that it throws.
-    static const platform::LibraryFile library(arguments.at(0));
+    static const platform::LibraryFile library(platform::to_path(arguments.at(0)));
     std::string reason = library.reason();
     std::string difference;
     if (reason.empty())
@@ -195,7 +195,7 @@ void examine_file(const std::vector<std::string>& arguments) {
 void examine_folder(const std::vector<std::string>& arguments) {
     enter_stage("in initialize or a connect entry point");
     choose_plugins({arguments.begin() + 1, arguments.end()});
-    report(report_on(arguments.at(0)));
+    report(report_on(platform::to_path(arguments.at(0))));
 }
 
 } // namespace tool

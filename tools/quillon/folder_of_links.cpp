@@ -10,12 +10,11 @@ namespace tool {
 FolderOfLinks::FolderOfLinks(const std::vector<fs::path>& files)
     : folder(platform::make_scratch_folder()) {
     for (const fs::path& file : files)
-        fs::create_symlink(fs::absolute(file), folder / file.filename());
+        platform::link_file(fs::absolute(file), folder / file.filename());
 }
 
 FolderOfLinks::~FolderOfLinks() {
-    std::error_code ignored;
-    fs::remove_all(folder, ignored);
+    platform::remove_folder(folder);
 }
 
 } // namespace tool

@@ -3,6 +3,7 @@
 #include "command.h"
 #include "documents.h"
 #include "nearest_word.h"
+#include "platform.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -75,6 +76,7 @@ ExitCode parse_and_run(int argc, char** argv) {
     CLI::App app("Looks after plug-ins and pictures through the quillon library.", "quillon");
     app.set_version_flag("--version", VERSION);
     app.require_subcommand(1);
+    app.allow_windows_style_options(false); // a path may begin with a slash everywhere
     std::vector<std::pair<CLI::App*, Action>> actions;
     for (const Command& command : commands()) {
         CLI::App* arguments = app.add_subcommand(command.name, command.summary);
@@ -105,9 +107,12 @@ ExitCode parse_and_run(int argc, char** argv) {
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc > 1 && argv[1] == std::string_view(CHILD_ARGUMENT))
-        return run_as_child({argv + 2, argv + argc});
-    const ExitCode code = parse_and_run(argc, argv);
+    std::vector<std::string> words = platform::begin_program(argc, argv);
+    if (argc > 1 && words[1] == CHILD_ARGUMENT)
+        return run_as_child({words.begin() + 2, words.end()});
+    std::vector<char*> pointers(words.size());
+    std::ranges::transform(words, pointers.begin(), [](std::string& word) { return word.data(); });
+    const ExitCode code = parse_and_run(static_cast<int>(pointers.size()), pointers.data());
     if (!std::cout.flush()) {
         std::cerr << "quillon: cannot write to the standard output\n";
         return FAILED;

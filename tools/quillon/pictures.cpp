@@ -2,6 +2,7 @@
 #include "pictures.h"
 
 #include "command.h"
+#include "platform.h"
 #include "plugin_folder.h"
 #include "plugins/contracts/pictures.h"
 #include "quillon/appearance/bitmap.h"
@@ -23,7 +24,7 @@ namespace {
 
 // Why the name of a picture to write is refused; empty if it is fit.
 std::string ending_fault(const std::string& file) {
-    const std::string ending = fs::path(file).extension();
+    const std::string ending = platform::to_path(file).extension().string();
     for (const char* known : {".png", ".jpg", ".jpeg"})
         if (quillon::equal_ignoring_case(known, ending))
             return "";
@@ -49,7 +50,7 @@ void open_graphics(const std::string& folder) {
     if (folder.empty())
         open_own_plugin("image");
     else
-        open_plugins(folder);
+        open_plugins(platform::to_path(folder));
     if (__mGraphics_instance()->interface == nullptr)
         throw Failure(folder.empty()
                           ? "the picture plug-in of this tool does not load; name a folder with "

@@ -2,6 +2,7 @@
 // The tool's own calls of the operating system.
 #pragma once
 
+#include <cstdio>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -9,7 +10,19 @@
 
 namespace tool::platform {
 
+#if defined(_WIN32)
+inline constexpr const char* LIBRARY_EXTENSION = ".dll";
+#else
 inline constexpr const char* LIBRARY_EXTENSION = ".so";
+#endif
+
+// The path that a text names: UTF-8 on Windows, and whatever bytes elsewhere.
+inline std::filesystem::path to_path(const std::string& text) {
+    return std::u8string(text.begin(), text.end());
+}
+
+// The arguments of `main`, in UTF-8; a terminal takes UTF-8 from now on.
+std::vector<std::string> begin_program(int argc, char** argv);
 
 std::filesystem::path executable();
 
@@ -19,8 +32,15 @@ bool output_is_terminal();
 // The columns of the terminal behind the standard output; 80 if there is none.
 int output_columns();
 
-// A new empty folder, to be removed by the caller.
+// A new empty folder, for remove_folder.
 std::filesystem::path make_scratch_folder();
+
+// Removes a folder and all that is in it. One that holds a loaded library may stay until this
+// program has ended.
+void remove_folder(const std::filesystem::path& folder);
+
+// Makes another name for a file, or a copy where the system has no such names.
+void link_file(const std::filesystem::path& file, const std::filesystem::path& name);
 
 // How a process of this program ended.
 struct ProcessRun {
@@ -57,7 +77,7 @@ public:
 
 private:
     struct CloseFile {
-        void operator()(std::FILE* file) const;
+        void operator()(std::FILE* file) const { std::fclose(file); }
     };
 
     std::unique_ptr<std::FILE, CloseFile> kept;
@@ -83,8 +103,11 @@ public:
     const std::string& reason() const { return why_not; }
 
 private:
-    void* library = nullptr;
+    // Null, and the reason, if it does not load.
+    static void* load(const std::filesystem::path& file, std::string& reason);
+
     std::string why_not;
+    void* library;
 };
 
 // Of a loaded library's handle: the file, the function that it exports itself (null if there is

@@ -2,7 +2,6 @@
 #include "platform.h"
 
 #include "command.h"
-#include "elf_file.h"
 
 #include <dlfcn.h>
 #include <link.h>
@@ -24,22 +23,12 @@ const char* plain_reason(const std::string& loader_text) {
 
 } // namespace
 
+std::vector<std::string> begin_program(int argc, char** argv) {
+    return {argv, argv + argc};
+}
+
 fs::path executable() {
     return fs::read_symlink("/proc/self/exe");
-}
-
-void OutputCapture::CloseFile::operator()(std::FILE* file) const {
-    std::fclose(file);
-}
-
-std::string file_fault(const fs::path& file) {
-    std::error_code error;
-    if (fs::is_regular_file(file, error))
-        return elf_fault(file);
-    if (error && fs::is_symlink(fs::symlink_status(file)))
-        return "a link that leads nowhere, to '" + fs::read_symlink(file).string() +
-               "': " + error.message();
-    return error ? "not a file: " + error.message() : "not a file";
 }
 
 int output_columns() {
@@ -78,14 +67,13 @@ std::string OutputCapture::text() const {
     }
 }
 
-LibraryFile::LibraryFile(const fs::path& file) : why_not(file_fault(file)) {
-    if (!why_not.empty())
-        return;
-    library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (library != nullptr)
-        return;
-    const std::string text = dlerror();
-    why_not = plain_reason(text) + text;
+void* LibraryFile::load(const fs::path& file, std::string& reason) {
+    void* const library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (library == nullptr) {
+        const std::string text = dlerror();
+        reason = plain_reason(text) + text;
+    }
+    return library;
 }
 
 LibraryFile::~LibraryFile() {

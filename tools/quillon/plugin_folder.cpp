@@ -38,10 +38,9 @@ fs::path own_folder(const std::string& name) {
 // stays behind however the process ends.
 class EmptyDirectory {
 public:
-    EmptyDirectory() : before(fs::current_path()) {
-        const fs::path folder = platform::make_scratch_folder();
+    EmptyDirectory() : before(fs::current_path()), folder(platform::make_scratch_folder()) {
         fs::current_path(folder);
-        fs::remove(folder);
+        remove();
     }
 
     EmptyDirectory(const EmptyDirectory&) = delete;
@@ -50,10 +49,17 @@ public:
     ~EmptyDirectory() {
         std::error_code ignored;
         fs::current_path(before, ignored);
+        remove(); // Windows keeps a folder that is the current one
     }
 
 private:
+    void remove() const {
+        std::error_code ignored;
+        fs::remove(folder, ignored);
+    }
+
     fs::path before;
+    fs::path folder;
 };
 
 void open_here_or_apart(const fs::path& folder) {
@@ -61,7 +67,7 @@ void open_here_or_apart(const fs::path& folder) {
         __mCore_open();
         return;
     }
-    __mCore_parse_folder_for_plugins(fs::absolute(folder).c_str());
+    __mCore_parse_folder_for_plugins(fs::absolute(folder).string().c_str());
     const EmptyDirectory apart;
     __mCore_open();
 }

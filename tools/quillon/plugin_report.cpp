@@ -67,7 +67,7 @@ const Plugins& loaded_plugins() {
     const auto inspector = static_cast<std::int16_t>(__mCore_get_plugin_count());
     {
         const platform::OutputCapture capture;
-        __mCore_parse_folder_for_plugins(inspector_folder().c_str());
+        __mCore_parse_folder_for_plugins(inspector_folder().string().c_str());
     }
     const Plugins* plugins = nullptr;
     __mCore_call_plugin_function(inspector, "give_plugins", &plugins);

@@ -3,6 +3,7 @@
 #include "child.h"
 #include "command.h"
 #include "examination.h"
+#include "platform.h"
 #include "plugin_folder.h"
 #include "table.h"
 
@@ -88,7 +89,7 @@ struct Arguments {
 
 ExitCode list_plugins(const Arguments& arguments) {
     const fs::path folder =
-        arguments.folder.empty() ? default_plugin_folder() : fs::path(arguments.folder);
+        arguments.folder.empty() ? default_plugin_folder() : platform::to_path(arguments.folder);
     const Examination examination = examine(folder, arguments.choices, arguments.limit);
     const PluginReport& report = examination.report;
     std::cerr << examination.printed;

@@ -149,6 +149,15 @@ std::filesystem::path make_scratch_folder() {
     return name;
 }
 
+void remove_folder(const std::filesystem::path& folder) {
+    std::error_code ignored;
+    std::filesystem::remove_all(folder, ignored);
+}
+
+void link_file(const std::filesystem::path& file, const std::filesystem::path& name) {
+    std::filesystem::create_symlink(file, name);
+}
+
 ProcessRun run_self(const std::vector<std::string>& arguments, double seconds) {
     const InterruptionsNoted guard;
     const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(

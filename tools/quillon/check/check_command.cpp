@@ -6,6 +6,7 @@
 #include "command.h"
 #include "examination.h"
 #include "folder_of_links.h"
+#include "platform.h"
 #include "table.h"
 
 #include <CLI/CLI.hpp>
@@ -49,12 +50,13 @@ std::vector<Result> results_of(const ChildReport& run) {
 }
 
 std::vector<Result> examine_and_check(const Arguments& arguments) {
-    const FileVerdict verdict = examine_alone(arguments.file, arguments.limit);
+    const fs::path file = platform::to_path(arguments.file);
+    const FileVerdict verdict = examine_alone(file, arguments.limit);
     if (!verdict.reason.empty())
         return {{"plug-in", "loads", verdict.reason}};
     const FolderOfLinks scratch({});
-    const ChildReport run = run_child(
-        {"check", fs::absolute(arguments.file).string(), scratch.path().string()}, arguments.limit);
+    const ChildReport run =
+        run_child({"check", fs::absolute(file).string(), scratch.path().string()}, arguments.limit);
     std::cerr << run.error;
     return results_of(run);
 }

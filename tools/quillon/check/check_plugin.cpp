@@ -182,7 +182,7 @@ const Service SERVICES[] = {
 // As in a host, the library knows the plug-in that is connected.
 void register_plugin(const fs::path& file) {
     const platform::OutputCapture without_its_lines;
-    __mCore_parse_folder_for_plugins(FolderOfLinks({file}).path().c_str());
+    __mCore_parse_folder_for_plugins(FolderOfLinks({file}).path().string().c_str());
 }
 
 void check_texts(const Patient& patient) {
@@ -259,9 +259,9 @@ void check(const std::string& subject, const std::string& promise,
 }
 
 void check_file(const std::vector<std::string>& arguments) {
-    checked_file = arguments.at(0);
+    checked_file = platform::to_path(arguments.at(0));
     register_plugin(checked_file);
-    fs::current_path(arguments.at(1));
+    fs::current_path(platform::to_path(arguments.at(1)));
     platform::hide_display();
     Patient patient(checked_file);
     check_texts(patient);

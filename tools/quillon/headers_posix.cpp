@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "elf_file.h"
+// ELF headers.
+#include "library_headers.h"
 
 #include "platform.h"
 
@@ -57,7 +58,7 @@ bool holds_all_segments(const File& file, const Header& header, std::uintmax_t s
 
 } // namespace
 
-std::string elf_fault(const fs::path& path) {
+std::string header_fault(const fs::path& path) {
     Header header{};
     const File file(std::fopen(path.c_str(), "rb"));
     const std::size_t count = file == nullptr ? 0 : read_at(file, 0, &header, sizeof header);

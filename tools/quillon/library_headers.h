@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// ELF headers, read without the system's loader, which ends the process on some damaged files.
+// The headers of a library's file, read without the system's loader, which ends the process on some
+// damaged files.
 #pragma once
 
 #include <filesystem>
@@ -8,6 +9,6 @@
 namespace tool::platform {
 
 // Why a regular file is no library of this machine; empty if its headers are in order.
-std::string elf_fault(const std::filesystem::path& path);
+std::string header_fault(const std::filesystem::path& path);
 
 } // namespace tool::platform
