@@ -22,6 +22,8 @@
     #include <windows.h>
 
     #include <psapi.h>
+
+    #undef interface
 #endif
 
 // On Windows they lack a drive, which is that of the folder in which the test starts.
