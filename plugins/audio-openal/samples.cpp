@@ -2,12 +2,13 @@
 #include "samples.h"
 
 #include "failure.h"
+#include "sound_file.h"
+
+#include "plugins/utf8_path.h"
 
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
-#include <memory>
-#include <sndfile.h>
 #include <span>
 #include <string>
 
@@ -20,21 +21,15 @@ namespace {
 constexpr std::size_t MAX_VALUES = (256U << 20) / sizeof(std::int16_t);
 constexpr std::size_t BLOCK_VALUES = 1U << 16;
 
-struct CloseFile {
-    void operator()(SNDFILE* file) const { sf_close(file); }
-};
-
-using File = std::unique_ptr<SNDFILE, CloseFile>;
-
 [[noreturn]] void refuse(const std::string& file, const std::string& reason) {
     throw Failure("cannot read '" + file + "': " + reason);
 }
 
 // Opening a pipe would wait for a writer that never comes.
-void expect_regular_file(const char* file) {
+void expect_regular_file(const fs::path& path, const char* name) {
     std::error_code error;
-    if (!fs::is_regular_file(file, error))
-        refuse(file, error ? error.message() : "not a file");
+    if (!fs::is_regular_file(path, error))
+        refuse(name, error ? error.message() : "not a file");
 }
 
 // Exact for 16-bit files; louder samples than full scale are clipped.
@@ -56,9 +51,10 @@ void read_all(SNDFILE* file, const char* name, std::vector<std::int16_t>& values
 } // namespace
 
 Samples read_sound(const char* name) {
-    expect_regular_file(name);
+    const fs::path path = utf8_path(name);
+    expect_regular_file(path, name);
     SF_INFO info{};
-    const File file(sf_open(name, SFM_READ, &info));
+    const SoundFile file = open_sound_file(path, info);
     if (file == nullptr)
         refuse(name, sf_strerror(nullptr));
     if (info.channels > 2)

@@ -100,7 +100,7 @@ void read_header(Reader& reader, std::span<const std::uint8_t> file) {
         jpeg_create_decompress(&reader.codec);
         reader.progress.progress_monitor = on_progress;
         reader.codec.progress = &reader.progress;
-        jpeg_mem_src(&reader.codec, file.data(), file.size());
+        jpeg_mem_src(&reader.codec, file.data(), static_cast<unsigned long>(file.size()));
         jpeg_read_header(&reader.codec, TRUE);
     });
 }

@@ -2,6 +2,9 @@
 #include "picture_files.h"
 
 #include "codecs.h"
+#include "open_file.h"
+
+#include "plugins/utf8_path.h"
 
 #include "quillon/containers/name_hash.h"
 
@@ -43,15 +46,15 @@ struct CloseFile {
 using File = std::unique_ptr<std::FILE, CloseFile>;
 
 // Only a regular file has a size, and opening a pipe could wait for ever.
-std::vector<std::uint8_t> file_bytes(const char* name) {
+std::vector<std::uint8_t> file_bytes(const fs::path& path) {
     std::error_code failure;
-    const std::uintmax_t size = fs::file_size(name, failure);
+    const std::uintmax_t size = fs::file_size(path, failure);
     if (failure)
         throw std::runtime_error(failure.message());
     if (size > MAX_PICTURE_FILE_BYTES)
         throw std::runtime_error("the file has more than " +
                                  std::to_string(MAX_PICTURE_FILE_BYTES) + " bytes");
-    const File file(std::fopen(name, "rb"));
+    const File file(open_file(path, Access::Read));
     if (file == nullptr)
         throw std::system_error(errno, std::generic_category());
     std::vector<std::uint8_t> bytes(size);
@@ -70,8 +73,9 @@ const Format& format_of_content(std::span<const std::uint8_t> file) {
     return *found;
 }
 
-const Format& format_of_name(const char* name) {
-    const std::string extension = fs::path(name).extension().string();
+const Format& format_of_name(const fs::path& path) {
+    const std::u8string letters = path.extension().u8string();
+    const std::string extension(letters.begin(), letters.end());
     const auto* const found = std::ranges::find_if(FORMATS, [&extension](const Format& format) {
         return std::ranges::any_of(format.extensions, [&extension](std::string_view known) {
             return equal_ignoring_case(known, extension);
@@ -81,8 +85,8 @@ const Format& format_of_name(const char* name) {
 }
 
 // Writes to the open file and closes it.
-void write_file(File file, const char* name, const PictureView& picture) {
-    format_of_name(name).write(picture, file.get());
+void write_file(File file, const Format& format, const PictureView& picture) {
+    format.write(picture, file.get());
     if (std::fclose(file.release()) != 0)
         throw std::system_error(errno, std::generic_category());
 }
@@ -94,15 +98,15 @@ void remove_leftover(const fs::path& path) {
         fs::remove(path, ignored);
 }
 
-void write_or_remove(const char* name, const PictureView& picture) {
+void write_or_remove(const fs::path& path, const PictureView& picture) {
     if (picture.pixels == nullptr || picture.width == 0 || picture.height == 0)
         throw std::runtime_error("there are no pixels to write");
-    const fs::path path(name); // made now, as there may be no memory for it later
-    File file(std::fopen(name, "wb"));
+    const Format& format = format_of_name(path);
+    File file(open_file(path, Access::Write));
     if (file == nullptr)
         throw std::system_error(errno, std::generic_category());
     try {
-        write_file(std::move(file), name, picture);
+        write_file(std::move(file), format, picture);
     } catch (...) {
         remove_leftover(path);
         throw;
@@ -140,7 +144,7 @@ void prepare() {
 void load_bitmap(LastError& error, const char* name, void* width, void* height, void* pixels) {
     Picture picture{};
     const bool is_loaded = succeeds(error, "load", name, [name, &picture] {
-        const std::vector<std::uint8_t> bytes = file_bytes(name);
+        const std::vector<std::uint8_t> bytes = file_bytes(utf8_path(name));
         picture = format_of_content(bytes).read(bytes);
     });
     if (!is_loaded)
@@ -152,7 +156,9 @@ void load_bitmap(LastError& error, const char* name, void* width, void* height, 
 
 bool save_bitmap(LastError& error, const char* name, std::uint16_t width, std::uint16_t height,
                  const std::uint8_t* pixels) {
-    return succeeds(error, "save", name, [&] { write_or_remove(name, {width, height, pixels}); });
+    return succeeds(error, "save", name, [&] {
+        write_or_remove(utf8_path(name), {width, height, pixels});
+    });
 }
 
 } // namespace quillon::codecs

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "font_file.h"
 
+#include "plugins/utf8_path.h"
+
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -57,14 +59,15 @@ bool is_whole(Bytes file) {
 } // namespace
 
 std::vector<std::uint8_t> read_font_file(const std::string& file) {
+    const std::filesystem::path path = utf8_path(file);
     std::error_code failure;
-    const std::uintmax_t size = std::filesystem::file_size(file, failure);
+    const std::uintmax_t size = std::filesystem::file_size(path, failure);
     if (failure)
         throw std::runtime_error("cannot read the font '" + file + "': " + failure.message());
     if (size > MAX_BYTES)
         throw std::runtime_error("the font '" + file + "' is too large");
     std::vector<std::uint8_t> bytes(size);
-    std::ifstream(file, std::ios::binary)
+    std::ifstream(path, std::ios::binary)
         .read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(size));
     if (!is_whole(bytes))
         throw std::runtime_error("'" + file + "' is not a TrueType font, or damaged");

@@ -12,7 +12,7 @@ namespace {
 using quillon::input_sdl::Device;
 using quillon::input_sdl::DigitalStates;
 
-constinit Device device;
+Device device; // made at the load where a std::mutex cannot be constinit
 
 template <DigitalStates::Question question>
 bool answer(std::uint16_t code) {

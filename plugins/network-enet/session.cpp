@@ -2,11 +2,11 @@
 #include "session.h"
 
 #include "failure.h"
+#include "socket_errors.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
-#include <cstring>
+#include <system_error>
 
 namespace quillon::network_enet {
 
@@ -95,12 +95,12 @@ void Session::expect_idle() {
 
 void Session::open(const ENetAddress* address, std::uint32_t connections,
                    std::uint32_t game_protocol) {
-    errno = 0;
+    clear_socket_error();
     socket.reset(enet_host_create(address, connections, CHANNEL_COUNT, 0, 0));
-    if (socket == nullptr && errno == EADDRINUSE)
+    if (socket == nullptr && is_address_in_use(socket_error()))
         throw Failure("port " + text_of(address->port) + " is in use; choose another");
     if (socket == nullptr)
-        throw Failure(std::string("cannot open a socket: ") + std::strerror(errno));
+        throw Failure("cannot open a socket: " + std::system_category().message(socket_error()));
     socket->checksum = enet_crc32;
     socket->maximumPacketSize = MAX_NETWORK_MESSAGE_BYTES + 1;
     protocol = game_protocol;
@@ -251,7 +251,7 @@ bool Session::receive(ENetEvent& event) {
     const int result = is_receiving ? enet_host_check_events(socket.get(), &event)
                                     : enet_host_service(socket.get(), &event, 0);
     if (result < 0)
-        send_error = errno;
+        send_error = socket_error();
     is_receiving = result > 0;
     if (!is_receiving)
         enet_host_flush(socket.get());
@@ -345,7 +345,7 @@ void Session::expire() {
         std::string text = host_name + " does not answer within " +
                            std::to_string(std::lround(join_seconds * 1000)) + " ms";
         if (send_error != 0)
-            text += std::string(": ") + std::strerror(send_error);
+            text += ": " + std::system_category().message(send_error);
         report_left(peer, text);
         enet_peer_reset(peer.connection);
         peer.connection = nullptr;

@@ -108,7 +108,7 @@ private:
     PeerHandle last_handle = 0;
     std::string host_name; // and port, on the side that joins
     double join_seconds = 0;
-    int send_error = 0; // errno
+    int send_error = 0; // of the system
     std::uint64_t bytes_sent = 0;
     std::uint64_t bytes_received = 0;
 };
