@@ -59,8 +59,9 @@ const char* last_error() {
 
 SoundHandle load_sound(const char* file) {
     return attempt([=] {
+        Mixer& target = mixer(); // now, as its reason would replace that of the file
         const audio_openal::Samples sound = audio_openal::read_sound(file);
-        return mixer().add_sound(sound.values, sound.channels, sound.frames_per_second);
+        return target.add_sound(sound.values, sound.channels, sound.frames_per_second);
     });
 }
 
