@@ -178,6 +178,20 @@ TEST(Plugins, OneThatWouldTakeTheHostAlongIsARowAmongTheOthers) {
                 HasSubstr("\n-      1_crashes.so           -         -        -              -"));
 }
 
+TEST(Plugins, KilledToolTakesAHangingPluginAlong) {
+    const ScratchFolder folder;
+    copy_fixtures({"hangs"});
+    EXPECT_EQ(
+        0,
+        std::system(
+            "exec > /dev/null; " TOOL_FILE " plugins & tool=$!;"
+            "for i in $(seq 200); do"
+            "  child=$(pgrep -P $tool -f 'child folder') && break; sleep 0.1; done;"
+            "kill -KILL $tool; [ \"$child\" ] || exit 1;"
+            "for i in $(seq 50); do"
+            "  kill -0 $child 2> /dev/null || exit 0; sleep 0.1; done; kill -KILL $child; exit 1"));
+}
+
 TEST(Plugins, EachModuleSaysWhoServesItAndWhy) {
     const ScratchFolder folder;
     copy_fixtures({"refuses", "graphics", "all_five", "input_and_system", "no_connect"});

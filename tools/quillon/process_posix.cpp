@@ -13,6 +13,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sstream>
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -81,8 +82,13 @@ private:
     int ends[2] = {-1, -1};
 };
 
-[[noreturn]] void become(const std::vector<std::string>& arguments, int out, int error) {
+[[noreturn]] void become(const std::vector<std::string>& arguments, int out, int error,
+                         pid_t parent) {
     setpgid(0, 0);
+    // Nobody else ends a plug-in that hangs once this tool was killed.
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (getppid() != parent)
+        _exit(127);
     const std::string program = executable();
     std::vector<char*> words = {const_cast<char*>(program.c_str())};
     for (const std::string& argument : arguments)
@@ -164,11 +170,12 @@ ProcessRun run_self(const std::vector<std::string>& arguments, double seconds) {
                                         std::chrono::duration<double>(seconds));
     Pipe out;
     Pipe error;
+    const pid_t parent = getpid();
     const pid_t child = fork();
     if (child < 0)
         throw Failure(std::string("cannot start a process: ") + std::strerror(errno));
     if (child == 0)
-        become(arguments, out.writer(), error.writer());
+        become(arguments, out.writer(), error.writer(), parent);
     setpgid(child, child);
     out.close_writer();
     error.close_writer();
