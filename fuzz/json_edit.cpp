@@ -29,7 +29,10 @@ cson_value* make_member(int number) {
 void edit_object(Value& value, unsigned operation, int number) {
     cson_object* object = cson_value_object(value.get());
     const std::string key(static_cast<std::size_t>(number) % 50 + 1, 'k');
-    const bool present = cson_object_find(object, key.c_str(), nullptr) != nullptr;
+    std::uint32_t index = 0;
+    const cson_kvp* pair = cson_object_find(object, key.c_str(), &index);
+    const bool present = pair != nullptr;
+    check(!present || pair == object->list.items[index], "the index of a pair");
     if (operation == 0) {
         check(cson_object_put_text(object, key.c_str(), make_member(number)) == cson_OK, "put");
     } else if (operation == 1) {

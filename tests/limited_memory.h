@@ -10,6 +10,7 @@
 inline std::size_t allocations = 0;
 inline std::size_t allocations_left = SIZE_MAX; // how many succeed before all fail
 
+// NOLINTBEGIN(misc-definitions-in-headers)
 // gcc would take an inlined one for a mismatch with the other.
 // NOLINTBEGIN(misc-definitions-in-headers): replacements may not be inline
 [[gnu::noinline]] void* operator new(std::size_t size) {

@@ -120,18 +120,18 @@ TEST_F(Containers, ThoseThatReferNeverDestroy) {
 // Leaves another one in its list, which may move the storage.
 struct Returning {
     DSParray<Returning>* list;
+    Returning* another;
 
     ~Returning() {
         if (list != nullptr)
-            // NOLINTNEXTLINE(bugprone-unhandled-exception-at-new): that would end the test
-            list->add(new Returning{nullptr}, DSP_APPEND);
+            list->add(another, DSP_APPEND);
     }
 };
 
 TEST_F(Containers, ListRemovesTheRightElementIfItsDestructorAppends) {
     DSParray<Returning> list;
-    auto* const first = list.add(new Returning{nullptr}, DSP_APPEND);
-    list.add(new Returning{&list}, DSP_APPEND);
+    auto* const first = list.add(new Returning{}, DSP_APPEND);
+    list.add(new Returning{&list, new Returning{}}, DSP_APPEND);
     EXPECT_TRUE(list.remove(1, false));
     EXPECT_EQ(first, list.get(0));
     EXPECT_EQ(nullptr, list.get(1)->list);

@@ -129,6 +129,12 @@ void names(Source&) {
             digest.add(color);
         digest.add(material.shininess);
     }
+    for (const char* name : {"fade", "monochrome", "health", "mana", "skin", "flame", "hue"}) {
+        const cGradient* gradient = __nsGradient_gradient_table(name);
+        digest.add_text(gradient->name);
+        for (const float t : {0.0F, 0.25F, 0.5F, 0.75F, 1.0F, 2.0F})
+            digest.add(gradient->function(t));
+    }
     const auto add_all = [&](const auto& table) {
         for (const char* name : table)
             digest.add_text(name);
@@ -219,12 +225,12 @@ void splines(Source& source) {
     for (int i = 0; i < TURNS; ++i) {
         cSpline3D path(i % 2 != 0);
         for (int count = 2 + i % 7; count > 0; --count) {
-            const cVector3D point = source.vector();
+            const cVector3D point = source.vector() * 0.2;
             const bool is_repeated = path.count > 0 && i % 5 == count;
             __cSpline3d_add_control_point(path, is_repeated ? path.points[path.count - 1] : point);
         }
         const double found =
-            __cSpline3d_get_value_closest_to(path, source.vector(), i % 3 * 0.05, i % 12);
+            __cSpline3d_get_value_closest_to(path, source.vector() * 0.2, i % 3 * 0.05, i % 12);
         if (std::abs(found) < 32000.0) // beyond it leaves for good, to NaN too
             digest.add(found);
     }
@@ -343,6 +349,30 @@ int append(void* text, const void* bytes, std::uint32_t length) {
     return 0;
 }
 
+// The outcome of three characters after each of these, which lead to every state of the grammar.
+void grammar(Source&) {
+    Digest digest("grammar");
+    constexpr std::string_view letters = " \t{[:\"\\/+-.01abcdeflnrstuAE~*,]}";
+    for (const char* start :
+         {"",    "[",      "[0,",      "{\"a\"",   "{\"a\":",    "{\"a\":0,",
+          "[\"", "[\"\\u", "[\"\\u00", "[\"\\ud8", "[\"\\ud83d", "[\"\\ud83d\\ude",
+          "[-",  "[1.",    "[1e",      "[1e+",     "[tr",        "[fal",
+          "[nu", "[/*"})
+        for (const char first : letters)
+            for (const char second : letters)
+                for (const char third : letters) {
+                    const std::string text = std::string(start) + first + second + third;
+                    const cson_read_options options{25, 1};
+                    cson_read_info info;
+                    cson_value* value = nullptr;
+                    digest.add(cson_read_text(&value, text.data(),
+                                              static_cast<std::uint32_t>(text.size()), &options,
+                                              &info));
+                    digest.add(info.length, info.error_code, info.total_value_count);
+                    cson_value_release(value);
+                }
+}
+
 void documents(Source& source) {
     Digest digest("json");
     for (int i = 0; i < TURNS; ++i) {
@@ -369,7 +399,7 @@ void documents(Source& source) {
 int main() {
     __mPhysics_open();
     for (const auto part : {constants, names, entries, tables, rotations, splines, colors, bitmaps,
-                            caches, messages, documents}) {
+                            caches, messages, grammar, documents}) {
         Source source;
         part(source);
     }

@@ -91,8 +91,9 @@ private:
     }
 
     static std::size_t deliver(const Mailbox& box, quillon::cMessage* message) {
-        for (std::size_t i = 0; i < box.observers.size(); ++i)
-            box.observers[i]->receive_message(message);
+        std::size_t position = 0;
+        while (position < box.observers.size()) // which may change meanwhile
+            box.observers[position++]->receive_message(message);
         return box.observers.size();
     }
 
