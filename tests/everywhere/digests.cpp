@@ -132,7 +132,7 @@ void names(Source&) {
     for (const char* name : {"fade", "monochrome", "health", "mana", "skin", "flame", "hue"}) {
         const cGradient* gradient = __nsGradient_gradient_table(name);
         digest.add_text(gradient->name);
-        for (const float t : {0.0F, 0.25F, 0.5F, 0.75F, 1.0F, 2.0F})
+        for (const float t : {0.0F, 0.25F, 0.3F, 0.5F, 0.75F, 1.0F, 2.0F})
             digest.add(gradient->function(t));
     }
     const auto add_all = [&](const auto& table) {
