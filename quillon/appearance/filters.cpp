@@ -85,10 +85,11 @@ uint32_t fixed_point_product(uint32_t byte, uint32_t fixed) {
 
 // A factor in 16.16 fixed point that scales each byte as `factor` does, if there is one.
 //
-// The least that reaches every scaled byte overshoots none: fractions with denominators up to 255
-// are at least 1 / (255 * 254) apart, which is more than 1 / 65536, so that a multiple of the
-// latter lies between the largest scaled / byte and the least (scaled + 1) / byte. There is none if
-// some products of the factor are rounded up to whole numbers and others are not, as with 1.05.
+// The smallest one whose products reach every scaled byte exceeds none of them: fractions with
+// denominators up to 255 are at least 1 / (255 * 254) apart, which is more than 1 / 65536, so that
+// a multiple of the latter lies between the largest scaled / byte and the least (scaled + 1) /
+// byte. There is none if some products of the factor are rounded up to whole numbers and others are
+// not, as with 1.05.
 std::optional<uint32_t> fixed_point_factor(float factor) {
     uint32_t fixed = 0;
     for (uint32_t byte = 1; byte <= 255; ++byte)

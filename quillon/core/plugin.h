@@ -80,8 +80,8 @@ QUILLON_PLUGIN_EXPORT void connect_sound_interface(void** table);
 // The seventh entry point, optional and already defined: the library's end of life, which calls
 // `shutdown`, comes before the end of the static objects that exist when it is called.
 //
-// Exit handlers of a DLL are its own here, and a plug-in's run before the library's. A null takes
-// back what was given: the DLL may outlive the library.
+// Exit handlers of a DLL are its own here, and a plug-in's run before the library's. Null removes
+// the handler: the DLL may outlive the library.
 //
 // It is emitted and exported by hand, as -fno-keep-inline-dllexport, which CMake sets for hidden
 // inline functions, leaves it out.

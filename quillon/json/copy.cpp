@@ -141,7 +141,8 @@ private:
         return true;
     }
 
-    // Both go on to the end of the container on top, or up to one within, which comes first.
+    // Both copy entries of the container on top, up to its end or to the first container among
+    // them.
     bool copy_elements() {
         const std::size_t depth = open.size();
         const cson_value_list& source = payload_of<cson_array>(open.top().source)->list;

@@ -30,8 +30,9 @@ bool is_special(unsigned char c) {
     return c < 0x20 || c == '"' || c == '\\';
 }
 
-// Every operation takes a position and returns the one after what it took, or null where the text
-// isn't plain: a position in a register, as values are written through pointers to anywhere.
+// Every operation receives a position and returns the one after what it read, or null where the
+// text isn't plain. The position is passed on and is no member: so it stays in a register while
+// values are stored through pointers.
 //
 // The text ends in a closing bracket. So every scan but that of a string ends within the text by
 // itself: no blank, digit or letter is a bracket.
@@ -180,9 +181,9 @@ private:
     std::size_t decoded_bytes = 0;
 };
 
-// No text becomes longer by decoding, so the rest of the document has room for every string in it,
-// with what the last word and the last escape may write after it. Memory that no string reaches is
-// never touched.
+// No text becomes longer by decoding, so the length of the rest of the document is enough for every
+// string in it; the margin takes what the last word and the last escape write beyond. Memory that
+// no string reaches is never touched.
 BytesAt DocumentReader::decode_text(BytesAt at) {
     constexpr std::size_t margin = 16;
     if (scratch == nullptr)
@@ -239,7 +240,7 @@ BytesAt DocumentReader::decode_unicode(BytesAt at, unsigned char*& to) const {
     return at;
 }
 
-// That of "\\uXXXX".
+// The code unit of a "\\uXXXX" at `at`; NO_CODE_UNIT for anything else.
 std::uint32_t DocumentReader::code_unit_at(BytesAt at) const {
     const bool is_there = end - at >= ESCAPE_BYTES && at[0] == '\\' && at[1] == 'u';
     return is_there ? code_unit_of(at + 2) : NO_CODE_UNIT;

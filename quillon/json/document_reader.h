@@ -8,7 +8,7 @@
 
 namespace quillon::json {
 
-// Builds the tree of a text of plain JSON; false, with the builder left anywhere, for any other.
+// Builds the tree of a text of plain JSON; false, with the builder in any state, for any other.
 //
 // Not plain are all errors, comments, and numbers that need the platform's conversion: the push
 // parser decides on those. What is accepted here, it accepts with the same tree and counts.

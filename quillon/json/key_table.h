@@ -13,7 +13,7 @@
 namespace quillon::json {
 
 // Open addressing with linear probing, at most half full. A slot keeps its key while the table
-// lasts; whether the present object has it, is a matter of the generation.
+// lasts; its generation tells whether the current object has that key.
 //
 // A plain record, so that a stack can hold it: `free_keys` frees its memory.
 struct KeyTable {

@@ -36,7 +36,7 @@ inline std::uint64_t eight_digits(std::uint64_t bytes) {
 // A number of a JSON text, taken apart.
 class NumberToken {
 public:
-    // False for what doesn't parse. Whether the next byte may follow is for the caller to see.
+    // False for what doesn't parse. The caller checks whether the next byte may follow.
     //
     // Before `limit` there must be a byte that can't be part of a number.
     bool scan(const unsigned char* at, const unsigned char* limit) {
@@ -144,9 +144,9 @@ inline constexpr std::size_t DOUBLE_ROOM = 400;
 // Both write from `at` on, may leave bytes after the text, and return its end.
 unsigned char* put_integer(unsigned char* at, std::int32_t number);
 
-// The very bytes of "%f" under the current locale, whose decimal point is `point`, without the
-// zeros at the end but for one after a ".". Null where that needs the format itself: for 2^53 and
-// more, and for what is too close to call.
+// Exactly the bytes of "%f" under the current locale, whose decimal point is `point`, without the
+// zeros at the end except one after a ".". Null where only the format itself can decide: for 2^53
+// and more, and for a rounding that depends on bits that were cut off.
 //
 // Works in integers: the fraction times 10^6 is exact in 84 bits, and rounds half to even.
 unsigned char* put_double(unsigned char* at, double number, std::string_view point);

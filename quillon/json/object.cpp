@@ -32,7 +32,7 @@ cson_kvp** entry_of(const cson_object* object, std::string_view key) {
     return entry != end ? entry : nullptr;
 }
 
-// What a caller's object and key find: nothing for an empty key, though one may be stored.
+// The pair of a caller's key, or null. An empty key finds nothing, even where one is stored.
 cson_kvp* find(const cson_object* object, std::string_view key, std::uint32_t* index) {
     cson_kvp** entry = object != nullptr && !key.empty() ? entry_of(object, key) : nullptr;
     if (entry != nullptr && index != nullptr)

@@ -14,8 +14,9 @@ constexpr std::size_t HEADER_BYTES = 16;
 constexpr std::size_t LARGEST_BLOCK = 2048;
 
 // Chunks that grow by three come to half as much again as the largest of them. glibc keeps up to
-// twice the largest block that it freed and returns more to the system, page by page; so what one
-// document frees the next one gets, without a page fault. Growth by two comes to just that limit.
+// twice the largest block that it freed and returns more to the system, page by page; so the next
+// document gets what one document frees, without a page fault. Growth by two comes to just that
+// limit.
 constexpr std::size_t GROWTH = 3;
 
 // glibc returns blocks of 32 MiB and more to the system in any case.
@@ -40,7 +41,7 @@ bool Pool::open_chunk() {
     if (block == nullptr)
         return false;
     close_chunk();
-    chunk = new (block) Chunk{1}; // the pool's own hold
+    chunk = new (block) Chunk{1}; // for the pool itself
     next = static_cast<unsigned char*>(block) + HEADER_BYTES;
     // Nothing ends where another allocation may begin: a list knows its inner storage by address.
     end = static_cast<unsigned char*>(block) + chunk_bytes - ALIGNMENT;

@@ -9,9 +9,9 @@
 
 namespace quillon::json {
 
-// A chunk lives until its last block is back, whoever held it last and in whatever order they come.
+// A chunk lives until the last of its blocks is freed, in whatever order that happens.
 struct Chunk {
-    std::uint32_t blocks;
+    std::uint32_t blocks; // not freed yet, and one more while a pool cuts blocks from it
 };
 
 // How far a walk over a tree fetches ahead. A container comes after its entries in memory, so a
@@ -19,8 +19,8 @@ struct Chunk {
 // bench_json it halves the time of writing and of copying deep trees.
 inline constexpr std::intptr_t FETCH_DISTANCE = 4096;
 
-// Fetches the two cache lines that a record may touch so many bytes after a block, which in a walk
-// mostly are of a block that comes soon.
+// Fetches the two cache lines that a record may touch, `bytes_after` bytes after a block. In a walk
+// they mostly belong to a block that is visited soon.
 inline void prefetch(const void* block, std::intptr_t bytes_after) {
     constexpr std::intptr_t cache_line = 64;
     const auto address = reinterpret_cast<std::intptr_t>(block) + bytes_after;
@@ -40,7 +40,7 @@ public:
     ~Pool() { close_chunk(); }
 
     // A block aligned for a pointer and not zeroed, or null. `chunk_offset` leads back to its chunk
-    // and is 0 for a block of its own, which goes by `tag`.
+    // and is 0 for a block of its own, which is allocated with `tag`.
     void* allocate(std::size_t bytes, const char* tag, std::uint32_t& chunk_offset) {
         const std::size_t rounded = (bytes + ALIGNMENT - 1) & ~(ALIGNMENT - 1);
         if (rounded > static_cast<std::size_t>(end - next))
@@ -73,7 +73,7 @@ private:
     std::size_t chunk_bytes = 512;
 };
 
-// Frees a chunk whose last block is back.
+// Frees a chunk whose last block was freed.
 void free_chunk(Chunk* chunk);
 
 // Frees a block as its `chunk_offset` says.

@@ -105,13 +105,13 @@ void trim(cson_push_parser& parser, std::uint32_t count) {
     parser.buffer[parser.buffer_count] = 0;
 }
 
-// Makes room for one byte more and the terminator.
-bool make_room(cson_push_parser& parser) {
+// Makes space for one byte more and the terminator.
+bool make_space(cson_push_parser& parser) {
     return parser.buffer_count + 2 <= parser.buffer_capacity ||
            double_block(parser, parser.buffer, parser.buffer_capacity, parser.static_buffer.data());
 }
 
-// Adds a byte for which there is room.
+// Adds a byte for which there is space.
 void append(cson_push_parser& parser, std::int32_t byte) {
     parser.buffer[parser.buffer_count++] = static_cast<unsigned char>(byte);
     parser.buffer[parser.buffer_count] = 0;
@@ -135,7 +135,7 @@ bool add_escaped(cson_push_parser& parser, std::int32_t letter) {
 // Adds every character, before the table says what it does: the action of one that isn't part of a
 // token drops it again. White space after a number is kept and ignored by the conversion.
 bool add_character(cson_push_parser& parser, std::int32_t character, std::uint8_t id) {
-    if (!make_room(parser))
+    if (!make_space(parser))
         return false;
     if (parser.escaped)
         return add_escaped(parser, character);
@@ -215,7 +215,7 @@ bool close_container(cson_push_parser& parser) {
 }
 
 // A number or keyword that a comment follows is complete at once. A comment that isn't allowed
-// fails without an error code, as it is none of the grammar's.
+// fails without an error code, since there is none for it.
 bool begin_comment(cson_push_parser& parser) {
     if (!parser.allow_comments || !flush(parser))
         return false;
@@ -246,7 +246,7 @@ bool begin_escape(cson_push_parser& parser) {
     return true;
 }
 
-// The buffer ends in "\uXXXX", more bytes than any code point's UTF-8, so there is room for that.
+// The buffer ends in "\uXXXX", more bytes than any code point's UTF-8, so there is space for that.
 bool decode_unicode(cson_push_parser& parser) {
     std::uint32_t code = code_unit_of(parser.buffer + parser.buffer_count - 4);
     trim(parser, 6);

@@ -153,7 +153,7 @@ void count_positions(cson_read_info& info, Text text) {
     info.column = feeds != 0 ? static_cast<std::uint32_t>(end - line) : info.column + text.length;
 }
 
-// False, with nothing changed, for a text that is the push parser's.
+// False, with nothing changed, for a text that only the push parser can decide.
 bool read_plain(cson_value** out, Text text, const cson_read_options* options,
                 cson_read_info* info) {
     const std::uint32_t limit = (options != nullptr ? *options : cson_read_options()).max_depth;

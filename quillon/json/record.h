@@ -161,8 +161,8 @@ void free_storage(List* list) {
     *list = {};
 }
 
-// Makes room for a push: one entry before a list is full its capacity becomes twice the count, and
-// `first` for an empty one; a full list gets one entry. False without memory.
+// Grows a list for a push. The capacity of an empty list becomes `first`; one entry before a list
+// is full, twice its count; a full list gets one entry more. False without memory.
 template <typename List>
 bool grow_for_one(List* list, std::uint32_t first, std::uint32_t (*reserve)(List*, std::uint32_t)) {
     const std::uint64_t count = list->count;

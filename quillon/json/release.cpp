@@ -22,7 +22,8 @@ void free_record(cson_value* value) {
 // entries from the last to the first.
 class ReleaseQueue {
 public:
-    // Takes one reference away and returns how many are left; what has none waits for `drain`.
+    // Removes one reference and returns how many are left. A container without any waits for
+    // `drain`.
     std::uint32_t drop(cson_value* value) {
         if (value == nullptr || cson_value_is_shared(value))
             return 0;
@@ -76,9 +77,9 @@ public:
     }
 
 private:
-    // Drops entries of the innermost container up to a container, which has to be freed before the
-    // next. It is freed itself before its last entry, so that the walk passes a chain of containers
-    // with one entry only once.
+    // Drops entries of the innermost container until one of them is a container to be freed, which
+    // is then the innermost. A container is freed before its last entry, so that a chain of
+    // containers with one entry each is walked only once.
     template <typename List>
     void empty(List& list) {
         cson_value* container = innermost;

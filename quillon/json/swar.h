@@ -48,8 +48,8 @@ inline void store_text(unsigned char* bytes, std::uint64_t word) {
             bytes[i] = static_cast<unsigned char>(word >> 8 * i);
 }
 
-// The first position from `at` on whose byte stops, or the end. `stops_in` tells of eight bytes
-// which of them stop, as the two above do; `stops` tells it of one.
+// The first position from `at` on whose byte stops, or the end. `stops_in` marks those of eight
+// bytes that stop, as the two functions above do; `stops` tests a single byte.
 template <typename StopsIn, typename Stops>
 inline const unsigned char* skip_until(const unsigned char* at, const unsigned char* end,
                                        StopsIn stops_in, Stops stops) {

@@ -72,7 +72,7 @@ TreeBuilder::~TreeBuilder() {
         cson_value_release(entries.top());
 }
 
-// A key that the tree holds already is used again: the members of many objects are named alike.
+// A key that the tree holds already is used again: many objects have the same member names.
 int TreeBuilder::key(const char* text, std::uint32_t length) {
     cson_value*& known = known_keys[slot_of<KNOWN_KEYS>(text, length)];
     const bool is_known = known != nullptr && has_text(known, text, length);

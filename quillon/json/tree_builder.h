@@ -102,7 +102,7 @@ private:
     Stack<OpenContainer> open;
     std::uint32_t ended_entries = 0; // that are no longer on the stack, keys included
     Pool pool;
-    // Keys of this tree that may come again, by a hash. No owners: their pairs live longer.
+    // Keys of this tree by a hash, to be used again. Not counted: pairs of the tree own them.
     std::array<cson_value*, KNOWN_KEYS> known_keys = {};
 };
 

@@ -51,13 +51,13 @@ std::size_t next_piece(std::string_view text, bool& in_string) {
     return is_pair ? 2 : 1;
 }
 
-// Takes the text in runs and passes it to a sink in pieces. Into a buffer that wouldn't grow
-// meanwhile, a run is written at once.
+// Receives the text in runs and passes it to a sink in pieces. A run that a buffer has space for is
+// written into it directly.
 //
-// After the first code other than 0, which is the result, nothing more is taken.
+// The first code other than 0 is the result; what is added after it is ignored.
 class Output {
 public:
-    // The most that may be asked for at once: any double, with what comes before it.
+    // The longest run: any double, with the prefix before it.
     static constexpr std::size_t LARGEST_RUN = 512;
 
     Output(cson_sink used_sink, void* used_state, bool joins = false)
@@ -70,7 +70,7 @@ public:
             code = failure;
     }
 
-    // Where a run of up to `count` bytes may be put; `add` ends it.
+    // Returns space for a run of up to `count` bytes; `add` ends the run.
     unsigned char* space(std::size_t count) {
         const bool fits = buffer != nullptr && code == cson_OK &&
                           std::uint64_t{buffer->used} + count < buffer->capacity;
@@ -141,8 +141,8 @@ Output::Output(cson_buffer& target)
 
 // --- Strings -----------------------------------------------------------------------------------
 
-// By byte: 0 for what goes out unchanged, the letter of a short escape, or "u" for what ends the
-// string (the zero byte) or has to be decoded. A slash is escaped on request alone.
+// By byte: 0 for a byte that is written unchanged, the letter of a short escape, or "u" for one
+// that ends the string (the zero byte) or is beyond ASCII. A slash is escaped on request only.
 constexpr std::array<char, 256> make_letters() {
     std::array<char, 256> letters = {};
     for (std::size_t c = 0x80; c < letters.size(); ++c)
@@ -155,7 +155,7 @@ constexpr std::array<char, 256> make_letters() {
 
 constexpr std::array<char, 256> LETTERS = make_letters();
 
-// The high bit of each of eight bytes that may not go out unchanged; not exact after the first.
+// The high bit of each of eight bytes that cannot be written unchanged; exact up to the first.
 // Each subtraction borrows from the next byte only where its own result is already marked (the
 // SWAR zero-byte test), and bytes beyond ASCII are marked anyway. All control characters are.
 std::uint64_t escaped_in(std::uint64_t bytes, bool escape_slashes) {
@@ -170,7 +170,7 @@ unsigned char* put(unsigned char* to, std::string_view text) {
     return to + text.size();
 }
 
-// What comes before a value or key: up to two bytes, of which two can be read.
+// No prefix. A prefix is written before a value or key: up to two bytes, of which two can be read.
 constexpr std::string_view NOTHING = std::string_view("\0").substr(0, 0);
 
 unsigned char* put_prefix(unsigned char* to, std::string_view prefix) {
@@ -179,7 +179,7 @@ unsigned char* put_prefix(unsigned char* to, std::string_view prefix) {
 }
 
 // The character at `at`, which `escaped_in` has marked, in up to six bytes. Null for one that
-// four hex digits can't say.
+// four hex digits cannot represent.
 unsigned char* put_character(unsigned char* to, Bytes& at, Bytes end, bool escape_slashes) {
     constexpr const char* digits = "0123456789abcdef";
     const unsigned char first = *at;
@@ -212,7 +212,7 @@ std::uint64_t next_bytes(Bytes at, Bytes end) {
 // What `put_characters` may write after its limit: eight bytes at a time, or an escape.
 constexpr std::size_t CHARACTER_SPACE = 16;
 
-// Where the writing of a text has come to, in the output and in the text.
+// Two positions that advance together: in the output, and in the text that is being written.
 struct Cursor {
     unsigned char* to;
     Bytes at;
@@ -404,7 +404,7 @@ private:
         output.add(put(output.space(1), ended.is_array ? "]" : "}"));
     }
 
-    // Goes on to the end of the container on top, or to one within, which comes first.
+    // Writes entries of the container on top, up to its end or to the first container among them.
     void write_entries() {
         const std::size_t depth = open.size();
         Frame& top = open.top();

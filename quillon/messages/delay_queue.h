@@ -73,7 +73,7 @@ public:
     }
 
 private:
-    // Entries that stay move down over those that were removed. Ends by closing what is left open.
+    // Entries that stay move down over those that were removed; the destructor closes the gap.
     struct Walk {
         explicit Walk(DelayQueue& owner) : queue(owner) {}
 
@@ -109,7 +109,7 @@ private:
         std::size_t kept = 0;  // entries before it that stay
     };
 
-    // Takes `number` entries, from the place `first` on, out of sight. 0 shows all.
+    // Hides `number` entries from the place `first` on; a number of 0 hides none.
     void hide(std::size_t first, std::size_t number) {
         cursor = number == 0 ? items.size() : first;
         gap = number;

@@ -25,7 +25,7 @@ public:
     virtual void receive_message(cMessage* message) = 0;
 
 protected:
-    // An observer is destroyed as what it is, so this is neither virtual nor public.
+    // Nobody destroys an observer through this class, so this is neither virtual nor public.
     ~cMessageObserver() = default;
 
     // For the observer's own use.

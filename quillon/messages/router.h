@@ -13,7 +13,7 @@
 
 namespace quillon {
 
-// Sorts observers into one mailbox per message type, and one more for those who want everything.
+// Sorts observers into one mailbox per message type, and one more for observers of every type.
 //
 // For one thread at a time.
 // Observers and messages are referred to and never owned.

@@ -18,7 +18,7 @@ using simd::LANES;
 
 constexpr double SMALLEST_DETERMINANT = 0.0001;
 
-// So many polygons are computed in two short loops, since a processor overlaps more of the roots
+// This many polygons are computed in two short loops, since a processor overlaps more of the roots
 // and divisions of a short one.
 constexpr std::size_t BATCH = 64;
 
