@@ -153,7 +153,7 @@ private:
     // buffer.
     BytesAt take_text(BytesAt at, std::string_view& text) {
         const BytesAt first = at + 1;
-        at = skip_until(first, end, special_in, is_special);
+        at = skip_plain(first);
         if (at == end)
             return nullptr;
         if (*at == '\\') {
@@ -165,7 +165,19 @@ private:
         return *at == '"' ? at + 1 : nullptr;
     }
 
-    BytesAt decode_text(BytesAt first);
+    // The next special byte, or the end.
+    BytesAt skip_plain(BytesAt at) const {
+        for (; end - at >= 8; at += 8) {
+            const std::uint64_t found = special_in(load_text(at));
+            if (found != 0)
+                return at + std::countr_zero(found) / 8;
+        }
+        while (at != end && !is_special(*at))
+            ++at;
+        return at;
+    }
+
+    BytesAt decode_text(BytesAt at);
     BytesAt copy_plain(BytesAt at, unsigned char*& to) const;
     BytesAt decode_escape(BytesAt at, unsigned char*& to) const;
     BytesAt decode_unicode(BytesAt at, unsigned char*& to) const;

@@ -45,7 +45,7 @@ inline bool start_keys(KeyTable& table, std::size_t count) {
         return true;
     const std::size_t wanted = std::max(std::bit_ceil(std::max<std::size_t>(count, 32)) * 2,
                                         std::min(table.capacity * 4, small));
-    if (wanted > table.capacity) {
+    if (table.slots == nullptr || wanted > table.capacity) {
         free_keys(table);
         table.slots = static_cast<KeyTable::Slot*>(
             reallocate(nullptr, wanted * sizeof(KeyTable::Slot), "cson_key_table"));

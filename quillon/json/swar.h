@@ -48,21 +48,6 @@ inline void store_text(unsigned char* bytes, std::uint64_t word) {
             bytes[i] = static_cast<unsigned char>(word >> 8 * i);
 }
 
-// The first position from `at` on whose byte stops, or the end. `stops_in` marks those of eight
-// bytes that stop, as the two functions above do; `stops` tests a single byte.
-template <typename StopsIn, typename Stops>
-inline const unsigned char* skip_until(const unsigned char* at, const unsigned char* end,
-                                       StopsIn stops_in, Stops stops) {
-    for (; end - at >= 8; at += 8) {
-        const std::uint64_t found = stops_in(load_text(at));
-        if (found != 0)
-            return at + std::countr_zero(found) / 8;
-    }
-    while (at < end && !stops(*at))
-        ++at;
-    return at;
-}
-
 // True if the first and the last bytes of `count`, which may overlap, are the same.
 template <typename Word>
 bool same_ends(const void* a, const void* b, std::size_t count) {

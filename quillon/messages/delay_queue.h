@@ -66,10 +66,11 @@ public:
         }
     }
 
-    // Moves an entry to position 0; those before it keep their order.
-    void move_to_front(std::uint32_t position) {
+    // Moves an entry to position 0, and returns it there; those before it keep their order.
+    Entry& move_to_front(std::uint32_t position) {
         for (; position > 0; --position)
             std::swap(entries[position - 1], entries[position]);
+        return entries.front();
     }
 
 private:

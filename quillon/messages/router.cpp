@@ -120,8 +120,7 @@ private:
     // update resumes it, and counts the entries down that this update did not reach.
     void break_off() {
         Mailbox& box = *router.updating;
-        box.queue.move_to_front(delivering);
-        box.queue.get(0)->second = OVERDUE;
+        box.queue.move_to_front(delivering).second = OVERDUE;
 
         count_down(box, delivering + 1);
         auto rest = &box == &router.anything ? router.mailboxes.begin() : std::next(current);
