@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "check/check.h"
+#include "platform.h"
 #include "plugins/contracts/audio.h"
 
 #include <algorithm>
 #include <cmath>
 #include <fstream>
+#include <initializer_list>
 
 namespace tool {
 namespace {
@@ -22,6 +24,22 @@ std::vector<std::int16_t> tone() {
     for (std::size_t i = 0; i < samples.size(); ++i)
         samples[i] = static_cast<std::int16_t>(20'000 * std::sin(0.07 * static_cast<double>(i)));
     return samples;
+}
+
+// As Microsoft's "Multimedia Programming Interface and Data Specifications 1.0" lays it out.
+void write_wav(const std::string& file, const std::vector<std::int16_t>& samples) {
+    const auto size = static_cast<std::uint32_t>(samples.size() * sizeof(std::int16_t));
+    std::ofstream stream(platform::to_path(file), std::ios::binary);
+    const auto put = [&stream](const char* name, std::initializer_list<std::uint32_t> values) {
+        stream << name;
+        for (const std::uint32_t value : values)
+            stream.write(reinterpret_cast<const char*>(&value), sizeof value);
+    };
+    put("RIFF", {36 + size});
+    // One channel of whole numbers; in the last word two bytes a frame, and 16 bits a sample.
+    put("WAVEfmt ", {16, 1 << 16 | 1, RATE, RATE * 2, 16 << 16 | 2});
+    put("data", {size});
+    stream.write(reinterpret_cast<const char*>(samples.data()), size);
 }
 
 quillon::SoundHandle tone_of(const Audio& audio) {
@@ -102,6 +120,16 @@ void check_audio(const Audio& audio) {
         expect_failure(audio, audio.create_sound(samples, 2, 3, RATE) == 0,
                        "create_sound of 3 channels");
         expect_failure(audio, audio.play(0, {}) == 0, "play of sound 0");
+    });
+    check(SUBJECT, "loads a WAV file, whose name is UTF-8", [&] {
+        const std::string file = "tone \u00E4\u20AC.wav";
+        write_wav(file, tone());
+        const auto sound = audio.load_sound(file.c_str());
+        expect_success(audio, sound != 0, "load_sound of " + file);
+        const auto voice = play(audio, sound, false);
+        expect(peak(audio, RATE / 20) > 1000, "what is rendered is silent");
+        audio.stop(voice);
+        audio.release_sound(sound);
     });
     check(SUBJECT, "passes over handles that are none", [&] {
         audio.release_sound(0);

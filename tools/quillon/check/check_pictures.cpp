@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "check/check.h"
+#include "platform.h"
 #include "plugins/contracts/pictures.h"
 
 #include <array>
@@ -13,6 +14,9 @@ namespace {
 constexpr const char* SUBJECT = "GRAPHICS";
 constexpr std::uint16_t WIDTH = 5;
 constexpr std::uint16_t HEIGHT = 3;
+
+// Names are UTF-8 on every system.
+constexpr const char* SAVED = "saved \u00E4\u20AC.png";
 
 using Pixels = std::array<std::uint8_t, std::size_t{WIDTH} * HEIGHT * 4>;
 
@@ -58,10 +62,11 @@ void check_pictures(const quillon::Pictures& pictures) {
     });
     check(SUBJECT, "loads the pixels that it saved, for the caller to delete", [&] {
         Pixels pixels = test_pixels();
-        expect_success(pictures, pictures.save_bitmap("saved.png", WIDTH, HEIGHT, pixels.data()),
-                       "save_bitmap of saved.png");
-        const Loaded loaded = load(pictures, "saved.png");
-        expect_success(pictures, loaded.pixels != nullptr, "load_bitmap of saved.png");
+        expect_success(pictures, pictures.save_bitmap(SAVED, WIDTH, HEIGHT, pixels.data()),
+                       std::string("save_bitmap of ") + SAVED);
+        expect(std::filesystem::exists(platform::to_path(SAVED)), "the file has another name");
+        const Loaded loaded = load(pictures, SAVED);
+        expect_success(pictures, loaded.pixels != nullptr, std::string("load_bitmap of ") + SAVED);
         expect(loaded.width == WIDTH && loaded.height == HEIGHT, "the size is another one");
         expect(std::equal(pixels.begin(), pixels.end(), loaded.pixels.get()),
                "the pixels are others");
