@@ -17,7 +17,7 @@ const fs::path PROGRAMS = fs::absolute(PROGRAM_FOLDER).make_preferred();
 
 // Runs a program of the build folder and returns its status.
 int run(const std::string& command) {
-    return std::system((PROGRAMS / command).string().c_str());
+    return std::system((PROGRAM_RUNNER + (PROGRAMS / command).string()).c_str());
 }
 
 } // namespace

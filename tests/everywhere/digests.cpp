@@ -13,6 +13,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <limits>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -81,6 +82,8 @@ public:
 
     template <typename... Numbers>
     void add(Numbers... numbers) {
+        // The sign of a NaN that was computed is the processor's own.
+        ((numbers = numbers == numbers ? numbers : std::numeric_limits<Numbers>::quiet_NaN()), ...);
         (add_bytes(&numbers, sizeof numbers), ...);
     }
 

@@ -26,7 +26,8 @@ std::vector<std::int16_t> tone() {
     return samples;
 }
 
-// As Microsoft's "Multimedia Programming Interface and Data Specifications 1.0" lays it out.
+// Source of the layout: the RIFF forms in Microsoft's and IBM's Multimedia Programming Interface of
+// 1991.
 void write_wav(const std::string& file, const std::vector<std::int16_t>& samples) {
     const auto size = static_cast<std::uint32_t>(samples.size() * sizeof(std::int16_t));
     std::ofstream stream(platform::to_path(file), std::ios::binary);
