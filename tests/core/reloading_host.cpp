@@ -15,7 +15,8 @@ namespace {
 
 constexpr int CYCLES = 1000;
 constexpr int WARM_UP = 50;
-#ifdef MEMORY_IS_INSTRUMENTED // the sanitizer keeps what was freed for a while
+// A sanitizer keeps what was freed for a while, and an emulator the code that it has translated.
+#ifdef MEMORY_IS_INSTRUMENTED
 constexpr long MOST_GROWTH = 512L * 1024 * 1024;
 #else
 constexpr long MOST_GROWTH = 256L * 1024;
