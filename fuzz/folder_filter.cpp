@@ -3,10 +3,12 @@
 #include "check.h"
 
 #include "quillon/core/file_list.h"
-#include "tests/scratch_folder.h"
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <string>
 
 namespace {
@@ -14,13 +16,22 @@ namespace {
 namespace fs = std::filesystem;
 
 // A folder of a few files and subfolders, which stays for the run.
-struct PreparedFolder : ScratchFolder {
+class PreparedFolder {
+public:
     PreparedFolder() {
+        check(mkdtemp(path.data()) != nullptr, "a folder for temporary files can be made");
         for (const char* file : {"a", "A.dll", "b.so", "c.txt", ".hidden", "long.name.with.dots"})
-            std::ofstream(file).put('x');
+            std::ofstream(fs::path(path) / file).put('x');
         for (const char* folder : {"sub", "folder.dll"})
-            fs::create_directory(folder);
+            fs::create_directory(fs::path(path) / folder);
     }
+
+    PreparedFolder(const PreparedFolder&) = delete;
+    PreparedFolder& operator=(const PreparedFolder&) = delete;
+
+    ~PreparedFolder() { fs::remove_all(path); }
+
+    std::string path = (fs::temp_directory_path() / "quillon_fuzz_XXXXXX").string();
 };
 
 } // namespace
@@ -33,7 +44,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string tail = line < text.size() ? text.substr(line + 1) : std::string();
     const bool folders = filter.find_first_not_of(';') == std::string::npos;
     static const PreparedFolder prepared;
-    const std::string folder = fs::current_path().string() + '/' + tail;
+    const std::string folder = prepared.path + '/' + tail;
 
     const quillon::FileListOwner files(__mFileOps_collect_files(folder.c_str(), filter.c_str()));
     for (const auto* entry = files.get(); entry != nullptr; entry = entry->next)
